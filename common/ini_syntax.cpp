@@ -1,0 +1,216 @@
+#include "common/ini_syntax.h"
+
+#include "common/text.h"
+
+namespace px {
+
+namespace {
+
+// The writer copies files in pieces of this many characters (a line feed, when
+// it falls inside a piece, ends it), so a longer line is handled as several.
+constexpr size_t kWriterPieceLength = 255;
+
+struct Entry {
+  std::string_view key;
+  std::string_view value;  // everything after the separator, untouched
+};
+
+Entry split_entry(std::string_view line, const Delimiters& delims) {
+  size_t eq = line.find(delims.separator);
+  if (eq == std::string_view::npos) return {trim(line), {}};
+  return {trim(line.substr(0, eq)), line.substr(eq + 1)};
+}
+
+std::string clean_value(std::string_view raw, size_t size, const Delimiters& delims) {
+  std::string_view value = trim_left(raw);
+  size_t tab = value.find('\t');
+  if (tab != std::string_view::npos) value = value.substr(0, tab);
+  std::string result = cut_to_buffer(trim_right(value), size);
+  if (result.size() >= 2) {
+    char first = result.front();
+    if ((first == delims.quote1 || first == delims.quote2) && result.back() == first) {
+      result = result.substr(1, result.size() - 2);
+    }
+  }
+  return result;
+}
+
+// Calls visit(line) for each line of section until it returns false; stops at
+// the next header. Returns false when the section does not exist.
+template <typename Visit>
+bool visit_section(std::string_view text, std::string_view section, const Delimiters& delims,
+                   Visit visit) {
+  LineReader reader(text, kMaxLineLength);
+  std::string_view line;
+  bool entered = false;
+  while (reader.next(line)) {
+    if (!entered) {
+      std::optional<std::string_view> name = header_name(line, delims);
+      entered = name && iequals(*name, section);
+      continue;
+    }
+    if (!line.empty() && line[0] == delims.section_open) break;
+    if (!visit(line)) break;
+  }
+  return entered;
+}
+
+std::string entry_line(std::string_view key, std::string_view value, const Delimiters& delims) {
+  std::string line(key);
+  line += delims.separator;
+  line += value;
+  line += '\n';
+  return line;
+}
+
+std::string header_line(std::string_view section, const Delimiters& delims) {
+  std::string line(1, delims.section_open);
+  line += section;
+  line += delims.section_close;
+  line += '\n';
+  return line;
+}
+
+// The name a writer sees in a header piece: after the open character up to the
+// close character or the end of the line.
+std::string_view writer_header_name(std::string_view piece, const Delimiters& delims) {
+  std::string_view rest = piece.substr(1);
+  size_t end = rest.find_first_of(std::string{delims.section_close, '\n'});
+  return end == std::string_view::npos ? rest : rest.substr(0, end);
+}
+
+// The key a writer sees in an entry piece: the text before the first
+// separator, not trimmed; the whole piece without its line feed when there is
+// no separator.
+std::string_view writer_key(std::string_view piece, const Delimiters& delims) {
+  size_t eq = piece.find(delims.separator);
+  if (eq != std::string_view::npos) return piece.substr(0, eq);
+  if (!piece.empty() && piece.back() == '\n') piece.remove_suffix(1);
+  return piece;
+}
+
+}  // namespace
+
+bool LineReader::next(std::string_view& line) {
+  if (pos_ >= text_.size()) return false;
+  size_t end = text_.find('\n', pos_);
+  size_t stop = end == std::string_view::npos ? text_.size() : end;
+  if (stop - pos_ > max_) {
+    line = text_.substr(pos_, max_);
+    pos_ += max_;
+    return true;
+  }
+  line = text_.substr(pos_, stop - pos_);
+  pos_ = end == std::string_view::npos ? text_.size() : end + 1;
+  return true;
+}
+
+std::optional<std::string_view> header_name(std::string_view line, const Delimiters& delims) {
+  if (line.empty() || line[0] != delims.section_open) return std::nullopt;
+  std::string_view rest = line.substr(1);
+  std::string_view name = rest.substr(0, rest.find(delims.section_close));
+  if (name.empty()) return std::nullopt;
+  return name;
+}
+
+std::optional<std::string> find_value(std::string_view text, std::string_view section,
+                                      std::string_view key, size_t size,
+                                      const Delimiters& delims) {
+  std::optional<std::string> found;
+  visit_section(text, section, delims, [&](std::string_view line) {
+    Entry entry = split_entry(line, delims);
+    if (entry.key.empty() || !iequals(entry.key, key)) return true;
+    found = clean_value(entry.value, size, delims);
+    return false;
+  });
+  return found;
+}
+
+KeyList find_keys(std::string_view text, std::string_view section, size_t size,
+                  const Delimiters& delims) {
+  KeyList list;
+  visit_section(text, section, delims, [&](std::string_view line) {
+    Entry entry = split_entry(line, delims);
+    if (entry.key.empty() || entry.key[0] == delims.comment) return true;
+    size_t needed = static_cast<size_t>(list.used) + entry.key.size() + 1;
+    if (size == 0 || needed > size - 1) {
+      list.overflow = true;
+      return false;
+    }
+    list.keys.emplace_back(entry.key);
+    list.used = static_cast<int>(needed);
+    return true;
+  });
+  if (list.overflow) list.used = -1;
+  return list;
+}
+
+std::string new_file_text(const IniChange& change, const Delimiters& delims) {
+  std::string text = header_line(change.section, delims);
+  if (change.key && change.value) text += entry_line(*change.key, *change.value, delims);
+  return text;
+}
+
+std::string rewrite_text(std::string_view old_text, const IniChange& change,
+                         const Delimiters& delims) {
+  std::string out;
+  out.reserve(old_text.size() + 64);
+  const bool has_entry = change.key && change.value;
+  bool in_target = false, found = false, done = false;
+  size_t blanks = 0;
+  auto flush_blanks = [&] {
+    out.append(blanks, '\n');
+    blanks = 0;
+  };
+
+  size_t pos = 0;
+  while (pos < old_text.size()) {
+    size_t end = old_text.find('\n', pos);
+    size_t len = end == std::string_view::npos ? old_text.size() - pos : end - pos + 1;
+    if (len > kWriterPieceLength) len = kWriterPieceLength;
+    std::string_view piece = old_text.substr(pos, len);
+    pos += len;
+
+    if (done) {
+      out += piece;
+    } else if (piece == "\n") {
+      ++blanks;
+    } else if (piece[0] == delims.section_open) {
+      if (in_target) {
+        // Leaving the section without meeting the key: the entry goes at its
+        // end, ahead of the blank lines that precede this header.
+        if (has_entry) out += entry_line(*change.key, *change.value, delims);
+        done = true;
+        in_target = false;
+      }
+      flush_blanks();
+      if (!done && iequals(writer_header_name(piece, delims), change.section)) {
+        in_target = found = true;
+      }
+      out += piece;
+    } else {
+      flush_blanks();
+      if (!in_target) {
+        out += piece;
+      } else if (change.key && iequals(writer_key(piece, delims), *change.key)) {
+        if (change.value) out += entry_line(*change.key, *change.value, delims);
+        done = true;
+      } else if (change.key) {
+        out += piece;
+      }  // with no key every entry of the section is dropped
+    }
+  }
+
+  if (!done && in_target) {
+    if (has_entry) out += entry_line(*change.key, *change.value, delims);
+    flush_blanks();
+  } else if (!found && has_entry) {
+    // A new section goes at the end; blank lines that ended the file go.
+    out += '\n';
+    out += header_line(change.section, delims);
+    out += entry_line(*change.key, *change.value, delims);
+  }
+  return out;
+}
+
+}  // namespace px

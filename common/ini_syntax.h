@@ -1,0 +1,82 @@
+// The text rules of INI files, as pure functions over a file's text.
+//
+// An INI file is a sequence of lines. A line whose first character is the
+// section-open character starts a section: its name runs to the first
+// section-close character (or to the end of the line). Any other line inside
+// a section is an entry: the key is the text before the first "=", trimmed of
+// white space; the value is the rest of the line. Lines before the first
+// section header are never read. There is no comment syntax: a line starting
+// with ";" is a key whose name starts with ";", so it never matches an
+// ordinary key and is left out of key lists.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace px {
+
+// The characters that give INI text its structure, in their fixed order.
+struct Delimiters {
+  char section_open = '[';
+  char section_close = ']';
+  char separator = '=';
+  char quote1 = '\'';
+  char quote2 = '"';
+  char comment = ';';
+  char negation = '^';  // only used to build the section-header scan pattern
+};
+
+// The longest line the reader returns; longer lines come in pieces.
+inline constexpr size_t kMaxLineLength = 511;
+
+// Returns successive lines of text: each ends before its line feed and is at
+// most max_length characters; a longer line is returned in pieces.
+class LineReader {
+ public:
+  LineReader(std::string_view text, size_t max_length) : text_(text), max_(max_length) {}
+  // Next line into line; false at the end of the text.
+  bool next(std::string_view& line);
+
+ private:
+  std::string_view text_;
+  size_t max_;
+  size_t pos_ = 0;
+};
+
+// The section name of a header line, or nullopt when the line is not a header
+// (it must start with the open character and name at least one character).
+std::optional<std::string_view> header_name(std::string_view line, const Delimiters& delims);
+
+// The value of key in section, with the value rules applied and cut to
+// size - 1 characters; nullopt when the key is not found.
+std::optional<std::string> find_value(std::string_view text, std::string_view section,
+                                      std::string_view key, size_t size,
+                                      const Delimiters& delims);
+
+// The keys of a section in file order, duplicates included, ";" keys left out.
+struct KeyList {
+  std::vector<std::string> keys;
+  int used = 0;           // characters the NUL-separated list takes
+  bool overflow = false;  // the list did not fit in size - 1 characters
+};
+KeyList find_keys(std::string_view text, std::string_view section, size_t size,
+                  const Delimiters& delims);
+
+// The change a rewrite makes: key set to value in section. No value deletes
+// the key; no key empties the section (its header stays).
+struct IniChange {
+  std::string_view section;
+  std::optional<std::string_view> key;
+  std::optional<std::string_view> value;
+};
+
+// The text of a new file that holds only the change.
+std::string new_file_text(const IniChange& change, const Delimiters& delims);
+
+// The text of an existing file after the change, preserving every other byte.
+std::string rewrite_text(std::string_view old_text, const IniChange& change,
+                         const Delimiters& delims);
+
+}  // namespace px

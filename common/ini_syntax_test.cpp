@@ -1,0 +1,144 @@
+#include "common/ini_syntax.h"
+
+#include <gtest/gtest.h>
+
+namespace px {
+namespace {
+
+const Delimiters kDefault;
+
+std::optional<std::string> value_of(std::string_view text, std::string_view section,
+                                    std::string_view key, size_t size = 1024) {
+  return find_value(text, section, key, size, kDefault);
+}
+
+std::string rewrite(std::string_view text, std::string_view section,
+                    std::optional<std::string_view> key, std::optional<std::string_view> value) {
+  return rewrite_text(text, IniChange{section, key, value}, kDefault);
+}
+
+TEST(IniLookup, ValueCleaning) {
+  const char* text =
+      "[S]\n"
+      "quoted = \"a b\"  \n"
+      "mixed='a b\"\n"
+      "lone=\"\n"
+      "remark=value\tremark here\n"
+      "leadtab=\t  spaced  \n"
+      "empty=\n"
+      "bare\n"
+      "crlf=windows\r\n";
+  EXPECT_EQ(value_of(text, "S", "quoted"), "a b");
+  EXPECT_EQ(value_of(text, "S", "mixed"), "'a b\"");
+  EXPECT_EQ(value_of(text, "S", "lone"), "\"");
+  EXPECT_EQ(value_of(text, "S", "remark"), "value");
+  EXPECT_EQ(value_of(text, "S", "leadtab"), "spaced");
+  EXPECT_EQ(value_of(text, "S", "empty"), "");
+  EXPECT_EQ(value_of(text, "S", "bare"), "");
+  EXPECT_EQ(value_of(text, "S", "crlf"), "windows");
+  EXPECT_EQ(value_of(text, "S", "missing"), std::nullopt);
+}
+
+TEST(IniLookup, CutHappensBeforeQuotesAreRemoved) {
+  // Cut to 4 characters the value is "\"abc", which no longer ends in a quote.
+  EXPECT_EQ(value_of("[S]\nk=\"abcdef\"\n", "S", "k", 5), "\"abc");
+  EXPECT_EQ(value_of("[S]\nk=\"ab\"\n", "S", "k", 5), "ab");
+}
+
+TEST(IniLookup, SectionsAndKeys) {
+  const char* text =
+      "k=before any section\n"
+      " [Indented]\n"
+      "k=not a section\n"
+      "[OPTIONS]\n"
+      "  Key  = first\n"
+      "key=second\n"
+      ";key=commented\n"
+      "[Next]\n"
+      "other=1\n"
+      "[options]\n"
+      "late=never seen\n";
+  EXPECT_EQ(value_of(text, "options", "KEY"), "first");
+  EXPECT_EQ(value_of(text, "options", "late"), std::nullopt);
+  EXPECT_EQ(value_of(text, "Indented", "k"), std::nullopt);
+  EXPECT_EQ(value_of(text, "Next", "other"), "1");
+  KeyList keys = find_keys(text, "Options", 1024, kDefault);
+  EXPECT_EQ(keys.keys, (std::vector<std::string>{"Key", "key"}));
+  EXPECT_EQ(keys.used, 8);
+}
+
+TEST(IniLookup, KeyListOverflow) {
+  const char* text = "[S]\nabc=1\ndef=2\n";
+  EXPECT_FALSE(find_keys(text, "S", 9, kDefault).overflow);  // "abc\0def\0" + final NUL
+  KeyList small = find_keys(text, "S", 8, kDefault);
+  EXPECT_TRUE(small.overflow);
+  EXPECT_EQ(small.used, -1);
+}
+
+TEST(IniLookup, LongLinesComeInPieces) {
+  std::string text = "[S]\n" + std::string(511, 'x') + "k=tail\n";
+  // The 511 x's are one line; "k=tail" is the next piece and reads as a key.
+  EXPECT_EQ(value_of(text, "S", "k"), "tail");
+  LineReader reader(std::string(600, 'a'), kMaxLineLength);
+  std::string_view line;
+  ASSERT_TRUE(reader.next(line));
+  EXPECT_EQ(line.size(), 511u);
+  ASSERT_TRUE(reader.next(line));
+  EXPECT_EQ(line.size(), 89u);
+  EXPECT_FALSE(reader.next(line));
+}
+
+TEST(IniLookup, ChangedDelimitersAreUsed) {
+  Delimiters d;
+  d.section_open = '<';
+  d.section_close = '>';
+  d.separator = ':';
+  EXPECT_EQ(find_value("<S>\nk: v\n", "S", "k", 100, d), "v");
+}
+
+TEST(IniRewrite, ReplacesFirstOfDuplicatesAndCopiesTheRest) {
+  EXPECT_EQ(rewrite("[A]\nk=1\nk=2\n[B]\nk=3\n", "a", "K", "9"), "[A]\nK=9\nk=2\n[B]\nk=3\n");
+}
+
+TEST(IniRewrite, AddsAtEndOfSectionAheadOfBlankLines) {
+  EXPECT_EQ(rewrite("[A]\nx=1\n\n\n[B]\ny=2\n", "A", "k", "v"),
+            "[A]\nx=1\nk=v\n\n\n[B]\ny=2\n");
+  EXPECT_EQ(rewrite("[A]\nx=1\n\n", "A", "k", "v"), "[A]\nx=1\nk=v\n\n");
+}
+
+TEST(IniRewrite, NewSectionGoesAtEndAndTrailingBlanksGo) {
+  EXPECT_EQ(rewrite("[A]\nx=1\n\n\n", "B", "k", "v"), "[A]\nx=1\n\n[B]\nk=v\n");
+  // Deleting from a section that is not there changes only the trailing blanks.
+  EXPECT_EQ(rewrite("[A]\nx=1\n\n", "B", "k", std::nullopt), "[A]\nx=1\n");
+}
+
+TEST(IniRewrite, DeleteKeyAndEmptySection) {
+  EXPECT_EQ(rewrite("[A]\nk=1\nj=2\n", "A", "k", std::nullopt), "[A]\nj=2\n");
+  EXPECT_EQ(rewrite("[A]\nk=1\n\nj=2\n[B]\nk=1\n", "A", std::nullopt, std::nullopt),
+            "[A]\n\n[B]\nk=1\n");
+  // A missing key leaves the section as it was.
+  EXPECT_EQ(rewrite("[A]\nk=1\n", "A", "z", std::nullopt), "[A]\nk=1\n");
+}
+
+TEST(IniRewrite, KeysAreMatchedUntrimmed) {
+  // "k =1" has the key "k " on the writer's path, so "k" is added instead.
+  EXPECT_EQ(rewrite("[A]\nk =1\n", "A", "k", "2"), "[A]\nk =1\nk=2\n");
+}
+
+TEST(IniRewrite, LongLinesAreCopiedWhole) {
+  std::string line(600, 'z');
+  std::string text = "[A]\n" + line + "\nk=1\n";
+  EXPECT_EQ(rewrite(text, "A", "k", "2"), "[A]\n" + line + "\nk=2\n");
+}
+
+TEST(IniRewrite, CrLfFilesKeepTheirOtherLines) {
+  EXPECT_EQ(rewrite("[A]\r\nk=1\r\nj=2\r\n", "A", "k", "3"), "[A]\r\nk=3\nj=2\r\n");
+}
+
+TEST(IniRewrite, NewFileText) {
+  EXPECT_EQ(new_file_text(IniChange{"S", "k", "v"}, kDefault), "[S]\nk=v\n");
+  EXPECT_EQ(new_file_text(IniChange{"S", "k", std::nullopt}, kDefault), "[S]\n");
+}
+
+}  // namespace
+}  // namespace px
