@@ -141,6 +141,10 @@ void emit(int n, std::string_view raw) {
   }
 }
 
+void log_line(int level, std::string_view text) {
+  if (level >= state().verbosity) write_log_line(stamped_line(text) + "\n");
+}
+
 std::string show(int n) {
   std::string text = message_text(n);
   emit(n, text);

@@ -59,6 +59,9 @@ int current_level();
 
 // Logs text, already looked up for message n, at the current level.
 void emit(int n, std::string_view text);
+// Logs a text that is not a numbered message when level reaches the
+// verbosity.
+void log_line(int level, std::string_view text);
 // Looks up message n, expands it and emits it; returns the expanded text.
 std::string show(int n);
 

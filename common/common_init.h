@@ -1,0 +1,46 @@
+// The start of every program: the command line is rebuilt and split again
+// (expanding "@" indirect files), the common "-a" options are taken, and the
+// INI file, log, trace and response file are set up.
+//
+// Options are recognised anywhere on the line by their first four characters
+// without regard to case, with the value written directly behind them; a later
+// one overrides an earlier one. They are applied in this order:
+//   -asn<name>     server name (63 characters)
+//   -aii<file>     the INI file
+//   LogFile in Plexar, then -all<file>  the log ("stdout"/"stderr" allowed)
+//   MsgDateStampFormat, TraceFile, RspFile (default "plexar.rsp") and
+//   RspFileFormat (default "field") in Plexar
+//   -arf<format>   response format ("basic" in any case, else field)
+//   -arx<file>     response file
+//   -adt<number>   the integer option
+//   LogBuild in Plexar: when set and not "no", the build time is logged once.
+// The options stay in the argument vector.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace px {
+
+// Rebuilds args through the command-line rules and sets up the runtime.
+// Returns 0, or kOutOfMemory / kIndirectFileFailed after reporting it; args
+// are then left as they were.
+int common_init(std::vector<std::string>& args);
+
+// The text reported for an initialisation failure: key "Msg<code>" (with its
+// sign) of section Messages when present, otherwise the built-in text.
+std::string init_error_text(int code);
+
+// The "-asn" server name, else ServerName of section PxServer (default
+// "PXSRVR").
+std::string server_name();
+
+// The "-adt" value; 0 when not given.
+int integer_option();
+
+// True for the common option names "-asn", "-aii", "-all", "-arf", "-arx" and
+// "-adt" at the start of arg, in any case.
+bool is_common_option(std::string_view arg);
+
+}  // namespace px
