@@ -57,6 +57,7 @@ inline constexpr int kShortNameTooLong = -2;
 // Checks the last component as an 8.3 name: kShortNameTooLong when the base
 // exceeds 8 or the extension 3 characters, kShortNameBadChar when a character
 // is below 33, is one of "/:?*<>|" or is DEL (127); else kShortNameOk.
+// Characters are checked first: a bad character wins over a length.
 int check_short_name(std::string_view name);
 
 // Moves a file, replacing the target. On the default platform branch this is
@@ -96,7 +97,8 @@ std::optional<std::string> read_file(const std::string& path);
 // file: the text goes to a sibling temporary file that is synced and renamed
 // over path (keeping path's permission bits). When the directory cannot take
 // a new file the text is written in place. False when path cannot be opened
-// for writing or any write fails; path then keeps its old contents.
+// for writing or any write fails; path then keeps its old contents. A missing
+// file is created; a symbolic link is followed and stays a link.
 bool replace_file_contents(const std::string& path, std::string_view text);
 
 }  // namespace px

@@ -1,0 +1,208 @@
+#include "common/file_util.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <optional>
+
+#include "tests/support/test_dir.h"
+
+namespace px {
+namespace {
+
+// Sets an environment variable for one test and restores the old value.
+class ScopedEnv {
+ public:
+  ScopedEnv(const char* name, const char* value) : name_(name) {
+    const char* old = std::getenv(name);
+    if (old != nullptr) old_ = old;
+    if (value != nullptr) {
+      setenv(name, value, 1);
+    } else {
+      unsetenv(name);
+    }
+  }
+  ~ScopedEnv() {
+    if (old_) {
+      setenv(name_, old_->c_str(), 1);
+    } else {
+      unsetenv(name_);
+    }
+  }
+
+ private:
+  const char* name_;
+  std::optional<std::string> old_;
+};
+
+bool exists(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
+
+mode_t mode_of(const std::string& path) {
+  struct stat info {};
+  stat(path.c_str(), &info);
+  return info.st_mode & 07777;
+}
+
+TEST(PathTest, SeparatorsAndParts) {
+  EXPECT_EQ(add_separator(""), "");
+  EXPECT_EQ(add_separator("a/"), "a/");
+  EXPECT_EQ(add_separator("a\\"), "a\\");
+  EXPECT_EQ(add_separator("a"), "a/");
+  EXPECT_EQ(strip_separators("a/\\/"), "a");
+  EXPECT_EQ(join_path("f", ""), "f");
+  EXPECT_EQ(join_path("f", "d\\"), "d\\f");
+  EXPECT_EQ(directory_part("c:\\x/y\\f.txt"), "c:\\x/y\\");
+  EXPECT_EQ(directory_part("f.txt"), "");
+  EXPECT_EQ(file_part("x/y\\f.txt"), "f.txt");
+  EXPECT_EQ(cut_at_backslash("a/b\\c\\d"), "a/b");
+  EXPECT_TRUE(is_absolute("\\x"));
+  EXPECT_TRUE(is_absolute("c:x"));
+  EXPECT_FALSE(is_absolute("x/y"));
+}
+
+TEST(PathTest, ExtensionsBelongToTheLastComponent) {
+  EXPECT_EQ(add_extension("a.txt", "ini"), "a.txt");
+  EXPECT_EQ(add_extension("dir.x/name", "ini"), "dir.x/name.ini");
+  EXPECT_EQ(add_extension("dir.x\\name", "ini"), "dir.x\\name.ini");
+  EXPECT_EQ(strip_extension("dir.x/name"), "dir.x/name");
+  EXPECT_EQ(strip_extension("d/a.b.c"), "d/a.b");
+  EXPECT_EQ(extension("dir.x/name"), "");
+  EXPECT_EQ(extension("a.long"), "lon");
+  EXPECT_EQ(extension("a.b.c"), "c");
+}
+
+TEST(PathTest, ShortNames) {
+  EXPECT_EQ(check_short_name("abcdefgh.txt"), kShortNameOk);
+  EXPECT_EQ(check_short_name("abcdefghi.txt"), kShortNameTooLong);
+  EXPECT_EQ(check_short_name("a.text"), kShortNameTooLong);
+  EXPECT_EQ(check_short_name("long.directory/ok.txt"), kShortNameOk);
+  EXPECT_EQ(check_short_name("a?.txt"), kShortNameBadChar);
+  EXPECT_EQ(check_short_name("a b"), kShortNameBadChar);
+  EXPECT_EQ(check_short_name("a\x7f"), kShortNameBadChar);
+  EXPECT_EQ(check_short_name("abcdefghi?"), kShortNameBadChar);  // characters win
+  EXPECT_EQ(check_short_name("caf\xe9.txt"), kShortNameOk);      // high bytes are fine
+}
+
+class FileUtilTest : public ::testing::Test {
+ protected:
+  TestDir dir_;
+};
+
+TEST_F(FileUtilTest, MoveReplacesTarget) {
+  std::string from = dir_.write("from", "new");
+  std::string to = dir_.write("to", "old");
+  ASSERT_TRUE(move_file(from, to));
+  EXPECT_FALSE(exists(from));
+  EXPECT_EQ(dir_.read("to"), "new");
+}
+
+TEST_F(FileUtilTest, ClassicMoveDeletesTargetFirst) {
+  ScopedEnv classic("PLEXAR_PLATFORM", "classic");
+  std::string to = dir_.write("to", "old");
+  EXPECT_FALSE(move_file(dir_.file("missing"), to));
+  EXPECT_FALSE(exists(to));  // the failed move has lost the target
+
+  dir_.write("to", "old");
+  ASSERT_TRUE(move_file(dir_.write("from", "new"), to));
+  EXPECT_EQ(dir_.read("to"), "new");
+}
+
+TEST_F(FileUtilTest, CopyOverwritesButNeverOntoItself) {
+  std::string from = dir_.write("from", std::string("a\0b", 3));
+  std::string to = dir_.write("to", "much longer old contents");
+  ASSERT_TRUE(copy_file(from, to));
+  EXPECT_EQ(read_file(to), std::string("a\0b", 3));
+  EXPECT_FALSE(copy_file(from, from));
+  EXPECT_EQ(read_file(from), std::string("a\0b", 3));
+  EXPECT_FALSE(read_file(dir_.file("missing")));
+}
+
+TEST_F(FileUtilTest, TempDirectoryFallsBack) {
+  ScopedEnv tmpdir("TMPDIR", dir_.file("missing").c_str());
+  ScopedEnv tmp("TMP", dir_.path().c_str());
+  EXPECT_EQ(temp_directory(), dir_.path());
+}
+
+TEST_F(FileUtilTest, TempNamesAreFreeAndDistinct) {
+  std::optional<std::string> first = temp_name(dir_.path(), "ab");
+  std::optional<std::string> second = temp_name(dir_.path(), "abcdef");
+  ASSERT_TRUE(first && second);
+  EXPECT_EQ(directory_part(*first), dir_.path() + "/");
+  EXPECT_EQ(file_part(*first).substr(0, 3), "PXX");
+  EXPECT_EQ(extension(*first), "tmp");
+  EXPECT_FALSE(exists(*first));
+  EXPECT_EQ(file_part(*second).substr(0, 3), "abc");
+  EXPECT_NE(strip_extension(file_part(*first)).substr(3), strip_extension(file_part(*second)).substr(3));
+
+  std::optional<std::string> dat = temp_name_with_extension(dir_.path(), "pre", "dat");
+  ASSERT_TRUE(dat);
+  EXPECT_EQ(extension(*dat), "dat");
+  EXPECT_FALSE(temp_name(dir_.file("missing"), "abc"));
+}
+
+TEST_F(FileUtilTest, UniqueNameSkipsTakenNames) {
+  std::optional<std::string> name = unique_name(dir_.path(), "x", "log");
+  ASSERT_TRUE(name);
+  std::string file = file_part(*name);
+  EXPECT_EQ(file.substr(0, 2), "px");
+  EXPECT_EQ(file.substr(file.size() - 5), "a.log");
+  EXPECT_FALSE(exists(*name));
+
+  dir_.write(file, "taken");
+  std::optional<std::string> next = unique_name(dir_.path(), "abc", "");
+  ASSERT_TRUE(next);
+  EXPECT_EQ(file_part(*next).substr(0, 2), "ab");
+  EXPECT_FALSE(exists(*next));
+}
+
+TEST_F(FileUtilTest, ReplaceKeepsPermissionsAndFollowsLinks) {
+  std::string path = dir_.write("f.ini", "old");
+  ASSERT_EQ(chmod(path.c_str(), 0640), 0);
+  std::string link = dir_.file("link.ini");
+  ASSERT_EQ(symlink(path.c_str(), link.c_str()), 0);
+
+  ASSERT_TRUE(replace_file_contents(link, "new"));
+  EXPECT_EQ(dir_.read("f.ini"), "new");
+  EXPECT_EQ(mode_of(path), 0640u);
+  struct stat info {};
+  ASSERT_EQ(lstat(link.c_str(), &info), 0);
+  EXPECT_TRUE(S_ISLNK(info.st_mode));
+
+  ASSERT_TRUE(replace_file_contents(dir_.file("created"), "x"));
+  EXPECT_EQ(dir_.read("created"), "x");
+}
+
+TEST_F(FileUtilTest, ReplaceKeepsOwner) {
+  if (geteuid() != 0) GTEST_SKIP() << "needs root to hand the file to another user";
+  std::string path = dir_.write("owned.ini", "old");
+  ASSERT_EQ(chown(path.c_str(), 65534, 65534), 0);
+  ASSERT_TRUE(replace_file_contents(path, "new"));
+  struct stat info {};
+  ASSERT_EQ(stat(path.c_str(), &info), 0);
+  EXPECT_EQ(info.st_uid, 65534u);
+  EXPECT_EQ(info.st_gid, 65534u);
+  EXPECT_EQ(dir_.read("owned.ini"), "new");
+}
+
+TEST_F(FileUtilTest, ReplaceRefusesReadOnlyFile) {
+  if (geteuid() == 0) GTEST_SKIP() << "root may write read-only files";
+  std::string path = dir_.write("ro.ini", "old");
+  ASSERT_EQ(chmod(path.c_str(), 0444), 0);
+  EXPECT_FALSE(replace_file_contents(path, "new"));
+  EXPECT_EQ(dir_.read("ro.ini"), "old");
+}
+
+TEST_F(FileUtilTest, ReplaceWritesInPlaceInReadOnlyDirectory) {
+  if (geteuid() == 0) GTEST_SKIP() << "root may create files in read-only directories";
+  std::string path = dir_.write("f.ini", "old old old");
+  ASSERT_EQ(chmod(dir_.path().c_str(), 0555), 0);
+  bool replaced = replace_file_contents(path, "new");
+  chmod(dir_.path().c_str(), 0755);
+  EXPECT_TRUE(replaced);
+  EXPECT_EQ(dir_.read("f.ini"), "new");
+}
+
+}  // namespace
+}  // namespace px
