@@ -1,1 +1,81 @@
-int main() { return 0; }
+// pxctl: the console's commands for scripts and terminals.
+#include <unistd.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "cli/cli.h"
+#include "common/command_line.h"
+#include "common/common_init.h"
+#include "common/file_util.h"
+#include "common/ini_profile.h"
+#include "common/messages.h"
+
+namespace {
+
+using px::cli::Invocation;
+
+// pxctl shares the console's INI file: it is looked for by the console's name.
+void use_console_ini() {
+  char own[4096];
+  ssize_t n = readlink("/proc/self/exe", own, sizeof own - 1);
+  std::string directory = n > 0 ? px::directory_part(std::string(own, static_cast<size_t>(n))) : "";
+  px::ini::set_program_path(directory + "pxcntrl");
+}
+
+// Splits the initialised arguments into the command and its words. False
+// when --instance lacks its name.
+bool parse_invocation(const std::vector<std::string>& args, Invocation& call) {
+  bool seen_command = false;
+  for (size_t i = 1; i < args.size(); ++i) {
+    const std::string& arg = args[i];
+    if (seen_command) {
+      call.raw.push_back(arg);
+      if (!px::is_common_option(arg)) call.words.push_back(arg);
+    } else if (px::is_common_option(arg)) {
+      continue;
+    } else if (arg == "--instance") {
+      if (++i == args.size()) return false;
+      call.instance = args[i];
+    } else {
+      call.command = arg;
+      seen_command = true;
+    }
+  }
+  return true;
+}
+
+int dispatch(const Invocation& call) {
+  if (call.command == "ini") return px::cli::run_ini(call);
+  if (call.command == "msg") return px::cli::run_msg(call);
+  if (call.command == "args") return px::cli::run_args(call);
+  if (call.command == "--help" || call.command == "-h" || call.command == "help") {
+    return px::cli::run_help(call);
+  }
+  if (call.command.empty()) {
+    px::cli::run_help(call);
+    return px::cli::kExitUsage;
+  }
+  px::cli::report(px::cli::kMsgUnknownCommand, {call.command});
+  return px::cli::kExitUsage;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  use_console_ini();
+  std::vector<std::string> args(argv, argv + argc);
+  int status = px::common_init(args);
+  if (status != 0) {
+    std::fprintf(stderr, "[%d]%s\n", status, px::init_error_text(status).c_str());
+    return px::cli::kExitFailed;
+  }
+  Invocation call;
+  if (!parse_invocation(args, call)) {
+    return px::cli::usage_error("--instance", "pxctl --instance NAME COMMAND ...");
+  }
+  int result = dispatch(call);
+  px::messages::reset();
+  return result;
+}

@@ -1,0 +1,40 @@
+// pxctl --help: the Usage section of the INI file when it has lines, else a
+// summary of the commands.
+#include <cstdio>
+
+#include "cli/cli.h"
+#include "common/messages.h"
+
+namespace px::cli {
+
+namespace {
+
+const char* const kSummary =
+    "Usage: pxctl [-a options] [@file] [--instance NAME] COMMAND ...\n"
+    "\n"
+    "Commands:\n"
+    "  ini get FILE SECTION KEY [DEFAULT]   print a value of an INI file\n"
+    "  ini keys FILE SECTION                print the keys of a section\n"
+    "  ini set FILE SECTION KEY VALUE       set a key\n"
+    "  ini delete FILE SECTION [KEY]        delete a key, or every key of a section\n"
+    "  ini map QUALIFIER PATH               map a path through the directory map\n"
+    "  msg N [ARG...]                       show numbered message N with arguments\n"
+    "  args ARG...                          print the arguments after initialisation\n"
+    "  --help                               this text\n"
+    "\n"
+    "Common options (value written directly behind the option):\n"
+    "  -aiiFILE  INI file      -allFILE  log file (stdout, stderr)\n"
+    "  -asnNAME  server name   -arxFILE  response file   -arfFORMAT  field|basic\n"
+    "  -adtN     integer option\n"
+    "  @FILE     read more arguments from FILE\n"
+    "\n"
+    "Exit status: 0 success, 1 the operation failed, 2 usage error.\n";
+
+}  // namespace
+
+int run_help(const Invocation&) {
+  if (messages::print_usage() == 0) std::fputs(kSummary, stdout);
+  return kExitOk;
+}
+
+}  // namespace px::cli

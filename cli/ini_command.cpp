@@ -1,0 +1,73 @@
+// pxctl ini get|keys|set|delete|map: reads and writes INI files through the
+// runtime's own engine.
+#include <cstdio>
+#include <optional>
+
+#include "cli/cli.h"
+#include "common/directory_map.h"
+#include "common/ini_profile.h"
+
+namespace px::cli {
+
+namespace {
+
+constexpr size_t kValueSize = 1024;
+
+const char* const kSynopsis =
+    "pxctl ini get FILE SECTION KEY [DEFAULT] | keys FILE SECTION | "
+    "set FILE SECTION KEY VALUE | delete FILE SECTION [KEY] | map QUALIFIER PATH";
+
+int ini_get(const std::vector<std::string>& w) {
+  if (w.size() != 4 && w.size() != 5) return usage_error("ini get", kSynopsis);
+  std::string fallback = w.size() == 5 ? w[4] : "";
+  std::printf("%s\n", ini::get_string(w[2], w[3], fallback, kValueSize, w[1]).c_str());
+  return kExitOk;
+}
+
+int ini_keys(const std::vector<std::string>& w) {
+  if (w.size() != 3) return usage_error("ini keys", kSynopsis);
+  for (const std::string& key : ini::get_key_array(w[2], w[1])) std::printf("%s\n", key.c_str());
+  return kExitOk;
+}
+
+int ini_write(const std::string& file, const std::string& section,
+              std::optional<std::string_view> key, std::optional<std::string_view> value) {
+  if (ini::write_string(section, key, value, file)) return kExitOk;
+  report(kMsgIniWriteFailed, {file});
+  return kExitFailed;
+}
+
+int ini_set(const std::vector<std::string>& w) {
+  if (w.size() != 5) return usage_error("ini set", kSynopsis);
+  return ini_write(w[1], w[2], w[3], w[4]);
+}
+
+int ini_delete(const std::vector<std::string>& w) {
+  if (w.size() != 3 && w.size() != 4) return usage_error("ini delete", kSynopsis);
+  std::optional<std::string_view> key;
+  if (w.size() == 4) key = w[3];
+  return ini_write(w[1], w[2], key, std::nullopt);
+}
+
+// Without an install file the map is empty and the path comes back as it is.
+int ini_map(const std::vector<std::string>& w) {
+  if (w.size() != 3) return usage_error("ini map", kSynopsis);
+  load_directory_map(w[1]);
+  std::printf("%s\n", map_directory(w[2]).c_str());
+  return kExitOk;
+}
+
+}  // namespace
+
+int run_ini(const Invocation& call) {
+  const std::vector<std::string>& w = call.words;
+  std::string action = w.empty() ? "" : w[0];
+  if (action == "get") return ini_get(w);
+  if (action == "keys") return ini_keys(w);
+  if (action == "set") return ini_set(w);
+  if (action == "delete") return ini_delete(w);
+  if (action == "map") return ini_map(w);
+  return usage_error("ini", kSynopsis);
+}
+
+}  // namespace px::cli
