@@ -1,0 +1,94 @@
+// Runs the pxctl program itself and checks its output, messages and exit
+// codes.
+#include <gtest/gtest.h>
+
+#include "tests/support/run_program.h"
+#include "tests/support/test_dir.h"
+
+namespace px {
+namespace {
+
+class PxctlTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ini_ = dir_.write("test.ini",
+                      "[Plexar]\nInstall=" + dir_.file("install.ini") +
+                          "\n[Options]\nMsgDateStampFormat=T\n"
+                          "[Messages]\n"
+                          "Msg20=10 file @P1 is missing from @P2\n"
+                          "Msg901=30 bad use of @P1\n"
+                          "Msg902=30 cannot write @P1\n");
+  }
+  // pxctl with the test INI file and the given arguments.
+  ProgramResult pxctl(std::vector<std::string> args) {
+    args.insert(args.begin(), "-aii" + ini_);
+    return run_program(PXCTL_PATH, args, dir_.path());
+  }
+  TestDir dir_;
+  std::string ini_;
+};
+
+TEST_F(PxctlTest, IniRoundTripIsByteExact) {
+  std::string file = dir_.write("s.ini", "[A]\nk=1\n\n[B]\nx=2\n");
+  EXPECT_EQ(pxctl({"ini", "set", file, "A", "j", "two words"}).status, 0);
+  EXPECT_EQ(pxctl({"ini", "set", file, "C", "n", "3"}).status, 0);
+  EXPECT_EQ(dir_.read("s.ini"), "[A]\nk=1\nj=two words\n\n[B]\nx=2\n\n[C]\nn=3\n");
+
+  ProgramResult get = pxctl({"ini", "get", file, "a", "J"});
+  EXPECT_EQ(get.out, "two words\n");
+  EXPECT_EQ(pxctl({"ini", "get", file, "A", "none", "fallback"}).out, "fallback\n");
+  EXPECT_EQ(pxctl({"ini", "keys", file, "A"}).out, "k\nj\n");
+
+  EXPECT_EQ(pxctl({"ini", "delete", file, "A", "k"}).status, 0);
+  EXPECT_EQ(pxctl({"ini", "delete", file, "B"}).status, 0);
+  EXPECT_EQ(dir_.read("s.ini"), "[A]\nj=two words\n\n[B]\n\n[C]\nn=3\n");
+}
+
+TEST_F(PxctlTest, FailuresAndUsageErrors) {
+  ProgramResult write = pxctl({"ini", "set", dir_.file("no/dir.ini"), "A", "k", "v"});
+  EXPECT_EQ(write.status, 1);
+  EXPECT_EQ(write.err, "[902]cannot write " + dir_.file("no/dir.ini") + "\n");
+
+  ProgramResult usage = pxctl({"ini", "get", "only-a-file"});
+  EXPECT_EQ(usage.status, 2);
+  EXPECT_EQ(usage.err, "[901]bad use of ini get\n");
+  EXPECT_EQ(pxctl({"frobnicate"}).status, 2);
+  EXPECT_EQ(pxctl({"msg", "twelve"}).status, 2);
+  EXPECT_EQ(pxctl({}).status, 2);
+}
+
+TEST_F(PxctlTest, MessageIsPrintedAndLogged) {
+  ProgramResult r = pxctl({"-alltest.log", "msg", "20", "a.dat", "/in"});
+  EXPECT_EQ(r.status, 0);
+  EXPECT_EQ(r.out, "10\t[20]file a.dat is missing from /in\n");
+  EXPECT_EQ(dir_.read("test.log"), "T pxctl: [20]file a.dat is missing from /in\n");
+  EXPECT_EQ(pxctl({"msg", "-77"}).out, "30\t[-77]** Message Msg77 not in .ini file **\n");
+}
+
+TEST_F(PxctlTest, ArgumentsAfterCommonInitialisation) {
+  dir_.write("more.txt", "x\t\"y z\"\n");
+  ProgramResult r = pxctl({"args", "a b", "@more.txt", "-aii", "path"});
+  EXPECT_EQ(r.out, "a b\nx\ny z\n-aii\npath\n");
+
+  ProgramResult missing = pxctl({"args", "@nothing.txt"});
+  EXPECT_EQ(missing.status, 1);
+  // The INI file is not set up yet, so the text comes from the console's own.
+  EXPECT_EQ(missing.err.rfind("[-604]", 0), 0u) << missing.err;
+}
+
+TEST_F(PxctlTest, HelpComesFromUsageSectionWhenPresent) {
+  ProgramResult builtin = pxctl({"--help"});
+  EXPECT_EQ(builtin.status, 0);
+  EXPECT_NE(builtin.out.find("ini get FILE SECTION KEY"), std::string::npos);
+  dir_.write("test.ini", "[Usage]\nUsage1=use me\nUsage2=  second line\n");
+  EXPECT_EQ(pxctl({"--help"}).out, "use me\nsecond line\n");
+}
+
+TEST_F(PxctlTest, DirectoryMapOfAnInstance) {
+  dir_.write("install.ini", "[Directories-north]\n/data=/srv/north\n[Special-north]\nCaseMap=Upper\n");
+  EXPECT_EQ(pxctl({"ini", "map", "north", "/data/in/a.dat"}).out, "/srv/north/IN/A.DAT\n");
+  EXPECT_EQ(pxctl({"ini", "map", "south", "/data/in"}).out, "/data/in\n");
+}
+
+}  // namespace
+}  // namespace px
