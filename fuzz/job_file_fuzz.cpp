@@ -1,0 +1,95 @@
+// Feeds arbitrary bytes to the job-file reader as a job file: names, a field
+// lookup, full item iteration and XML detection.
+#include <stdlib.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "common/job_file.h"
+
+namespace {
+
+struct Closer {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using FilePtr = std::unique_ptr<std::FILE, Closer>;
+
+// The input file, in a private directory made once per run and removed at
+// exit.
+class InputFile {
+ public:
+  InputFile() {
+    std::string dir = (std::filesystem::temp_directory_path() / "jobfuzz.XXXXXX").string();
+    if (mkdtemp(dir.data()) == nullptr) abort();
+    dir_ = dir;
+    path_ = dir + "/input.job";
+  }
+  ~InputFile() {
+    std::error_code ignored;
+    std::filesystem::remove_all(dir_, ignored);
+  }
+  const std::string& path() const { return path_; }
+
+ private:
+  std::string dir_;
+  std::string path_;
+};
+
+const std::string& input_path() {
+  static const InputFile input;
+  return input.path();
+}
+
+// Device and process files ("^file /dev/zero", "/dev/stdin") never end or
+// block; they are no test of the reader.
+bool names_special_files(std::string_view text) {
+  for (std::string_view word : {"dev", "proc", "sys"}) {
+    if (text.find(word) != std::string_view::npos) return true;
+  }
+  return false;
+}
+
+void write_input(const uint8_t* data, size_t size) {
+  FilePtr file(std::fopen(input_path().c_str(), "wb"));
+  if (!file) abort();
+  if (size > 0 && std::fwrite(data, 1, size, file.get()) != size) abort();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  std::string_view text(reinterpret_cast<const char*>(data), size);
+  if (names_special_files(text)) return 0;
+  write_input(data, size);
+
+  px::JobFile job("unused-default.job");
+  job.open(input_path());
+  job.job_name();
+  job.form_name();
+  job.field_value("status");
+
+  // Iteration and lookup read the same lines: the first field iterated is
+  // the one a lookup of its name finds, unless the lookup met a missing
+  // include (which iteration skips).
+  px::Field item;
+  std::optional<px::Field> first;
+  for (;;) {
+    int rc = job.next_item(item);
+    if (rc == px::kJobFileMissing || item.name.empty()) break;
+    if (!first && rc == 0) first = item;
+  }
+  if (first) {
+    std::optional<std::string> value = job.field_value(first->name);
+    if (job.last_error() == 0 && value != first->value) abort();
+  }
+
+  FilePtr file(std::fopen(input_path().c_str(), "rb"));
+  if (file) px::is_xml(file.get());
+  return 0;
+}
