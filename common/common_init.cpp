@@ -1,5 +1,6 @@
 #include "common/common_init.h"
 
+#include <new>
 #include <optional>
 
 #include "common/command_line.h"
@@ -77,17 +78,29 @@ void apply_options(const std::vector<std::string>& args) {
   log_build_once();
 }
 
+// The rebuilt, expanded and split command line, or the failure's code.
+int rebuild_arguments(const std::vector<std::string>& args, std::vector<std::string>& out) {
+  try {
+    std::string line = rebuild_command_line(args);
+    int result = expand_indirect_files(line);
+    if (result != 0) return result;
+    out = split_arguments(line);
+    if (!args.empty() && out.empty()) out.push_back(args[0]);
+    return 0;
+  } catch (const std::bad_alloc&) {
+    return kOutOfMemory;
+  }
+}
+
 }  // namespace
 
 int common_init(std::vector<std::string>& args) {
-  std::string line = rebuild_command_line(args);
-  int result = expand_indirect_files(line);
+  std::vector<std::string> expanded;
+  int result = rebuild_arguments(args, expanded);
   if (result != 0) {
     report(result);
     return result;
   }
-  std::vector<std::string> expanded = split_arguments(line);
-  if (!args.empty() && expanded.empty()) expanded.push_back(args[0]);
   args = std::move(expanded);
   apply_options(args);
   return 0;

@@ -84,6 +84,16 @@ TEST_F(CommonInitTest, IndirectFileSuppliesOptions) {
   EXPECT_EQ(response_file(), "");  // written once
 }
 
+TEST_F(CommonInitTest, BuildTimeIsLoggedOncePerRun) {
+  std::string ini = dir_.write("build.ini", "[Plexar]\nLogBuild=Yes\nMsgDateStampFormat=D\n");
+  Args args{"prog", "-aii" + ini, "-allbuild.log"};
+  ASSERT_EQ(common_init(args), 0);
+  ASSERT_EQ(common_init(args), 0);
+  std::string log = dir_.read("build.log");
+  EXPECT_EQ(log.rfind("D prog: Executable Built ", 0), 0u) << log;
+  EXPECT_EQ(log.find('\n'), log.size() - 1);  // one line only
+}
+
 TEST_F(CommonInitTest, FieldResponseWithExtras) {
   set_response_format(ResponseFormat::kField);
   set_response_file("out.rsp");
