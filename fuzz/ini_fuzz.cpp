@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "common/ini_syntax.h"
+#include "common/text.h"
 
 namespace {
 
@@ -21,8 +22,8 @@ std::string_view take_word(std::string_view& data) {
 
 bool plain(std::string_view word) {
   for (char c : word) {
-    if (c == '\n' || c == '\r' || c == '\t' || c == ' ' || c == '=' || c == '[' || c == ']' ||
-        c == '\'' || c == '"' || c == ';' || c == '\0')
+    if (px::is_space(c) || c == '=' || c == '[' || c == ']' || c == '\'' || c == '"' ||
+        c == ';' || c == '\0')
       return false;
   }
   return !word.empty();
