@@ -1,5 +1,6 @@
 #include "common/job_file.h"
 
+#include <algorithm>
 #include <functional>
 #include <utility>
 
@@ -124,6 +125,11 @@ bool JobLineReader::include(const std::string& line) {
   std::string path(argument(line, "file"));
   if (path.find('\0') != std::string::npos) return false;
   FilePtr file(std::fopen(path.c_str(), "r"));
+  if (!file && path.find('\\') != std::string::npos) {
+    // Paths written on Windows use "\" between directories.
+    std::replace(path.begin(), path.end(), '\\', '/');
+    file.reset(std::fopen(path.c_str(), "r"));
+  }
   if (!file) return false;
   files_.push_back(std::move(file));
   return true;

@@ -1,6 +1,7 @@
 #include "common/job_file.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <memory>
 #include <vector>
@@ -179,6 +180,14 @@ TEST_F(JobFileIncludeTest, IncludedLinesStandInPlace) {
   EXPECT_EQ(job.last_error(), kJobFileMissing);
   EXPECT_EQ(job.field_value("tail"), std::nullopt);
   EXPECT_EQ(job.last_error(), kJobFileMissing);
+}
+
+TEST_F(JobFileIncludeTest, BackslashPathsAreFound) {
+  ASSERT_EQ(mkdir(dir_.file("sub").c_str(), 0700), 0);
+  dir_.write("sub/part.txt", "^field inner\nx\n");
+  std::string windows = dir_.path() + "\\sub\\part.txt";
+  JobFile job = open("^file " + windows + "\n");
+  EXPECT_EQ(all_fields(job), (Fields{{"inner", "x"}}));
 }
 
 TEST_F(JobFileIncludeTest, EleventhNestedFileIsIgnored) {
