@@ -79,7 +79,8 @@ TEST(IniLookup, LongLinesComeInPieces) {
   std::string text = "[S]\n" + std::string(511, 'x') + "k=tail\n";
   // The 511 x's are one line; "k=tail" is the next piece and reads as a key.
   EXPECT_EQ(value_of(text, "S", "k"), "tail");
-  LineReader reader(std::string(600, 'a'), kMaxLineLength);
+  std::string long_line(600, 'a');
+  LineReader reader(long_line, kMaxLineLength);
   std::string_view line;
   ASSERT_TRUE(reader.next(line));
   EXPECT_EQ(line.size(), 511u);
