@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 #include "common/ini_profile.h"
@@ -29,6 +30,8 @@ const std::string& big_ini_file() {
     std::FILE* f = std::fopen(name.c_str(), "w");
     std::fwrite(text.data(), 1, text.size(), f);
     std::fclose(f);
+    static const std::string to_remove = name;
+    std::atexit([] { std::remove(to_remove.c_str()); });
     return name;
   }();
   return path;
