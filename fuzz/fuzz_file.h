@@ -1,0 +1,47 @@
+// A private scratch file for fuzz targets that must hand their input to code
+// that reads files: written fresh for every input, removed with its
+// directory at exit.
+#pragma once
+
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+
+namespace px::fuzz {
+
+class ScratchFile {
+ public:
+  explicit ScratchFile(const char* name) {
+    std::string dir = (std::filesystem::temp_directory_path() / "pxfuzz.XXXXXX").string();
+    if (mkdtemp(dir.data()) == nullptr) abort();
+    dir_ = dir;
+    path_ = dir_ + "/" + name;
+  }
+  ~ScratchFile() {
+    std::error_code ignored;
+    std::filesystem::remove_all(dir_, ignored);
+  }
+  ScratchFile(const ScratchFile&) = delete;
+  ScratchFile& operator=(const ScratchFile&) = delete;
+
+  // Replaces the file's contents with the input.
+  const std::string& write(const uint8_t* data, size_t size) const {
+    std::FILE* f = std::fopen(path_.c_str(), "wb");
+    if (f == nullptr) abort();
+    if (size > 0 && std::fwrite(data, 1, size, f) != size) abort();
+    std::fclose(f);
+    return path_;
+  }
+  const std::string& path() const { return path_; }
+
+ private:
+  std::string dir_;
+  std::string path_;
+};
+
+}  // namespace px::fuzz

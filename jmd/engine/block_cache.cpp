@@ -1,0 +1,381 @@
+#include "jmd/engine/block_cache.h"
+
+#include <sys/uio.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <new>
+#include <utility>
+#include <vector>
+
+#include "jmd/engine/report.h"
+
+namespace px::engine {
+
+namespace {
+
+constexpr int kMaxRun = 256;    // blocks written by one call at most
+constexpr int kReadAhead = 32;  // blocks read by one call at most
+
+struct CacheState {
+  std::vector<CacheEntry> entries;  // reserved once; entries never move
+  int capacity = kCacheBudget / kCacheEntryCost;
+  bool reserved = false;
+  std::array<int, kCacheBuckets> buckets;
+  int free_head = -1;
+  int lru_head = -1;  // most recently used
+  int lru_tail = -1;  // least recently used
+  int in_use = 0;
+  block_cache::Counters counters;
+  std::vector<std::pair<long, int>> flush_order;  // reused by flush
+  std::array<iovec, kMaxRun> iov;
+
+  CacheState() { buckets.fill(-1); }
+};
+
+CacheState& cache() {
+  static CacheState state;
+  return state;
+}
+
+int reverse6(uint32_t bits) {
+  int out = 0;
+  for (int i = 0; i < 6; ++i) {
+    if (bits & (1u << i)) out |= 1 << (5 - i);
+  }
+  return out;
+}
+
+int find(const VList& list, long block, int bucket) {
+  CacheState& c = cache();
+  for (int i = c.buckets[bucket]; i >= 0; i = c.entries[i].bucket_next) {
+    if (c.entries[i].owner == &list && c.entries[i].block == block) return i;
+  }
+  return -1;
+}
+
+void lru_unlink(int i) {
+  CacheState& c = cache();
+  CacheEntry& e = c.entries[i];
+  if (e.lru_prev >= 0) c.entries[e.lru_prev].lru_next = e.lru_next; else c.lru_head = e.lru_next;
+  if (e.lru_next >= 0) c.entries[e.lru_next].lru_prev = e.lru_prev; else c.lru_tail = e.lru_prev;
+  e.lru_prev = e.lru_next = -1;
+}
+
+void lru_push_front(int i) {
+  CacheState& c = cache();
+  CacheEntry& e = c.entries[i];
+  e.lru_prev = -1;
+  e.lru_next = c.lru_head;
+  if (c.lru_head >= 0) c.entries[c.lru_head].lru_prev = i;
+  c.lru_head = i;
+  if (c.lru_tail < 0) c.lru_tail = i;
+}
+
+void bucket_unlink(int i, int bucket) {
+  CacheState& c = cache();
+  int* link = &c.buckets[bucket];
+  while (*link >= 0 && *link != i) link = &c.entries[*link].bucket_next;
+  if (*link == i) *link = c.entries[i].bucket_next;
+  c.entries[i].bucket_next = -1;
+}
+
+// A free list is sound when its head, if any, is an entry marked free.
+bool free_list_sound() {
+  CacheState& c = cache();
+  if (c.free_head < 0) return true;
+  if (c.free_head >= static_cast<int>(c.entries.size())) return false;
+  return c.entries[c.free_head].state == CacheEntry::kFree;
+}
+
+// Takes an entry off the free list; -1 when it is empty, -2 when corrupted.
+int take_free() {
+  CacheState& c = cache();
+  if (!free_list_sound()) {
+    report_text("Vlist.c: CacheLoad: free list corrupted!");
+    return -2;
+  }
+  int i = c.free_head;
+  if (i >= 0) {
+    c.free_head = c.entries[i].bucket_next;
+    c.entries[i].bucket_next = -1;
+  }
+  return i;
+}
+
+bool give_back(int i) {
+  CacheState& c = cache();
+  if (!free_list_sound()) {
+    report_text("Vlist.c: CacheFree: free list corrupted!");
+    return false;
+  }
+  CacheEntry& e = c.entries[i];
+  e.owner = nullptr;
+  e.block = -1;
+  e.dirty = false;
+  e.state = CacheEntry::kFree;
+  e.bucket_next = c.free_head;
+  c.free_head = i;
+  --c.in_use;
+  return true;
+}
+
+// A new entry within the budget; -1 when the budget is spent. Memory that
+// runs out first lowers the budget to what is in use.
+int allocate() {
+  CacheState& c = cache();
+  if (!c.reserved) {
+    c.reserved = true;
+    try {
+      c.entries.reserve(c.capacity);
+    } catch (const std::bad_alloc&) {
+      c.capacity = 0;
+    }
+  }
+  if (static_cast<int>(c.entries.size()) >= c.capacity) return -1;
+  c.entries.emplace_back();
+  return static_cast<int>(c.entries.size()) - 1;
+}
+
+}  // namespace
+
+// Writes the blocks of count entries, whose block numbers follow each other,
+// in one call.
+bool BlockCache::write_run(VList& list, const int* indexes, int count) {
+  CacheState& c = cache();
+  long first_block = c.entries[indexes[0]].block;
+  for (int k = 0; k < count; ++k) {
+    c.iov[k].iov_base = c.entries[indexes[k]].data.data();
+    c.iov[k].iov_len = kBlockSize;
+  }
+  int64_t offset = (static_cast<int64_t>(first_block) + 1) * kBlockSize;
+  int64_t total = static_cast<int64_t>(count) * kBlockSize;
+  int64_t done = 0;
+  iovec* iov = c.iov.data();
+  int iov_count = count;
+  while (done < total) {
+    ssize_t n = pwritev(list.fd(), iov, iov_count, offset + done);
+    ++c.counters.writes;
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) return false;
+    done += n;
+    while (iov_count > 0 && static_cast<size_t>(n) >= iov->iov_len) {
+      n -= static_cast<ssize_t>(iov->iov_len);
+      ++iov;
+      --iov_count;
+    }
+    if (iov_count > 0 && n > 0) {
+      iov->iov_base = static_cast<std::byte*>(iov->iov_base) + n;
+      iov->iov_len -= static_cast<size_t>(n);
+    }
+  }
+  for (int k = 0; k < count; ++k) c.entries[indexes[k]].dirty = false;
+  c.counters.blocks_written += count;
+  list.file_size_ = std::max(list.file_size_, offset + total);
+  return true;
+}
+
+bool BlockCache::write_at(VList& list, const void* data, size_t n, int64_t offset) {
+  const char* p = static_cast<const char*>(data);
+  size_t done = 0;
+  while (done < n) {
+    ssize_t w = pwrite(list.fd_, p + done, n - done, offset + static_cast<int64_t>(done));
+    if (w < 0 && errno == EINTR) continue;
+    if (w <= 0) return false;
+    done += static_cast<size_t>(w);
+  }
+  list.file_size_ = std::max<int64_t>(list.file_size_, offset + static_cast<int64_t>(n));
+  return true;
+}
+
+namespace {
+
+// Writes back the dirty entry i together with the dirty cached blocks of the
+// same file that touch it on either side.
+bool write_back(int i) {
+  CacheState& c = cache();
+  VList& list = *c.entries[i].owner;
+  long block = c.entries[i].block;
+  std::array<int, kMaxRun> run;
+  long low = block;
+  while (block - low < kMaxRun / 2 && low > 0) {
+    int j = find(list, low - 1, block_cache::bucket_of(low - 1, list.sequence()));
+    if (j < 0 || !c.entries[j].dirty) break;
+    --low;
+  }
+  int count = 0;
+  for (long b = low; count < kMaxRun; ++b) {
+    int j = b == block ? i : find(list, b, block_cache::bucket_of(b, list.sequence()));
+    if (j < 0 || !c.entries[j].dirty) break;
+    run[count++] = j;
+  }
+  return BlockCache::write_run(list, run.data(), count);
+}
+
+// Unlinks entry i from its bucket, its VList and the LRU list.
+void detach(int i) {
+  CacheState& c = cache();
+  bucket_unlink(i, block_cache::bucket_of(c.entries[i].block, c.entries[i].owner->sequence()));
+  lru_unlink(i);
+}
+
+}  // namespace
+
+// An entry for block of list, taken from the free list, newly allocated or
+// given up by the least recently used block; linked in as most recently
+// used. -1 when none can be had.
+int BlockCache::claim(VList& list, long block) {
+  CacheState& c = cache();
+  int i = take_free();
+  if (i == -2) return -1;
+  if (i < 0) i = allocate();
+  if (i < 0) {
+    i = c.lru_tail;
+    if (i < 0) return -1;
+    CacheEntry& victim = c.entries[i];
+    if (victim.dirty && !write_back(i)) return -1;
+    VList* owner = victim.owner;
+    detach(i);
+    if (victim.owner_prev >= 0) c.entries[victim.owner_prev].owner_next = victim.owner_next;
+    else owner->cache_head_ = victim.owner_next;
+    if (victim.owner_next >= 0) c.entries[victim.owner_next].owner_prev = victim.owner_prev;
+    --c.in_use;
+  }
+  int bucket = block_cache::bucket_of(block, list.sequence_);
+  CacheEntry& e = c.entries[i];
+  e.owner = &list;
+  e.block = block;
+  e.state = CacheEntry::kInUse;
+  e.dirty = false;
+  e.bucket_next = c.buckets[bucket];
+  c.buckets[bucket] = i;
+  e.owner_prev = -1;
+  e.owner_next = list.cache_head_;
+  if (list.cache_head_ >= 0) c.entries[list.cache_head_].owner_prev = i;
+  list.cache_head_ = i;
+  lru_push_front(i);
+  ++c.in_use;
+  ++c.counters.loads;
+  return i;
+}
+
+// Reads count claimed entries' blocks, which follow each other from first,
+// in one call; whatever the file does not hold in full reads as zeros.
+void BlockCache::read_run(VList& list, long first, const int* indexes, int count) {
+  CacheState& c = cache();
+  for (int k = 0; k < count; ++k) {
+    c.iov[k].iov_base = c.entries[indexes[k]].data.data();
+    c.iov[k].iov_len = kBlockSize;
+  }
+  ++c.counters.reads;
+  ssize_t n;
+  do {
+    n = preadv(list.fd_, c.iov.data(), count, (static_cast<int64_t>(first) + 1) * kBlockSize);
+  } while (n < 0 && errno == EINTR);
+  int whole_blocks = n > 0 ? static_cast<int>(n / kBlockSize) : 0;
+  for (int k = whole_blocks; k < count; ++k) c.entries[indexes[k]].data.fill(std::byte{0});
+}
+
+CacheEntry* BlockCache::fetch(VList& list, long block, bool whole) {
+  CacheState& c = cache();
+  int i = find(list, block, block_cache::bucket_of(block, list.sequence_));
+  if (i >= 0) {
+    ++c.counters.hits;
+    if (c.lru_head != i) {
+      lru_unlink(i);
+      lru_push_front(i);
+    }
+    return &c.entries[i];
+  }
+  i = claim(list, block);
+  if (i < 0) return nullptr;
+  CacheEntry& e = c.entries[i];
+  int64_t offset = (static_cast<int64_t>(block) + 1) * kBlockSize;
+  bool sequential = block == list.last_loaded_ + 1;
+  list.last_loaded_ = block;
+  if (whole) return &e;
+  if (offset + kBlockSize > list.file_size_) {
+    e.data.fill(std::byte{0});
+    return &e;
+  }
+  // A block that follows the one loaded last starts a run: the blocks after
+  // it that the file holds and the cache lacks come in with the same read.
+  std::array<int, kReadAhead> run;
+  run[0] = i;
+  int count = 1;
+  if (sequential) {
+    long file_blocks = static_cast<long>(list.file_size_ / kBlockSize) - 1;
+    int limit = std::min(kReadAhead, c.capacity / 4);
+    for (long b = block + 1; count < limit && b < file_blocks; ++b) {
+      if (find(list, b, block_cache::bucket_of(b, list.sequence_)) >= 0) break;
+      int j = claim(list, b);
+      if (j < 0) break;
+      run[count++] = j;
+    }
+  }
+  read_run(list, block, run.data(), count);
+  if (count > 1) {
+    // The block asked for is the one used now; the others wait behind it.
+    lru_unlink(i);
+    lru_push_front(i);
+    list.last_loaded_ = block + count - 1;
+  }
+  return &e;
+}
+
+bool BlockCache::flush(VList& list) {
+  CacheState& c = cache();
+  auto& order = c.flush_order;
+  order.clear();
+  for (int i = list.cache_head_; i >= 0; i = c.entries[i].owner_next) {
+    if (c.entries[i].dirty) order.emplace_back(c.entries[i].block, i);
+  }
+  std::sort(order.begin(), order.end());
+  std::array<int, kMaxRun> run;
+  bool ok = true;
+  size_t k = 0;
+  while (k < order.size()) {
+    int count = 0;
+    long first = order[k].first;
+    while (k < order.size() && count < kMaxRun && order[k].first == first + count) {
+      run[count++] = order[k++].second;
+    }
+    if (!write_run(list, run.data(), count)) ok = false;
+  }
+  return ok;
+}
+
+bool BlockCache::drop(VList& list, bool write_back_dirty) {
+  bool ok = !write_back_dirty || flush(list);
+  CacheState& c = cache();
+  int i = list.cache_head_;
+  while (i >= 0) {
+    int next = c.entries[i].owner_next;
+    detach(i);
+    c.entries[i].owner_prev = c.entries[i].owner_next = -1;
+    if (!give_back(i)) ok = false;
+    i = next;
+  }
+  list.cache_head_ = -1;
+  return ok;
+}
+
+namespace block_cache {
+
+int blocks_in_use() { return cache().in_use; }
+
+int capacity() { return cache().capacity; }
+
+int bucket_of(long block, uint32_t sequence) {
+  return static_cast<int>(block % kCacheBuckets) ^ reverse6(sequence & 63u);
+}
+
+Counters counters() { return cache().counters; }
+
+void reset_counters() { cache().counters = Counters{}; }
+
+}  // namespace block_cache
+
+}  // namespace px::engine

@@ -1,0 +1,170 @@
+// The table engine's process-wide state and the pieces its source files share
+// (internal; table.h is the interface).
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "jmd/engine/btree.h"
+#include "jmd/engine/table.h"
+#include "jmd/engine/vlist.h"
+
+namespace px::engine {
+
+inline constexpr int kTablePoolSize = 10;
+inline constexpr int kQueryPoolSize = 20;
+inline constexpr int kRecordCacheParameter = 4;
+
+struct TableState;
+
+// Copies of one column's values, row by row, so that comparisons never read
+// records. Kept for indexed columns whose comparison needs the full value
+// (types 10 to 15), in the form compare_canonical() takes: texts cut at their
+// NUL and zero-filled to the width, lowered for the case-insensitive types.
+class ValueCache {
+ public:
+  void reset(const ColumnDef& column) {
+    column_ = &column;
+    width_ = column.width;
+    bytes_.clear();
+  }
+  bool active() const { return width_ > 0; }
+  // Stores the value as it lies in a record.
+  void store(long row, const std::byte* value);
+  const std::byte* value(long row) const {
+    size_t at = static_cast<size_t>(row) * width_;
+    return at + width_ <= bytes_.size() ? bytes_.data() + at : nullptr;
+  }
+  void clear() {
+    width_ = 0;
+    bytes_.clear();
+  }
+
+ private:
+  const ColumnDef* column_ = nullptr;
+  uint32_t width_ = 0;
+  std::vector<std::byte> bytes_;
+};
+
+// The index comparison of one column of one table: entries are (key, row);
+// row 0 stands for the bound value set in the comparison context.
+class IndexCompare : public BTreeComparator {
+ public:
+  IndexCompare(TableState& table, int column) : table_(table), column_(column) {}
+  int compare(const BTreeEntry& a, const BTreeEntry& b) override;
+  // The current-comparison context: the value that row 0 stands for (as it
+  // lies in a record).
+  void set_bound(const std::byte* value);
+  // Compares only values, without the row-number tie-break.
+  int compare_values(const BTreeEntry& a, const BTreeEntry& b);
+
+ private:
+  const std::byte* value_of(int32_t row, std::vector<std::byte>& canonical);
+  TableState& table_;
+  int column_;
+  std::vector<std::byte> bound_;  // canonical; empty when none is set
+  std::vector<std::byte> canonical_a_;
+  std::vector<std::byte> canonical_b_;
+};
+
+struct TableState {
+  std::string name;  // empty: the slot is free
+  uint32_t serial = 0;
+  int record_size = 0;
+  long row_count = 0;
+  std::unique_ptr<VList> records;
+  std::span<const ColumnDef> columns;
+  // One per column and one more: index add accepts the column count itself.
+  std::vector<std::unique_ptr<BTree>> indexes;
+  std::vector<std::unique_ptr<IndexCompare>> comparators;
+  std::vector<ValueCache> values;
+  std::vector<std::byte> header;
+  std::vector<std::byte> work_a;
+  std::vector<std::byte> work_b;
+  bool dirty = false;
+  int mode = 0;
+
+  int column_count() const { return static_cast<int>(columns.size()); }
+  // The definition of column c; a blank one for c == column_count().
+  const ColumnDef& column(int c) const;
+  bool valid_index_column(int c) const { return c >= 0 && c <= column_count(); }
+};
+
+struct QueryState {
+  bool in_use = false;
+  int table_slot = -1;
+  uint32_t table_serial = 0;
+  int column = 0;
+  BTreeCursor cursor;
+  int32_t key = 0;
+  std::vector<std::byte> bound;  // width bytes; empty without a bound value
+  bool exact = false;
+  int next = -1;  // the next query of a join chain
+};
+
+struct EngineState {
+  std::array<TableState, kTablePoolSize> tables;
+  std::array<QueryState, kQueryPoolSize> queries;
+  uint32_t next_serial = 0;
+  std::string directory;
+};
+
+EngineState& engine();
+// The open table of a handle's slot and serial; nullptr when it is gone.
+TableState* table_at(int slot, uint32_t serial);
+
+// ---- keys and values (index_compare.cpp) ----
+
+// Whether a type is compared by full value after equal keys.
+bool compares_values(int32_t type);
+// Compares two values of a column by its type; kCompareError for a bad type.
+int compare_column_values(const ColumnDef& column, const std::byte* a, const std::byte* b);
+// Writes the canonical form of a value (column.width bytes) to out.
+void make_canonical(const ColumnDef& column, const std::byte* value, std::byte* out);
+// Compares two canonical values of a column whose keys are equal.
+int compare_canonical(const ColumnDef& column, const std::byte* a, const std::byte* b);
+
+// ---- rows and indexes (table_rows.cpp) ----
+
+// The key of column c of a record; false for an unknown type.
+bool record_key(const TableState& t, int c, const std::byte* record, int32_t& key);
+// Adds / removes row's entry in column c's index, the record given. Reports
+// -370 on a duplicate, -357 when an entry cannot be removed.
+bool insert_row_entry(TableState& t, long row, int c, const std::byte* record);
+bool delete_row_entry(TableState& t, long row, int c, const std::byte* record);
+bool open_index(TableState& t, int c, int mode);
+// Index add with its trace line "IndexAdd ...".
+bool add_index_traced(TableState& t, int c, int mode);
+// The index file of column c: the table name with its extension replaced.
+std::string index_name(const TableState& t, int c);
+void close_index(TableState& t, int c);
+bool read_record(TableState& t, long row, std::vector<std::byte>& buffer);
+
+// ---- trace (table_trace.cpp) ----
+
+// Opens the trace file from GDBTraceFile when none is open.
+void open_trace_if_configured();
+bool tracing();
+// Suspends the trace (nested operations of a row add); counts nesting.
+class TraceSuspension {
+ public:
+  TraceSuspension();
+  ~TraceSuspension();
+  TraceSuspension(const TraceSuspension&) = delete;
+  TraceSuspension& operator=(const TraceSuspension&) = delete;
+};
+// printf-style text to the trace; nothing when there is none.
+void trace_printf(const char* format, ...) __attribute__((format(printf, 1, 2)));
+// A value of column as the trace shows it.
+void trace_value(const ColumnDef& column, const std::byte* value);
+// "Column %s <value>\n" for every column of a record.
+void trace_columns(const TableState& t, const std::byte* record);
+// Ends an operation's trace output: flushes the file.
+void trace_flush();
+
+}  // namespace px::engine

@@ -1,0 +1,277 @@
+// Rows and indexes: row add, get and update, index add and drop, and the
+// entries of single rows.
+#include <cstring>
+#include <new>
+
+#include "jmd/engine/report.h"
+#include "jmd/engine/table_internal.h"
+
+namespace px::engine {
+
+namespace {
+
+// Stores a written record's values in every value cache.
+void remember_values(TableState& t, long row, const std::byte* record) {
+  for (int c = 0; c < static_cast<int>(t.values.size()); ++c) {
+    if (t.values[c].active()) t.values[c].store(row, record + t.column(c).position);
+  }
+}
+
+bool fail(const TableState& t) {
+  report_message(kMsgBadArgument, {t.name});
+  return false;
+}
+
+bool add_index(TableState& t, int c, int mode) {
+  if (!t.valid_index_column(c) || t.indexes[c]) return fail(t);
+  if (!open_index(t, c, mode)) return fail(t);
+  std::vector<std::byte> record;
+  for (long row = 1; row <= t.row_count; ++row) {
+    if (!read_record(t, row, record)) {
+      close_index(t, c);
+      return fail(t);
+    }
+    if (!insert_row_entry(t, row, c, record.data())) {
+      close_index(t, c);
+      return false;
+    }
+  }
+  return true;
+}
+
+// Adds the index of every unique column that has none yet.
+bool add_unique_indexes(TableState& t) {
+  for (int c = 0; c < t.column_count(); ++c) {
+    if ((t.columns[c].flags & kUniqueKey) && !t.indexes[c] && !add_index(t, c, kOpenNew)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+long append_row(TableState& t, std::span<const std::byte> record, int mode) {
+  if (mode != kAddAppend) return 0;
+  if (record.size() < static_cast<size_t>(t.record_size)) return fail(t);
+  long row = t.row_count + 1;
+  if (!t.records->grow(t.row_count + 2)) return fail(t);
+  if (!add_unique_indexes(t)) return 0;
+  if (!t.records->put(row, record)) return fail(t);
+  remember_values(t, row, record.data());
+  for (int c = 0; c < static_cast<int>(t.indexes.size()); ++c) {
+    if (t.indexes[c] && !insert_row_entry(t, row, c, record.data())) {
+      for (int d = 0; d < c; ++d) {
+        if (t.indexes[d]) delete_row_entry(t, row, d, record.data());
+      }
+      return 0;
+    }
+  }
+  t.row_count = row;
+  int32_t count = static_cast<int32_t>(row);
+  std::memcpy(t.header.data(), &count, 4);
+  bool header_written = t.records->put(0, t.header);
+  t.dirty = true;
+  return header_written ? row : 0;
+}
+
+bool replace_row(TableState& t, long row, std::span<const std::byte> record) {
+  if (record.size() < static_cast<size_t>(t.record_size) || row < 1 || row > t.row_count) {
+    return fail(t);
+  }
+  std::vector<std::byte> old;
+  if (!read_record(t, row, old)) return false;
+  if (!add_unique_indexes(t)) return false;
+  std::vector<int> changed;
+  for (int c = 0; c < static_cast<int>(t.indexes.size()); ++c) {
+    if (!t.indexes[c]) continue;
+    const ColumnDef& column = t.column(c);
+    int r = compare_column_values(column, old.data() + column.position,
+                                  record.data() + column.position);
+    if (r == 0) continue;
+    if (r == kCompareError || !delete_row_entry(t, row, c, old.data())) return false;
+    changed.push_back(c);
+  }
+  if (!t.records->put(row, record)) return fail(t);
+  remember_values(t, row, record.data());
+  t.dirty = true;
+  for (size_t i = 0; i < changed.size(); ++i) {
+    if (!insert_row_entry(t, row, changed[i], record.data())) {
+      for (size_t j = 0; j < i; ++j) delete_row_entry(t, row, changed[j], record.data());
+      return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
+bool read_record(TableState& t, long row, std::vector<std::byte>& buffer) {
+  if (buffer.size() < static_cast<size_t>(t.record_size)) buffer.resize(t.record_size);
+  return t.records->get(row, buffer);
+}
+
+bool record_key(const TableState& t, int c, const std::byte* record, int32_t& key) {
+  const ColumnDef& column = t.column(c);
+  std::optional<int32_t> k = index_key(column.type, record + column.position, column.width);
+  if (!k) return false;
+  key = *k;
+  return true;
+}
+
+bool open_index(TableState& t, int c, int mode) {
+  try {
+    t.comparators[c] = std::make_unique<IndexCompare>(t, c);
+  } catch (const std::bad_alloc&) {
+    report_message(kMsgOutOfMemory, {t.name});
+    return false;
+  }
+  t.indexes[c] = BTree::open(index_name(t, c), mode | kOpenCreate, *t.comparators[c]);
+  if (!t.indexes[c]) {
+    t.comparators[c].reset();
+    return false;
+  }
+  const ColumnDef& column = t.column(c);
+  if (compares_values(column.type) && column.width > 0) t.values[c].reset(column);
+  return true;
+}
+
+void close_index(TableState& t, int c) {
+  if (t.indexes[c]) t.indexes[c]->close();
+  t.indexes[c].reset();
+  t.comparators[c].reset();
+  t.values[c].clear();
+}
+
+bool insert_row_entry(TableState& t, long row, int c, const std::byte* record) {
+  if (!t.indexes[c]) return true;
+  int32_t key = 0;
+  if (!record_key(t, c, record, key)) return fail(t);
+  if (t.values[c].active()) t.values[c].store(row, record + t.column(c).position);
+  switch (t.indexes[c]->insert(key, static_cast<int32_t>(row))) {
+    case BTree::Insert::kInserted:
+      return true;
+    case BTree::Insert::kDuplicate:
+      report_message(kMsgDuplicateKey, {t.name, t.column(c).name});
+      return false;
+    case BTree::Insert::kFailed:
+      break;
+  }
+  return fail(t);
+}
+
+bool delete_row_entry(TableState& t, long row, int c, const std::byte* record) {
+  if (!t.indexes[c]) return true;
+  int32_t key = 0;
+  if (!record_key(t, c, record, key) || !t.indexes[c]->remove(key, static_cast<int32_t>(row))) {
+    return fail(t);
+  }
+  return true;
+}
+
+bool add_index_traced(TableState& t, int c, int mode) {
+  bool ok = add_index(t, c, mode);
+  trace_printf("IndexAdd %s %s %d %d\n", t.name.c_str(), t.column(c).name, mode, ok ? 1 : 0);
+  trace_flush();
+  return ok;
+}
+
+long Table::add_row(std::span<const std::byte> record, int mode) {
+  TableState* t = table_at(slot_, serial_);
+  if (t == nullptr) return 0;
+  long row = 0;
+  {
+    TraceSuspension quiet;
+    row = append_row(*t, record, mode);
+  }
+  if (tracing()) {
+    trace_printf("RowAdd %s %d %ld\n", t->name.c_str(), mode, row);
+    if (record.size() >= static_cast<size_t>(t->record_size)) trace_columns(*t, record.data());
+    trace_flush();
+  }
+  return row;
+}
+
+bool Table::get_row(long row, std::span<std::byte> out) {
+  TableState* t = table_at(slot_, serial_);
+  if (t == nullptr) return false;
+  bool ok = false;
+  if (row > t->row_count) {
+    ok = false;
+  } else if (out.size() < static_cast<size_t>(t->record_size) || !t->records->get(row, out)) {
+    fail(*t);
+  } else {
+    ok = true;
+  }
+  if (tracing()) {
+    trace_printf("RowGet %s %ld %d\n", t->name.c_str(), row, ok ? 1 : 0);
+    if (ok) trace_columns(*t, out.data());
+    trace_flush();
+  }
+  return ok;
+}
+
+bool Table::update_row(long row, std::span<const std::byte> record) {
+  TableState* t = table_at(slot_, serial_);
+  if (t == nullptr) return false;
+  bool ok = replace_row(*t, row, record);
+  if (tracing()) {
+    trace_printf("RowUpdate %s %ld %d\n", t->name.c_str(), row, ok ? 1 : 0);
+    if (record.size() >= static_cast<size_t>(t->record_size)) trace_columns(*t, record.data());
+    trace_flush();
+  }
+  return ok;
+}
+
+bool Table::add_index(int column, int mode) {
+  TableState* t = table_at(slot_, serial_);
+  return t != nullptr && add_index_traced(*t, column, mode);
+}
+
+bool Table::drop_index(int column) {
+  TableState* t = table_at(slot_, serial_);
+  if (t == nullptr) return false;
+  bool ok = t->valid_index_column(column) && t->indexes[column];
+  if (ok) {
+    close_index(*t, column);
+  } else {
+    fail(*t);
+  }
+  trace_printf("IndexDrop %s %s %d\n", t->name.c_str(), t->column(column).name, ok ? 1 : 0);
+  trace_flush();
+  return ok;
+}
+
+namespace {
+
+// Index row insert and delete: checks, reads the row and changes one entry.
+bool change_row_entry(TableState& t, long row, int c, bool insert) {
+  if (!t.valid_index_column(c) || row < 1 || row > t.row_count) return fail(t);
+  if (!t.indexes[c]) return true;
+  std::vector<std::byte> record;
+  if (!read_record(t, row, record)) return fail(t);
+  return insert ? insert_row_entry(t, row, c, record.data())
+                : delete_row_entry(t, row, c, record.data());
+}
+
+}  // namespace
+
+bool Table::insert_index_row(long row, int column) {
+  TableState* t = table_at(slot_, serial_);
+  if (t == nullptr) return false;
+  bool ok = change_row_entry(*t, row, column, true);
+  trace_printf("IndexRowInsert %s %ld %s %d\n", t->name.c_str(), row, t->column(column).name,
+               ok ? 1 : 0);
+  trace_flush();
+  return ok;
+}
+
+bool Table::delete_index_row(long row, int column) {
+  TableState* t = table_at(slot_, serial_);
+  if (t == nullptr) return false;
+  bool ok = change_row_entry(*t, row, column, false);
+  trace_printf("IndexRowDelete %s %ld %s %d\n", t->name.c_str(), row, t->column(column).name,
+               ok ? 1 : 0);
+  trace_flush();
+  return ok;
+}
+
+}  // namespace px::engine

@@ -1,0 +1,241 @@
+#include "jmd/engine/vlist.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cstring>
+#include <vector>
+
+#include "jmd/engine/engine_test_log.h"
+#include "tests/support/test_dir.h"
+
+namespace px::engine {
+namespace {
+
+std::vector<std::byte> record_of(int size, int seed) {
+  std::vector<std::byte> r(size);
+  for (int i = 0; i < size; ++i) r[i] = static_cast<std::byte>((seed * 31 + i * 7) & 0xff);
+  return r;
+}
+
+uint32_t word_at(const std::string& file, size_t offset) {
+  uint32_t v = 0;
+  for (int i = 0; i < 4; ++i) v |= static_cast<uint32_t>(static_cast<uint8_t>(file[offset + i])) << (8 * i);
+  return v;
+}
+
+bool file_exists(const std::string& path) {
+  struct stat st {};
+  return stat(path.c_str(), &st) == 0;
+}
+
+TEST(VListGeometry, RecordsPerBlockAndBlocksPerRecord) {
+  TestDir dir;
+  struct Case { int size, per_block, per_record; } cases[] = {
+      {328, 1, 1}, {100, 5, 1}, {1405, 1, 3}, {512, 1, 1}, {513, 1, 2}, {1024, 1, 2}};
+  for (const Case& c : cases) {
+    auto list = VList::open(dir.file("g.vl"), c.size, kVListCreate, 4);
+    ASSERT_TRUE(list) << c.size;
+    EXPECT_EQ(list->records_per_block(), c.per_block) << c.size;
+    EXPECT_EQ(list->blocks_per_record(), c.per_record) << c.size;
+  }
+}
+
+TEST(VListGeometry, FileLayoutOfHeaderAndRecords) {
+  TestDir dir;
+  std::string path = dir.file("layout.vl");
+  {
+    auto small = VList::open(path, 100, kVListCreateIfMissing, 4);
+    ASSERT_TRUE(small);
+    for (int r = 0; r < 7; ++r) ASSERT_TRUE(small->put(r, record_of(100, r)));
+    EXPECT_EQ(small->record_count(), 7);
+    EXPECT_TRUE(small->close());
+  }
+  std::string file = dir.read("layout.vl");
+  ASSERT_GE(file.size(), 3u * 512);
+  EXPECT_EQ(std::memcmp(file.data(), "VList version 2.0\0\0\0", 20), 0);
+  EXPECT_EQ(word_at(file, 36), 100u);
+  EXPECT_EQ(word_at(file, 40), 2u);
+  EXPECT_EQ(word_at(file, 44), 4u);
+  EXPECT_EQ(word_at(file, 48), 7u);
+  EXPECT_EQ(word_at(file, 52), 2u);
+  EXPECT_EQ(word_at(file, 56), 5u);
+  EXPECT_EQ(word_at(file, 60), 1u);
+  // Record 6 is the second record of block 1; nothing crosses a block edge.
+  auto expected = record_of(100, 6);
+  EXPECT_EQ(std::memcmp(file.data() + 2 * 512 + 100, expected.data(), 100), 0);
+
+  std::string big_path = dir.file("big.vl");
+  {
+    auto big = VList::open(big_path, 1405, kVListCreateIfMissing, 4);
+    ASSERT_TRUE(big);
+    ASSERT_TRUE(big->put(1, record_of(1405, 1)));
+    big->close();
+  }
+  file = dir.read("big.vl");
+  expected = record_of(1405, 1);
+  ASSERT_GE(file.size(), 4u * 512 + 1405);
+  // Record 1 starts at block 3, in 512-byte pieces.
+  EXPECT_EQ(std::memcmp(file.data() + 4 * 512, expected.data(), 1405), 0);
+}
+
+TEST(VListAccess, ReadBeyondEndFailsAndWriteBeyondEndGrows) {
+  TestDir dir;
+  MessageCapture log(dir);
+  std::string path = dir.file("seven.vl");
+  auto list = VList::open(path, 328, kVListCreate, 4);
+  ASSERT_TRUE(list);
+  for (int r = 0; r < 7; ++r) ASSERT_TRUE(list->put(r, record_of(328, r)));
+  std::vector<std::byte> out(328);
+  EXPECT_FALSE(list->get(7, out));
+  EXPECT_EQ(vlist_last_error(), kVListErrorBeyondEnd);
+  EXPECT_TRUE(log.contains("[-400]VLGet failed - Name '" + path + "' RecNum 7\n")) << log.text();
+  EXPECT_FALSE(list->get(-1, out));
+  EXPECT_EQ(vlist_last_error(), kVListErrorBadRecordSize);
+
+  ASSERT_TRUE(list->put(7, record_of(328, 7)));
+  EXPECT_EQ(list->record_count(), 8);
+  ASSERT_TRUE(list->get(7, out));
+  EXPECT_EQ(out, record_of(328, 7));
+
+  // Growing makes room; records never written read as zeros.
+  ASSERT_TRUE(list->grow(20));
+  EXPECT_EQ(list->record_count(), 20);
+  ASSERT_TRUE(list->get(19, out));
+  EXPECT_EQ(out, std::vector<std::byte>(328));
+  ASSERT_TRUE(list->grow(5));
+  EXPECT_EQ(list->record_count(), 20);
+}
+
+TEST(VListOpen, ReopenChecksMagicAndGeometry) {
+  TestDir dir;
+  MessageCapture log(dir);
+  std::string path = dir.file("keep.vl");
+  {
+    auto list = VList::open(path, 100, kVListCreateIfMissing, 4);
+    ASSERT_TRUE(list);
+    for (int r = 0; r < 12; ++r) ASSERT_TRUE(list->put(r, record_of(100, r)));
+  }
+  {
+    auto list = VList::open(path, 100, kVListCreateIfMissing, 4);
+    ASSERT_TRUE(list);
+    EXPECT_EQ(list->record_count(), 12);
+    std::vector<std::byte> out(100);
+    ASSERT_TRUE(list->get(11, out));
+    EXPECT_EQ(out, record_of(100, 11));
+  }
+  EXPECT_FALSE(VList::open(path, 101, kVListCreateIfMissing, 4));
+  EXPECT_EQ(vlist_last_error(), kVListErrorGeometry);
+  EXPECT_FALSE(VList::open(path, 0, kVListCreateIfMissing, 4));
+  EXPECT_EQ(vlist_last_error(), kVListErrorBadRecordSize);
+
+  std::string damaged = dir.read("keep.vl");
+  damaged[3] = 'X';
+  dir.write("bad_magic.vl", damaged);
+  EXPECT_FALSE(VList::open(dir.file("bad_magic.vl"), 100, kVListCreateIfMissing, 4));
+  EXPECT_EQ(vlist_last_error(), kVListErrorBadMagic);
+
+  dir.write("short.vl", damaged.substr(0, 50));
+  EXPECT_FALSE(VList::open(dir.file("short.vl"), 100, kVListCreateIfMissing, 4));
+  EXPECT_EQ(vlist_last_error(), kVListErrorHeaderRead);
+
+  damaged = dir.read("keep.vl");
+  damaged[51] = '\x80';  // a negative record count
+  dir.write("negative.vl", damaged);
+  EXPECT_FALSE(VList::open(dir.file("negative.vl"), 100, kVListCreateIfMissing, 4));
+  EXPECT_EQ(vlist_last_error(), kVListErrorGeometry);
+
+  EXPECT_FALSE(VList::open(dir.file("missing.vl"), 100, 0, 4));
+  EXPECT_EQ(vlist_last_error(), kVListErrorCannotOpen);
+}
+
+TEST(VListOpen, ModesCreateReadOnlyAndDeleteOnClose) {
+  TestDir dir;
+  MessageCapture log(dir);
+  std::string path = dir.file("modes.vl");
+  {
+    auto list = VList::open(path, 64, kVListCreateIfMissing, 4);
+    ASSERT_TRUE(list->put(0, record_of(64, 1)));
+  }
+  {
+    auto list = VList::open(path, 64, kVListReadOnly, 4);
+    ASSERT_TRUE(list);
+    std::vector<std::byte> out(64);
+    EXPECT_TRUE(list->get(0, out));
+    EXPECT_FALSE(list->put(0, out));
+    EXPECT_EQ(vlist_last_error(), kVListErrorReadOnly);
+    EXPECT_TRUE(log.contains("VLPut failed - Name '" + path + "' RecNum 0"));
+  }
+  {
+    // Create empties the file and deletes it again on close.
+    auto list = VList::open(path, 64, kVListCreate | kVListReadOnly, 4);
+    ASSERT_TRUE(list);
+    EXPECT_EQ(list->record_count(), 0);
+    EXPECT_TRUE(list->put(3, record_of(64, 3)));
+    EXPECT_TRUE(file_exists(path));
+    EXPECT_TRUE(list->close());
+    EXPECT_TRUE(list->close());
+    EXPECT_FALSE(file_exists(path));
+  }
+}
+
+TEST(VListCache, ManyMoreBlocksThanTheBudgetStayCorrect) {
+  TestDir dir;
+  const int capacity = block_cache::capacity();
+  EXPECT_EQ(capacity, 181);
+  auto a = VList::open(dir.file("a.vl"), 328, kVListCreate, 4);
+  auto b = VList::open(dir.file("b.vl"), 1405, kVListCreate, 4);
+  ASSERT_TRUE(a && b);
+  const int rows = 600;
+  for (int r = 0; r < rows; ++r) {
+    ASSERT_TRUE(a->put(r, record_of(328, r)));
+    ASSERT_TRUE(b->put(rows - 1 - r, record_of(1405, r)));
+    EXPECT_LE(block_cache::blocks_in_use(), capacity);
+  }
+  // Rewrite a scattered subset, then read everything back in another order.
+  for (int r = 0; r < rows; r += 7) ASSERT_TRUE(a->put(r, record_of(328, r + 1000)));
+  std::vector<std::byte> out_a(328), out_b(1405);
+  for (int r = rows - 1; r >= 0; --r) {
+    ASSERT_TRUE(a->get(r, out_a));
+    EXPECT_EQ(out_a, record_of(328, r % 7 == 0 ? r + 1000 : r)) << r;
+    ASSERT_TRUE(b->get(rows - 1 - r, out_b));
+    EXPECT_EQ(out_b, record_of(1405, r)) << r;
+  }
+  EXPECT_EQ(block_cache::blocks_in_use(), capacity);
+  // Reading in file order brings blocks in by the run.
+  ASSERT_TRUE(a->flush());
+  block_cache::reset_counters();
+  for (int r = 0; r < rows; ++r) {
+    ASSERT_TRUE(a->get(r, out_a));
+    EXPECT_EQ(out_a, record_of(328, r % 7 == 0 ? r + 1000 : r)) << r;
+  }
+  EXPECT_LT(block_cache::counters().reads, rows / 8);
+  a->close();
+  EXPECT_LT(block_cache::blocks_in_use(), capacity);
+  b->close();
+  EXPECT_EQ(block_cache::blocks_in_use(), 0);
+}
+
+TEST(VListCache, FlushWritesDirtyBlocksSoAnotherOpenSeesThem) {
+  TestDir dir;
+  std::string path = dir.file("flush.vl");
+  auto list = VList::open(path, 100, kVListCreateIfMissing, 4);
+  ASSERT_TRUE(list);
+  for (int r = 0; r < 40; ++r) ASSERT_TRUE(list->put(r, record_of(100, r)));
+  ASSERT_TRUE(list->flush());
+  std::string file = dir.read("flush.vl");
+  EXPECT_EQ(file.size(), 9u * 512);
+  EXPECT_EQ(word_at(file, 48), 40u);
+  auto expected = record_of(100, 39);
+  EXPECT_EQ(std::memcmp(file.data() + 8 * 512 + 4 * 100, expected.data(), 100), 0);
+}
+
+TEST(VListCache, BucketMixesBlockWithReversedSequence) {
+  EXPECT_EQ(block_cache::bucket_of(5, 1), 5 ^ 32);
+  EXPECT_EQ(block_cache::bucket_of(70, 3), 6 ^ 48);
+  EXPECT_EQ(block_cache::bucket_of(64, 64), 0);
+  EXPECT_EQ(block_cache::bucket_of(63, 0b101100), 63 ^ 0b001101);
+}
+
+}  // namespace
+}  // namespace px::engine
