@@ -17,6 +17,7 @@ inline constexpr int kExitUsage = 2;
 inline constexpr int kMsgUnknownCommand = 900;
 inline constexpr int kMsgBadArguments = 901;
 inline constexpr int kMsgIniWriteFailed = 902;
+inline constexpr int kMsgUnknownPrinter = 903;
 
 struct Invocation {
   std::string command;              // the command word, such as "ini"
@@ -34,6 +35,20 @@ int usage_error(const std::string& command, const std::string& synopsis);
 int run_ini(const Invocation& call);
 int run_msg(const Invocation& call);
 int run_args(const Invocation& call);
+int run_jmd(const Invocation& call);
+// Server control on the current instance.
+int run_instances(const Invocation& call);
+int run_state(const Invocation& call);
+int run_pause(const Invocation& call);
+int run_resume(const Invocation& call);
+int run_shutdown(const Invocation& call);
+int run_reload_jobs(const Invocation& call);
+int run_reload_printer(const Invocation& call);
+int run_start(const Invocation& call);
+int run_start_email(const Invocation& call);
+int run_stop_email(const Invocation& call);
+int run_kick(const Invocation& call);
+int run_location(const Invocation& call);
 // Prints the Usage section of the INI file, or the built-in summary.
 int run_help(const Invocation& call);
 

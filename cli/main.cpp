@@ -50,6 +50,19 @@ int dispatch(const Invocation& call) {
   if (call.command == "ini") return px::cli::run_ini(call);
   if (call.command == "msg") return px::cli::run_msg(call);
   if (call.command == "args") return px::cli::run_args(call);
+  if (call.command == "jmd") return px::cli::run_jmd(call);
+  if (call.command == "instances") return px::cli::run_instances(call);
+  if (call.command == "state") return px::cli::run_state(call);
+  if (call.command == "pause") return px::cli::run_pause(call);
+  if (call.command == "resume") return px::cli::run_resume(call);
+  if (call.command == "shutdown") return px::cli::run_shutdown(call);
+  if (call.command == "reload-jobs") return px::cli::run_reload_jobs(call);
+  if (call.command == "reload-printer") return px::cli::run_reload_printer(call);
+  if (call.command == "start") return px::cli::run_start(call);
+  if (call.command == "start-email") return px::cli::run_start_email(call);
+  if (call.command == "stop-email") return px::cli::run_stop_email(call);
+  if (call.command == "kick") return px::cli::run_kick(call);
+  if (call.command == "location") return px::cli::run_location(call);
   if (call.command == "--help" || call.command == "-h" || call.command == "help") {
     return px::cli::run_help(call);
   }

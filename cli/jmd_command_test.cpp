@@ -1,0 +1,116 @@
+// Runs pxctl jmd check, save and list on real files.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "common/file_util.h"
+#include "tests/support/run_program.h"
+#include "tests/support/test_dir.h"
+
+namespace px {
+namespace {
+
+const std::string kHead = "# Plexar Job Management Database (JMD) file\n";
+
+class PxctlJmdTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ini_ = dir_.write("test.ini",
+                      "[Titles]\n!f1=# Jobs: form printer mdf\n!x1=# Tasks\n!x2=\n!x3=# hidden\n"
+                      "[Messages]\n"
+                      "Msg361=20 cut to @P1\n"
+                      "Msg384=30 not a JMD: @P1\n"
+                      "Msg386=30 cannot open @P1\n"
+                      "Msg387=30 refused: @P1\n"
+                      "Msg901=30 bad use of @P1\n"
+                      "Msg910=30 cannot write @P1\n");
+    jmd_ = dir_.write("in.jmd", kHead +
+                                    "!f PAY LASER pay.mdf * 10 Y T1 N N N \"pay slips\"\n"
+                                    "!f bill LASER bill.mdf pre 0 Y T1 N N N *\n"
+                                    "!p LASER L1 /dev/lp0 * 3 \"first floor\"\n"
+                                    "!x T1 Cls run.sh \"-q \"\"x\"\"\" *\n"
+                                    "!m L1 4096 *\n");
+  }
+  ProgramResult pxctl(std::vector<std::string> args) {
+    args.insert(args.begin(), "-aii" + ini_);
+    return run_program(PXCTL_PATH, args, dir_.path());
+  }
+  TestDir dir_;
+  std::string ini_;
+  std::string jmd_;
+};
+
+TEST_F(PxctlJmdTest, CheckSaveAndList) {
+  ProgramResult check = pxctl({"jmd", "check", jmd_});
+  EXPECT_EQ(check.status, 0) << check.err;
+  EXPECT_EQ(check.out, "jobs 2 printers 1 tasks 1 memory 1\n");
+  EXPECT_EQ(check.err, "");
+
+  std::string saved = kHead +
+                      "# Jobs: form printer mdf\n"
+                      "!f bill LASER bill.mdf pre 0 Y T1 N N N *\n"
+                      "!f PAY LASER pay.mdf * 10 Y T1 N N N \"pay slips\"\n"
+                      "!p LASER L1 /dev/lp0 * 3 \"first floor\"\n"
+                      "# Tasks\n"
+                      "!x T1 Cls run.sh \"-q \"\"x\"\"\" *\n"
+                      "!m L1 4096 *\n";
+  EXPECT_EQ(pxctl({"jmd", "save", jmd_, dir_.file("out.jmd")}).status, 0);
+  EXPECT_EQ(dir_.read("out.jmd"), saved);
+  EXPECT_EQ(pxctl({"jmd", "save", dir_.file("out.jmd"), dir_.file("again.jmd")}).status, 0);
+  EXPECT_EQ(dir_.read("again.jmd"), saved);
+
+  ProgramResult jobs = pxctl({"jmd", "list", jmd_, "jobs"});
+  EXPECT_EQ(jobs.status, 0);
+  EXPECT_EQ(jobs.out,
+            "bill LASER bill.mdf pre 0 Y T1 N N N *\n"
+            "PAY LASER pay.mdf * 10 Y T1 N N N \"pay slips\"\n");
+  EXPECT_EQ(pxctl({"jmd", "list", jmd_, "memory"}).out, "L1 4096 *\n");
+}
+
+TEST_F(PxctlJmdTest, FailuresShowTheirMessage) {
+  std::string bad = dir_.write("dup.jmd", kHead + "!p LASER A d * 1\n!p Laser B d * 1\n");
+  ProgramResult dup = pxctl({"jmd", "check", bad});
+  EXPECT_EQ(dup.status, 1);
+  EXPECT_EQ(dup.out, "");
+  EXPECT_NE(dup.err.find("[-387]refused: !p Laser B d *\n"), std::string::npos) << dup.err;
+
+  ProgramResult missing = pxctl({"jmd", "list", dir_.file("none.jmd"), "jobs"});
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_EQ(missing.err, "[-386]cannot open " + dir_.file("none.jmd") + "\n");
+
+  std::string other = dir_.write("other.txt", "[Section]\n");
+  EXPECT_EQ(pxctl({"jmd", "check", other}).err, "[-384]not a JMD: " + other + "\n");
+
+  ProgramResult cut = pxctl({"jmd", "check", dir_.write("cut.jmd", kHead + "!m MEMORY-ID-TOO-LONG 1\n")});
+  EXPECT_EQ(cut.status, 0);
+  EXPECT_EQ(cut.err, "[-361]cut to MEMORY-I\n");
+
+  ProgramResult unwritable = pxctl({"jmd", "save", jmd_, dir_.file("no/dir/out.jmd")});
+  EXPECT_EQ(unwritable.status, 1);
+  EXPECT_EQ(unwritable.err, "[910]cannot write " + dir_.file("no/dir/out.jmd") + "\n");
+
+  EXPECT_EQ(pxctl({"jmd"}).status, 2);
+  EXPECT_EQ(pxctl({"jmd", "check"}).status, 2);
+  ProgramResult usage = pxctl({"jmd", "list", jmd_, "queues"});
+  EXPECT_EQ(usage.status, 2);
+  EXPECT_EQ(usage.err, "[901]bad use of jmd list\n");
+}
+
+// The demo installation's JMD is saved back byte for byte with the demo's
+// title lines.
+TEST(PxctlJmdDemoTest, DemoJmdSavesBackUnchanged) {
+  std::filesystem::path source = std::filesystem::path(__FILE__).parent_path().parent_path();
+  std::string demo = (source / "demo/data/pxjmd.jmd").string();
+  TestDir dir;
+  std::string ini = (source / "demo/pxcntrl.ini").string();
+  ProgramResult save =
+      run_program(PXCTL_PATH, {"-aii" + ini, "jmd", "save", demo, dir.file("out.jmd")}, dir.path());
+  EXPECT_EQ(save.status, 0) << save.err;
+  EXPECT_EQ(save.err, "");
+  std::string original = read_file(demo).value_or("missing");
+  EXPECT_GT(original.size(), 1000u);
+  EXPECT_EQ(dir.read("out.jmd"), original);
+}
+
+}  // namespace
+}  // namespace px

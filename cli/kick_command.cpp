@@ -1,0 +1,18 @@
+// pxctl kick [--email]: sends the control signal to the server, or to its
+// E-mail Agent, so it looks at its control directory at once.
+#include "cli/control_session.h"
+#include "control/signals.h"
+
+namespace px::cli {
+
+int run_kick(const Invocation& call) {
+  bool email = call.words.size() == 1 && call.words[0] == "--email";
+  if (!call.words.empty() && !email) {
+    return usage_error("kick", "pxctl [--instance NAME] kick [--email]");
+  }
+  ControlSession session(call);
+  if (!session.ready()) return kExitFailed;
+  return kick(session.instance().name, email, session.op()) ? kExitOk : kExitFailed;
+}
+
+}  // namespace px::cli

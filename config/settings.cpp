@@ -1,0 +1,36 @@
+#include "config/settings.h"
+
+#include <sys/stat.h>
+
+#include <cstdio>
+
+#include "common/directory_map.h"
+#include "common/ini_profile.h"
+
+namespace px {
+
+std::string setting(std::string_view section, std::string_view key, std::string_view fallback,
+                    size_t size, const std::string& file) {
+  if (file.empty()) return std::string(fallback.substr(0, size == 0 ? 0 : size - 1));
+  return ini::get_string(section, key, fallback, size, file);
+}
+
+std::string path_setting(std::string_view section, std::string_view key, const std::string& file) {
+  std::string value = setting(section, key, "", kPathSettingSize, file);
+  return value.size() < 2 ? std::string() : map_directory(value);
+}
+
+bool file_readable(const std::string& path) {
+  if (path.empty()) return false;
+  std::FILE* f = std::fopen(path.c_str(), "r");
+  if (f == nullptr) return false;
+  std::fclose(f);
+  return true;
+}
+
+bool path_exists(const std::string& path) {
+  struct stat info;
+  return !path.empty() && ::stat(path.c_str(), &info) == 0;
+}
+
+}  // namespace px

@@ -1,0 +1,29 @@
+// Starting the server and the E-mail Agent, and stopping the E-mail Agent.
+//
+// Default branch: a stopped server is started by sending its instance name
+// to the launcher, the E-mail Agent by sending "NAME\PxEmio" (see
+// signals.h). Classic branch: an instance with remote access is started by a
+// datagram to its node; any other is started here, from its ExePath
+// directory (section Paths for the server, Pxemio for the agent), as
+// "pxserver -aii<configuration file>" or "pxemio -aii<agent INI file>".
+//
+// The E-mail Agent is stopped by the empty file "stopread.msg" in the
+// DataPath of its own INI file, followed by its control signal.
+#pragma once
+
+#include "control/control_context.h"
+
+namespace px {
+
+inline constexpr const char* kEmailStopFileName = "stopread.msg";
+
+// Starts a server that is not running; a paused or running one shows 235.
+Outcome start_server(const ControlContext& context);
+
+// Starts the E-mail Agent unless its status file says it runs (236).
+Outcome start_email_agent(const ControlContext& context);
+
+// Asks a running E-mail Agent to stop (231); one not running shows 237.
+Outcome stop_email_agent(const ControlContext& context);
+
+}  // namespace px

@@ -1,0 +1,231 @@
+#include "control/control_job.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+
+#include "common/file_util.h"
+#include "common/ini_profile.h"
+#include "config/message_numbers.h"
+#include "config/settings.h"
+#include "control/unique_fd.h"
+
+namespace px {
+
+namespace {
+
+constexpr size_t kTemplateKeysSize = 10240;
+constexpr size_t kTemplateLineSize = 512;
+constexpr size_t kCopyChunk = 1024;
+
+bool write_all(int fd, std::string_view data) {
+  while (!data.empty()) {
+    ssize_t n = ::write(fd, data.data(), data.size());
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) return false;
+    data.remove_prefix(static_cast<size_t>(n));
+  }
+  return true;
+}
+
+bool copy_from_start(int from, int to) {
+  if (::lseek(from, 0, SEEK_SET) != 0) return false;
+  char chunk[kCopyChunk];
+  for (;;) {
+    ssize_t n = ::read(from, chunk, sizeof chunk);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) return false;
+    if (n == 0) return true;
+    if (!write_all(to, std::string_view(chunk, static_cast<size_t>(n)))) return false;
+  }
+}
+
+// The scratch copy of a job. Consoles sharing a current directory take turns
+// on it through a lock, and each reads its own text back through its own
+// descriptor; the name is removed when the object goes.
+class ScratchFile {
+ public:
+  explicit ScratchFile(std::string path)
+      : path_(std::move(path)), fd_(::open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {
+    locked_ = fd_.valid() && ::flock(fd_.get(), LOCK_EX) == 0;
+  }
+  ScratchFile(const ScratchFile&) = delete;
+  ScratchFile& operator=(const ScratchFile&) = delete;
+  ~ScratchFile() {
+    if (fd_.valid()) ::unlink(path_.c_str());
+  }
+
+  bool write(std::string_view text) {
+    return locked_ && ::ftruncate(fd_.get(), 0) == 0 && write_all(fd_.get(), text);
+  }
+  int fd() const { return fd_.get(); }
+  const std::string& path() const { return path_; }
+
+ private:
+  std::string path_;
+  UniqueFd fd_;
+  bool locked_ = false;
+};
+
+enum class Publish { kDone, kExists, kFailed };
+
+// Creates target, which must not exist yet, with the scratch file's text. An
+// unnamed file is filled in the directory and then linked to the name, so the
+// server never sees the job half-written; where the file system has no
+// unnamed files, the target is created exclusively and removed again when
+// the copy fails.
+Publish publish(int source, const std::string& directory, const std::string& target) {
+  UniqueFd unnamed(::open(directory.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666));
+  if (unnamed.valid()) {
+    if (!copy_from_start(source, unnamed.get())) return Publish::kFailed;
+    std::string self = "/proc/self/fd/" + std::to_string(unnamed.get());
+    if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, target.c_str(), AT_SYMLINK_FOLLOW) == 0) {
+      return Publish::kDone;
+    }
+    if (errno == EEXIST) return Publish::kExists;
+  }
+  UniqueFd out(::open(target.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+  if (!out.valid()) return errno == EEXIST ? Publish::kExists : Publish::kFailed;
+  if (copy_from_start(source, out.get())) return Publish::kDone;
+  out.reset();
+  ::unlink(target.c_str());
+  return Publish::kFailed;
+}
+
+std::string stamp(const char* format, const std::tm& moment) {
+  char text[32];
+  size_t n = std::strftime(text, sizeof text, format, &moment);
+  return std::string(text, n);
+}
+
+}  // namespace
+
+const char* command_text(ControlCommand command) {
+  switch (command) {
+    case ControlCommand::kPrinterReload:
+      return "Printer Reload";
+    case ControlCommand::kJobTableReload:
+      return "Job Table Reload";
+    case ControlCommand::kShutDown:
+      return "Shut Down Server";
+    case ControlCommand::kPause:
+      return "Pause Server";
+    case ControlCommand::kResume:
+      return "Resume Server";
+  }
+  return "";
+}
+
+std::optional<std::vector<std::string>> read_template(const std::string& config_file) {
+  std::string file = config_file;
+  KeyList keys;
+  if (!file.empty()) keys = ini::get_key_list(kTemplateSection, kTemplateKeysSize, file);
+  if (keys.used < 2) {
+    file.clear();  // the console's own INI file
+    keys = ini::get_key_list(kTemplateSection, kTemplateKeysSize);
+    if (keys.used < 2) return std::nullopt;
+  }
+  std::vector<std::string> values;
+  for (const std::string& key : keys.keys) {
+    values.push_back(ini::get_string(kTemplateSection, key, " ", kTemplateLineSize, file));
+  }
+  return values;
+}
+
+std::string control_job_text(const std::vector<std::string>& template_values,
+                             ControlCommand command, const PrinterReloadChoice& choice,
+                             const std::tm& moment) {
+  const bool printer_reload = command == ControlCommand::kPrinterReload;
+  std::string text;
+  for (const std::string& value : template_values) {
+    if (value == "!CommandString") {
+      text += command_text(command) + std::string("\n");
+    } else if (value == "!LogicalPrinter") {
+      if (!printer_reload) continue;
+      if (!choice.printers.empty() && choice.printers.back() == "*") {
+        text += "*\n";
+      } else {
+        for (const std::string& printer : choice.printers) text += printer + "\n";
+      }
+    } else if (value == "!MDFFileName") {
+      if (printer_reload) text += choice.form + "\n";
+    } else if (value == "!SystemDate") {
+      text += stamp("%y%m%d", moment) + "\n";
+    } else if (value == "!SystemTime") {
+      text += stamp("%H:%M:%S", moment) + "\n";
+    } else if (value == "!RequestorID") {
+      text += "PXCNTRL\n";
+    } else {
+      text += value + "\n";
+    }
+  }
+  return text;
+}
+
+std::optional<std::string> control_directory(const std::string& config_file, Operator& op) {
+  std::string control = path_setting("Paths", "ControlPath", config_file);
+  if (!control.empty() && is_directory(control)) return add_separator(control);
+  std::string data = path_setting("Paths", "DataPath", config_file);
+  if (data.empty()) {
+    op.show(msg::kSettingMissing, {"Paths", display_path(config_file), "DataPath"});
+    return std::nullopt;
+  }
+  if (!is_directory(data)) {
+    op.show(msg::kDataPathNotDirectory, {"Paths", display_path(config_file)});
+    return std::nullopt;
+  }
+  return add_separator(data);
+}
+
+std::string control_file_name(int n) {
+  char name[16];
+  std::snprintf(name, sizeof name, "pxctrl%02d.msg", n);
+  return name;
+}
+
+std::optional<int> first_free_control_file(const std::string& directory, int first) {
+  for (int n = first; n < kControlFileCount; ++n) {
+    if (!file_readable(directory + control_file_name(n))) return n;
+  }
+  return std::nullopt;
+}
+
+bool write_control_job(std::string_view text, const std::string& directory, ControlCommand command,
+                       int* number, const std::string& scratch_directory, Operator& op) {
+  const bool shutdown = command == ControlCommand::kShutDown;
+  ScratchFile scratch(join_path(shutdown ? "stopserv.$$$" : "pxcntrl.$$$", scratch_directory));
+  if (!scratch.write(text)) {
+    op.show(msg::kScratchNotCreated, {display_path(scratch.path())});
+    return false;
+  }
+  if (shutdown) {
+    std::string target = directory + kShutdownFileName;
+    Publish result = publish(scratch.fd(), directory, target);
+    if (result == Publish::kExists) op.show(msg::kShutdownPending);
+    if (result == Publish::kFailed) op.show(msg::kTargetNotCreated, {display_path(target)});
+    return result == Publish::kDone;
+  }
+  for (int n = *number;;) {
+    std::string target = directory + control_file_name(n);
+    Publish result = publish(scratch.fd(), directory, target);
+    if (result == Publish::kDone) {
+      *number = n;
+      return true;
+    }
+    if (result == Publish::kFailed) {
+      op.show(msg::kTargetNotCreated, {display_path(target)});
+      return false;
+    }
+    std::optional<int> next = first_free_control_file(directory, n + 1);
+    if (!next) {
+      op.show(msg::kNoFreeControlName);
+      return false;
+    }
+    n = *next;
+  }
+}
+
+}  // namespace px

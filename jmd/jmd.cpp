@@ -1,0 +1,115 @@
+#include "jmd/jmd.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <new>
+#include <vector>
+
+#include "common/file_util.h"
+#include "jmd/jmd_reader.h"
+
+namespace px::jmd {
+
+namespace {
+
+using ColumnDefs = std::vector<engine::ColumnDef>;
+
+// The declared columns of a table, positions taken from its record layout.
+ColumnDefs make_columns(int slot) {
+  const TableSchema& schema = table_schema(slot);
+  ColumnDefs columns;
+  for (size_t i = 0; i < schema.column_count; ++i) {
+    const FieldDef& field = schema.fields[i];
+    engine::ColumnDef column;
+    column.name = field.name.data();  // the names are NUL-terminated literals
+    column.position = static_cast<int32_t>(field.position);
+    column.width = static_cast<uint32_t>(field.width);
+    column.type = field.type;
+    column.flags = field.flags;
+    columns.push_back(column);
+  }
+  return columns;
+}
+
+struct FileCloser {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+// Opens the four tables in fresh temporary files; false after tracing the
+// failure (the tables opened so far are closed with the handle).
+bool open_tables(Jmd& jmd, Reporter& reporter) {
+  for (int slot = 0; slot < kTableCount; ++slot) {
+    const TableSchema& schema = table_schema(slot);
+    std::string name = temp_name("", std::string(1, schema.letter)).value_or("");
+    if (!name.empty()) {
+      jmd.table(slot) = engine::Table::open(name, static_cast<int>(schema.record_size),
+                                            engine::kOpenNew, column_definitions(slot));
+    }
+    if (!jmd.table(slot)) {
+      reporter.trace("open of table '" + name + "' failed\n");
+      if (!name.empty()) std::remove(name.c_str());
+      return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
+std::span<const engine::ColumnDef> column_definitions(int slot) {
+  static const std::array<ColumnDefs, kTableCount> kColumns = {
+      make_columns(kJobTable), make_columns(kPrinterTable), make_columns(kTaskTable),
+      make_columns(kMemoryTable)};
+  return kColumns.at(static_cast<size_t>(slot));
+}
+
+std::unique_ptr<Jmd> load_jmd(const std::string& path, Reporter& reporter) {
+  std::unique_ptr<Jmd> jmd;
+  try {
+    jmd = std::make_unique<Jmd>();
+  } catch (const std::bad_alloc&) {
+    reporter.message(kMsgNoMemory, {});
+    return nullptr;
+  }
+  if (!open_tables(*jmd, reporter)) return nullptr;
+  reporter.trace("jmd.c: database initialized successfully");
+
+  std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "r"));
+  if (!file) {
+    reporter.trace("Open of jmd failed in jmd.c: errno " + std::to_string(errno));
+    reporter.message(kMsgCannotOpen, {path});
+    return nullptr;
+  }
+  LineSource lines(file.get());
+  auto add = [&jmd](int slot, std::span<const char> record) {
+    return jmd->table(slot).add_row(std::as_bytes(record), engine::kAddAppend) != 0;
+  };
+  if (!read_jmd(lines, path, reporter, add)) return nullptr;
+  return jmd;
+}
+
+bool close_jmd(std::unique_ptr<Jmd> jmd) {
+  if (!jmd) return true;
+  bool closed = true;
+  for (engine::Table& table : jmd->tables_) {
+    if (table && !table.close()) closed = false;
+  }
+  return closed;
+}
+
+bool for_each_sorted(Jmd& jmd, int slot,
+                     const std::function<bool(std::span<const char> record)>& visit) {
+  engine::Table& table = jmd.table(slot);
+  const TableSchema& schema = table_schema(slot);
+  engine::Query query =
+      engine::Query::start(table, table.find_column(schema.sort_column), std::nullopt, false);
+  if (!query) return false;
+  std::vector<char> record(schema.record_size);
+  for (long row = query.next(); row != 0; row = query.next()) {
+    if (!table.get_row(row, std::as_writable_bytes(std::span<char>(record)))) return false;
+    if (!visit(record)) return false;
+  }
+  return true;
+}
+
+}  // namespace px::jmd

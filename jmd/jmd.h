@@ -1,0 +1,61 @@
+// The open Job Management Database: four tables of the table engine, each in
+// a private temporary file, loaded from and saved to the JMD text file
+// (format in jmd/jmd_schema.h). Nothing of the JMD stays in the engine once
+// the handle is closed.
+#pragma once
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+
+#include "jmd/engine/table.h"
+#include "jmd/jmd_report.h"
+#include "jmd/jmd_schema.h"
+
+namespace px::jmd {
+
+// The JMD handle: the tables in slot order job, printer, task, managed
+// memory. Destroying it closes every table and removes its files.
+class Jmd {
+ public:
+  engine::Table& table(int slot) { return tables_.at(static_cast<size_t>(slot)); }
+  long row_count(int slot) const { return tables_.at(static_cast<size_t>(slot)).row_count(); }
+
+ private:
+  friend bool close_jmd(std::unique_ptr<Jmd> jmd);
+  std::array<engine::Table, kTableCount> tables_;
+};
+
+// The engine's column definitions of a table: its declared columns only
+// (six for the printer table, whose Comment is no column). Static data that
+// outlives every table.
+std::span<const engine::ColumnDef> column_definitions(int slot);
+
+// Creates the four tables (open mode 3, in fresh temporary names that all
+// begin with "PXX") and loads the file at path into them. Nothing on failure,
+// every table closed again:
+//   a table that cannot be opened   trace "open of table '%s' failed\n"
+//   the file cannot be opened       trace "Open of jmd failed in jmd.c:
+//                                   errno %d", then kMsgCannotOpen
+//   the file is empty or its header is wrong   kMsgBadHeader
+//   a record is refused (an equal unique key)  kMsgRecordRefused
+//   the handle cannot be had        kMsgNoMemory
+// A value cut to its field is reported with kMsgValueCut and the load goes
+// on. Traces "jmd.c: database initialized successfully" once the tables are
+// open.
+std::unique_ptr<Jmd> load_jmd(const std::string& path, Reporter& reporter);
+
+// Closes every open table; true when each closed cleanly. No handle is
+// success.
+bool close_jmd(std::unique_ptr<Jmd> jmd);
+
+// Calls visit with each record of a table that the query over its sort
+// column yields, in that order. False when the query cannot be started, a
+// record cannot be fetched (visit has then seen the rows before it) or visit
+// returns false.
+bool for_each_sorted(Jmd& jmd, int slot,
+                     const std::function<bool(std::span<const char> record)>& visit);
+
+}  // namespace px::jmd

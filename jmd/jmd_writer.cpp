@@ -1,0 +1,128 @@
+#include "jmd/jmd_writer.h"
+
+#include <charconv>
+#include <cstdio>
+#include <memory>
+
+#include "common/ini_profile.h"
+
+namespace px::jmd {
+
+namespace {
+
+constexpr size_t kTitleSize = 256;
+constexpr size_t kWriteBuffer = 1 << 20;
+
+bool needs_quotes(std::string_view value) {
+  for (char c : value) {
+    if (c == ' ' || c == '"') return true;
+  }
+  return false;
+}
+
+void append_string(std::string& out, std::string_view value) {
+  if (value.empty()) {
+    out += kEmptyMark;
+  } else if (!needs_quotes(value)) {
+    out += value;
+  } else {
+    out += '"';
+    size_t start = 0;
+    for (size_t quote = value.find('"'); quote != std::string_view::npos;
+         quote = value.find('"', quote + 1)) {
+      out += value.substr(start, quote + 1 - start);
+      out += '"';
+      start = quote + 1;
+    }
+    out += value.substr(start);
+    out += '"';
+  }
+}
+
+void append_integer(std::string& out, int32_t value) {
+  char digits[16];
+  auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+  out.append(digits, end);
+}
+
+struct FileCloser {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, FileCloser>;
+
+bool write_text(std::FILE* file, const std::string& text) {
+  return std::fwrite(text.data(), 1, text.size(), file) == text.size();
+}
+
+}  // namespace
+
+void append_fields(std::string& out, const TableSchema& schema, std::span<const char> record) {
+  for (size_t i = 1; i < schema.fields.size(); ++i) {
+    const FieldDef& field = schema.fields[i];
+    out += ' ';
+    switch (field.type) {
+      case kTypeCharacter: {
+        char c = char_field(record, field);
+        if (c == '\0') {
+          out += kEmptyMark;
+        } else {
+          out += c;
+        }
+        break;
+      }
+      case kTypeInteger:
+      case kTypeLong:
+        append_integer(out, int_field(record, field));
+        break;
+      default:
+        append_string(out, string_field(record, field));
+        break;
+    }
+  }
+}
+
+std::string record_line(const TableSchema& schema, std::span<const char> record) {
+  std::string line(schema.line_key);
+  append_fields(line, schema, record);
+  line += '\n';
+  return line;
+}
+
+std::vector<std::string> title_lines(const TableSchema& schema) {
+  std::vector<std::string> lines;
+  for (int i = 1;; ++i) {
+    std::string key = std::string(schema.line_key) + std::to_string(i);
+    std::string value = ini::get_string("Titles", key, "", kTitleSize);
+    if (value.empty()) break;
+    lines.push_back(std::move(value));
+  }
+  return lines;
+}
+
+bool save_jmd(Jmd& jmd, const std::string& path) {
+  File file(std::fopen(path.c_str(), "w"));
+  if (!file) return false;
+  std::vector<char> buffer(kWriteBuffer);
+  std::setvbuf(file.get(), buffer.data(), _IOFBF, buffer.size());
+
+  bool written = write_text(file.get(), std::string(kHeader) + "\n");
+  std::string line;
+  for (int slot = 0; slot < kTableCount && written; ++slot) {
+    const TableSchema& schema = table_schema(slot);
+    for (const std::string& title : title_lines(schema)) {
+      written = written && write_text(file.get(), title + "\n");
+    }
+    written = written && for_each_sorted(jmd, slot, [&](std::span<const char> record) {
+                line.assign(schema.line_key);
+                append_fields(line, schema, record);
+                line += '\n';
+                return write_text(file.get(), line);
+              });
+  }
+  // The buffer goes away with this frame, so the file is closed first.
+  std::FILE* raw = file.release();
+  bool closed = std::fclose(raw) == 0;
+  return written && closed;
+}
+
+}  // namespace px::jmd

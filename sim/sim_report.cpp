@@ -1,0 +1,57 @@
+#include "sim/sim_report.h"
+
+#include <cstdio>
+#include <ctime>
+#include <memory>
+
+#include "common/expand.h"
+#include "common/file_util.h"
+#include "common/messages.h"
+
+namespace px::sim {
+
+std::string message_line(int n, const std::vector<std::string>& args) {
+  set_message_arguments(args);
+  return expand(messages::message_text(n));
+}
+
+std::string message_body(int n, const std::vector<std::string>& args) {
+  std::string text = messages::message_text(n);
+  if (!text.empty() && text[0] == '[') {
+    size_t close = text.find(']');
+    if (close != std::string::npos) text.erase(0, close + 1);
+  }
+  set_message_arguments(args);
+  return expand(text);
+}
+
+void report(int n, const std::vector<std::string>& args) {
+  set_message_arguments(args);
+  messages::show(n);
+}
+
+std::string stamped(std::string_view program, std::string_view text) {
+  std::time_t now = std::time(nullptr);
+  std::tm local{};
+  localtime_r(&now, &local);
+  char stamp[32];
+  size_t n = std::strftime(stamp, sizeof stamp, "%y%m%d %H:%M:%S", &local);
+  std::string line(stamp, n);
+  line.append(" ").append(program).append(": ").append(text);
+  return line;
+}
+
+bool write_status_line(const std::string& path, std::string_view program, std::string_view text) {
+  return replace_file_contents(path, stamped(program, text) + "\n");
+}
+
+bool append_log_line(const std::string& path, std::string_view program, std::string_view text) {
+  if (path.empty()) return true;
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> out(std::fopen(path.c_str(), "a"), std::fclose);
+  if (!out) return false;
+  std::string line = stamped(program, text) + "\n";
+  bool written = std::fwrite(line.data(), 1, line.size(), out.get()) == line.size();
+  return std::fclose(out.release()) == 0 && written;
+}
+
+}  // namespace px::sim
