@@ -119,18 +119,20 @@ void Simulator::start_server(Served& served) {
     served.server.replace_settings(fresh->server);  // an edited configuration takes effect
   }
   const std::string& name = served.server.settings().instance;
-  served.server.start();
+  // Listen before the status file says "running", so a console that sees the
+  // status can signal at once.
   served.server_socket = listen_at(server_pipe_name(name));
   served.server_event = create_event(server_event_name(name));
+  served.server.start();
   served.next_scan = Clock::now();  // the first scan takes what waited while it was down
 }
 
 void Simulator::start_agent(Served& served) {
   if (!served.agent || served.agent->running()) return;
   const std::string& name = served.server.settings().instance;
-  served.agent->start();
   served.agent_socket = listen_at(agent_pipe_name(name));
   served.agent_event = create_event(agent_event_name(name));
+  served.agent->start();
   served.next_cycle = Clock::now() + std::chrono::seconds(served.agent->settings().cycle_seconds);
 }
 
