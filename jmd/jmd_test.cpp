@@ -167,6 +167,24 @@ TEST_F(JmdTest, MissingFileBadHeaderAndCutValues) {
   EXPECT_TRUE(close_jmd(nullptr));
 }
 
+// The engine holds ten tables: a third JMD finds two free, fails on its
+// third table and gives back the two it had.
+TEST_F(JmdTest, TableThatCannotBeOpenedFailsTheLoad) {
+  std::unique_ptr<Jmd> first = load(kHead + "!f A\n");
+  std::unique_ptr<Jmd> second = load(kHead + "!f B\n");
+  ASSERT_TRUE(first && second);
+  size_t files = table_files();
+  RecordingReporter reporter;
+  EXPECT_FALSE(load_jmd(dir_.file("in.jmd"), reporter));
+  ASSERT_EQ(reporter.traces().size(), 1u);
+  std::string trace = reporter.traces()[0];
+  EXPECT_EQ(trace.rfind("open of table '" + tables_ + "/PXX", 0), 0u) << trace;
+  EXPECT_TRUE(trace.ends_with(".tmp' failed\n")) << trace;
+  EXPECT_EQ(table_files(), files);
+  close_jmd(std::move(second));
+  EXPECT_TRUE(load(kHead + "!f C\n"));
+}
+
 TEST_F(JmdTest, SaveFailsWhereTheFileCannotBeWritten) {
   std::unique_ptr<Jmd> jmd = load(kHead + "!f A\n");
   ASSERT_TRUE(jmd);
