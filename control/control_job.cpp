@@ -11,7 +11,7 @@
 #include "common/ini_profile.h"
 #include "config/message_numbers.h"
 #include "config/settings.h"
-#include "control/unique_fd.h"
+#include "common/unique_fd.h"
 
 namespace px {
 

@@ -11,7 +11,7 @@
 #include <atomic>
 #include <cstdio>
 
-#include "control/unique_fd.h"
+#include "common/unique_fd.h"
 #include "tests/support/test_dir.h"
 
 namespace px {

@@ -14,7 +14,7 @@
 
 #include "common/platform.h"
 #include "config/message_numbers.h"
-#include "control/unique_fd.h"
+#include "common/unique_fd.h"
 
 namespace px {
 

@@ -18,7 +18,7 @@
 #include "common/ini_profile.h"
 #include "config/instances.h"
 #include "control/node.h"
-#include "control/unique_fd.h"
+#include "common/unique_fd.h"
 #include "tests/support/test_dir.h"
 
 namespace px {

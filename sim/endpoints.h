@@ -23,7 +23,7 @@
 #include <string>
 #include <string_view>
 
-#include "sim/unique_fd.h"
+#include "common/unique_fd.h"
 
 namespace px::sim {
 

@@ -16,7 +16,7 @@
 #include "sim/requests.h"
 #include "sim/sim_agent.h"
 #include "sim/sim_server.h"
-#include "sim/unique_fd.h"
+#include "common/unique_fd.h"
 
 namespace px::sim {
 

@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "control/node.h"
-#include "sim/unique_fd.h"
+#include "common/unique_fd.h"
 #include "tests/live_installation.h"
 
 namespace px {
@@ -158,7 +158,7 @@ TEST_F(ControlEndToEnd, EmailAgentStopsOnItsStopFileAndStartsThroughTheLauncher)
 TEST(NodeDatagrams, StartDatagramReachesTheSimulatorWithItsExactBytes) {
   int port = ntohs(node_port());
   {
-    sim::UniqueFd probe(socket(AF_INET, SOCK_DGRAM, 0));
+    UniqueFd probe(socket(AF_INET, SOCK_DGRAM, 0));
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(static_cast<uint16_t>(port));

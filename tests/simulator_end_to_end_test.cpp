@@ -11,13 +11,12 @@
 #include <fstream>
 #include <string>
 
-#include "sim/unique_fd.h"
+#include "common/unique_fd.h"
 #include "tests/live_installation.h"
 
 namespace px {
 namespace {
 
-using sim::UniqueFd;
 
 // A loopback UDP port that was free a moment ago.
 int free_udp_port() {
