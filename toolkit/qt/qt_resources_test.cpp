@@ -118,6 +118,10 @@ class QtBackEndTest : public QObject {
             QCOMPARE(next, widget);
           }
           if (widget->focusPolicy() != Qt::NoFocus) previous_field = widget;
+          // An editable combo box passes the focus on from its own line edit.
+          if (auto* combo = qobject_cast<QComboBox*>(widget); combo && combo->lineEdit()) {
+            previous_field = combo->lineEdit();
+          }
         }
       }
       w.destroy();

@@ -20,6 +20,11 @@ std::vector<const Def*> sorted_by_id(std::initializer_list<std::span<const Def* 
 const std::vector<const WindowDef*>& window_list() {
   static const std::vector<const WindowDef*> all = sorted_by_id<WindowDef>({
       shell_window_defs(),
+      shell_dialog_defs(),
+      instance_dialog_defs(),
+      view_window_defs(),
+      jmd_editor_defs(),
+      config_dialog_defs(),
   });
   return all;
 }

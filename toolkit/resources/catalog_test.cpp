@@ -72,6 +72,41 @@ TEST(CatalogTest, LookupsFindTheShellResources) {
   EXPECT_EQ(find_menu_bar(1), nullptr);
 }
 
+// Every window and dialog the console opens is registered with its kind, and
+// in each dialog Enter and Escape press buttons whose ids its handler answers.
+TEST(CatalogTest, EveryWindowAndDialogIsListedWithEnterAndEscape) {
+  for (int id : {kLogWindow, kStatusQueueWindow, kRejectsWindow, kJmdListWindow, kEmailQueueWindow,
+                 kJobWindow}) {
+    ASSERT_NE(find_window_def(id), nullptr) << id;
+    EXPECT_EQ(find_window_def(id)->kind, WindowKind::kDocument) << id;
+  }
+  const std::set<int> dialogs{
+      kSelectInstanceDialog,   kJobStepDialog,       kPrinterDialog,        kLogProcessDialog,
+      kInstanceConfigDialog,   kConfigureDialog,     kInstanceRecordDialog, kTaskDialog,
+      kManagedMemoryDialog,    kJobNameDialog,       kReloadPrinterDialog,  kAboutDialog,
+      kEmailConfigDialog,      kServerConfigDialog,  kNetworkCommandDialog, kPrintAgentConfigDialog,
+      kCurrencyDialog,         kSpecialCharactersDialog, kServerLocationsDialog,
+      kEmailLocationsDialog,   kJobCardDialog,       kSelectDirectoryDialog};
+  std::set<int> listed;
+  for (const WindowDef* def : all_window_defs()) {
+    if (def->kind == WindowKind::kDialog) listed.insert(def->id);
+  }
+  EXPECT_EQ(listed, dialogs);
+  for (int id : dialogs) {
+    const WindowDef* def = find_window_def(id);
+    ASSERT_NE(def, nullptr) << id;
+    int enter = 0;
+    int escape = 0;
+    for (const ControlDef& c : def->controls) {
+      if ((c.style & kDefaultButton) && !(c.style & (kHidden | kDisabled))) enter = c.id;
+      if ((c.style & kCancelButton) && !(c.style & (kHidden | kDisabled))) escape = c.id;
+    }
+    int ok = id == kInstanceConfigDialog ? kInstanceOk : id == kServerLocationsDialog ? kLocationsOk : kOk;
+    EXPECT_EQ(enter, ok) << "dialog " << id;
+    EXPECT_EQ(escape, id == kAboutDialog ? kOk : kCancel) << "dialog " << id;
+  }
+}
+
 TEST(CatalogTest, ChecksCatchTableMistakes) {
   using K = ControlKind;
   constexpr ControlDef bad[] = {

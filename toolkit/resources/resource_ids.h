@@ -79,12 +79,211 @@ inline constexpr int kCmdCut = 32027;
 inline constexpr int kCmdCopy = 32028;
 inline constexpr int kCmdPaste = 32029;
 
+// Windows of the monitoring views. Nexa Status and Queue (137):
+inline constexpr int kStatusClose = 1;
+inline constexpr int kStatusList = 2;
+inline constexpr int kStatusHeader = 3;
+
+// Rejects (142) and E-Mail Agent queue (144) share their ids; button 5,
+// "View File...", is the rejects window's only.
+inline constexpr int kFilesClose = 1;
+inline constexpr int kFilesCaption = 3;
+inline constexpr int kFilesList = 4;
+inline constexpr int kRejectsViewFile = 5;
+
+// JMD list window (143) and job window (146). The job window adds the
+// step-order buttons and the job name field.
+inline constexpr int kJmdList = 1;
+inline constexpr int kJmdEdit = 2;
+inline constexpr int kJmdNew = 3;
+inline constexpr int kJmdDelete = 4;
+inline constexpr int kJmdClose = 5;
+inline constexpr int kJmdPrevious = 6;
+inline constexpr int kJmdNext = 7;
+inline constexpr int kJobStepUp = 8;
+inline constexpr int kJobStepDown = 9;
+inline constexpr int kJobNameField = 10;
+
 // Select Instance of Nexa (102).
 inline constexpr int kSelectInstanceList = 3;
+
+// New/Edit Job Step (106).
+inline constexpr int kStepJobName = 4;
+inline constexpr int kStepTaskId = 6;
+inline constexpr int kStepAddTask = 7;
+inline constexpr int kStepInFile = 9;
+inline constexpr int kStepOutFile = 11;
+inline constexpr int kStepOnError = 13;
+inline constexpr int kStepFormFile = 15;
+inline constexpr int kStepPreamble = 17;
+inline constexpr int kStepPrinterName = 19;
+inline constexpr int kStepAddPrinter = 20;
+inline constexpr int kStepMacro = 22;
+inline constexpr int kStepLoadFlag = 24;
+inline constexpr int kStepComment = 26;
+
+// New/Edit Printer (108).
+inline constexpr int kPrinterName = 4;
+inline constexpr int kPrinterId = 6;
+inline constexpr int kPrinterAddMemory = 7;
+inline constexpr int kPrinterDevice = 9;
+inline constexpr int kPrinterOptions = 12;
+inline constexpr int kPrinterPriority = 14;
+inline constexpr int kPrinterComment = 16;
+
+// The log view's process choice (113).
+inline constexpr int kLogProcessList = 4;
+
+// Log view (120), also the rejected-file view: caption, text, scroll bars.
+inline constexpr int kLogCaption = 2;
+inline constexpr int kLogText = 3;
+inline constexpr int kLogVScroll = 45;
+inline constexpr int kLogHScroll = 46;
+
+// Nexa Control Configuration (121): OK is 5 here, since 1 is "Edit...".
+inline constexpr int kInstanceEdit = 1;
+inline constexpr int kInstanceDelete = 3;
+inline constexpr int kInstanceMakeDefault = 4;
+inline constexpr int kInstanceOk = 5;
+inline constexpr int kInstanceList = 7;
+
+// Configure Nexa and Agents (123): button 1 (kOk) is "Edit File...".
+inline constexpr int kConfigureList = 3;
+
+// Edit Nexa Control Configuration (124).
+inline constexpr int kRecordName = 4;
+inline constexpr int kRecordDescription = 6;
+inline constexpr int kRecordConfigFile = 8;
+
+// New/Edit Task (126).
+inline constexpr int kTaskIdField = 4;
+inline constexpr int kTaskProgram = 6;
+inline constexpr int kTaskOptions = 8;
+inline constexpr int kTaskComment = 10;
+
+// New/Edit Printer Managed Memory (128).
+inline constexpr int kMemoryPrinterId = 4;
+inline constexpr int kMemoryAmount = 6;
+inline constexpr int kMemoryComment = 8;
+
+// New Job Name (129).
+inline constexpr int kJobNameEdit = 3;
+inline constexpr int kJobNameLabel = 4;
+
+// Reload Printer for %s (131).
+inline constexpr int kReloadPrinterList = 4;
+inline constexpr int kReloadPrinterForm = 6;
+inline constexpr int kReloadAllPrinters = 9;
+inline constexpr int kReloadAllForms = 10;
 
 // About Nexa Control (132).
 inline constexpr int kAboutCompany = 6;
 inline constexpr int kAboutProduct = 7;
 inline constexpr int kAboutVersion = 8;
+
+// E-Mail Agent Configuration for %s (133).
+inline constexpr int kEmailSpin = 5;
+inline constexpr int kEmailMinutes = 6;
+inline constexpr int kEmailSeconds = 7;
+inline constexpr int kEmailDeleteAfterRead = 8;
+inline constexpr int kEmailBackupFiles = 9;
+inline constexpr int kEmailLogToFile = 10;
+inline constexpr int kEmailFileLocations = 14;
+inline constexpr int kEmailJobCard = 15;
+inline constexpr int kEmailPostOfficeLabel = 18;
+inline constexpr int kEmailMailbox = 19;
+inline constexpr int kEmailPassword = 20;
+inline constexpr int kEmailPostOffice = 21;
+inline constexpr int kEmailScanTime = 22;
+inline constexpr int kEmailBrowsePostOffice = 23;
+
+// Main Configuration for %s (134).
+inline constexpr int kServerScanTime = 5;
+inline constexpr int kServerFileSpec = 7;
+inline constexpr int kServerDeleteExt = 9;
+inline constexpr int kServerBackupFiles = 10;
+inline constexpr int kServerLogFile = 12;
+inline constexpr int kServerNetwork = 13;
+inline constexpr int kServerSpin = 14;
+inline constexpr int kServerFileLocations = 15;
+inline constexpr int kServerVerbosity = 17;
+inline constexpr int kServerLogFileSize = 20;
+inline constexpr int kServerMinutes = 23;
+inline constexpr int kServerSeconds = 24;
+inline constexpr int kServerBrowseLogFile = 25;
+
+// Network Command (136): each edit's label is the id before it.
+inline constexpr int kNetworkSend = 3;
+inline constexpr int kNetworkCommandLabel = 4;
+inline constexpr int kNetworkCommand = 5;
+inline constexpr int kNetworkDeviceLabel = 6;
+inline constexpr int kNetworkDevice = 7;
+inline constexpr int kNetworkExcludeLabel = 8;
+inline constexpr int kNetworkExclude = 9;
+inline constexpr int kNetworkIncludeLabel = 10;
+inline constexpr int kNetworkInclude = 11;
+
+// Print Agent Configuration for %s (138).
+inline constexpr int kPrintCurrency = 3;
+inline constexpr int kPrintCharacters = 4;
+inline constexpr int kPrintVerbosity = 9;
+inline constexpr int kPrintYieldLabel = 10;
+inline constexpr int kPrintYield = 11;
+inline constexpr int kPrintFormPath = 14;
+inline constexpr int kPrintLogoPath = 16;
+inline constexpr int kPrintDataPath = 18;
+inline constexpr int kPrintBrowseForm = 19;
+inline constexpr int kPrintBrowseLogo = 20;
+inline constexpr int kPrintBrowseData = 21;
+
+// Print Agent Currency Options (139).
+inline constexpr int kCurrencyComma = 4;
+inline constexpr int kCurrencyDot = 6;
+inline constexpr int kCurrencyCredit = 8;
+inline constexpr int kCurrencyDebit = 10;
+inline constexpr int kCurrencyLocation = 12;
+inline constexpr int kCurrencySymbol = 14;
+inline constexpr int kCurrencyParenthesis = 16;
+
+// Print Agent Special Characters (140).
+inline constexpr int kSpecialNewline = 4;
+inline constexpr int kSpecialField = 6;
+inline constexpr int kSpecialDictionary = 8;
+inline constexpr int kSpecialPrefix = 10;
+inline constexpr int kSpecialSubstitution = 12;
+inline constexpr int kSpecialItcPrefix = 14;
+
+// Nexa File Locations for %s (147): OK is 10 here.
+inline constexpr int kLocationsDataPath = 3;
+inline constexpr int kLocationsErrorPath = 5;
+inline constexpr int kLocationsBackupPath = 7;
+inline constexpr int kLocationsMstPath = 9;
+inline constexpr int kLocationsOk = 10;
+inline constexpr int kLocationsBrowseData = 11;
+inline constexpr int kLocationsBrowseError = 12;
+inline constexpr int kLocationsBrowseBackup = 13;
+inline constexpr int kLocationsBrowseMst = 14;
+
+// E-Mail Agent File Locations for %s (148).
+inline constexpr int kEmailDataPath = 4;
+inline constexpr int kEmailErrorPath = 6;
+inline constexpr int kEmailBackupPath = 8;
+inline constexpr int kEmailBrowseData = 9;
+inline constexpr int kEmailBrowseError = 10;
+inline constexpr int kEmailBrowseBackup = 11;
+
+// Job Card (149); the output directory's label and edit are never shown.
+inline constexpr int kJobCardPrefix = 5;
+inline constexpr int kJobCardSuffix = 7;
+inline constexpr int kJobCardDefault = 9;
+inline constexpr int kJobCardOutputLabel = 10;
+inline constexpr int kJobCardOutput = 11;
+
+// Select Directory (150).
+inline constexpr int kDirectoriesLabel = 3;
+inline constexpr int kDirectoryCurrent = 4;
+inline constexpr int kDirectoryList = 5;
+inline constexpr int kDriveList = 6;
+inline constexpr int kDrivesLabel = 7;
 
 }  // namespace px::tk
