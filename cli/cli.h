@@ -36,6 +36,8 @@ int run_ini(const Invocation& call);
 int run_msg(const Invocation& call);
 int run_args(const Invocation& call);
 int run_jmd(const Invocation& call);
+// Saves the current instance's JMD with its backup.
+int run_jmd_save(const Invocation& call);
 // Server control on the current instance.
 int run_instances(const Invocation& call);
 int run_state(const Invocation& call);

@@ -1,6 +1,7 @@
 // What pxctl's server-control commands share: the instance they act on (the
 // default one, or --instance NAME), the operator that prints their messages,
-// and the real clock, program runner and JMD printer list.
+// and the real clock, program runner and JMD printer list (through the JMD
+// service, as the Printer Reload dialog reads it).
 #pragma once
 
 #include <optional>
@@ -33,10 +34,6 @@ class ControlSession {
 
 // The exit status of a finished control command.
 int exit_status(Outcome outcome);
-
-// The logical printer names of the current instance's JMD in table order;
-// nullopt when it names no JMD or the JMD cannot be loaded.
-std::optional<std::vector<std::string>> jmd_printer_names();
 
 // Runs a command that takes no words through the library call run, with
 // synopsis for a usage error.

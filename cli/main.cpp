@@ -51,6 +51,7 @@ int dispatch(const Invocation& call) {
   if (call.command == "msg") return px::cli::run_msg(call);
   if (call.command == "args") return px::cli::run_args(call);
   if (call.command == "jmd") return px::cli::run_jmd(call);
+  if (call.command == "jmd-save") return px::cli::run_jmd_save(call);
   if (call.command == "instances") return px::cli::run_instances(call);
   if (call.command == "state") return px::cli::run_state(call);
   if (call.command == "pause") return px::cli::run_pause(call);

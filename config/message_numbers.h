@@ -12,6 +12,13 @@ inline constexpr int kInstanceWithoutConfig = 165;  // @P1 instance, @P2 console
 inline constexpr int kSettingMissing = 167;         // @P1 section, @P2 file, @P3 key
 inline constexpr int kFileNotOpened = 177;          // @P1 file (shortened)
 
+// The JMD service.
+inline constexpr int kJmdNotLoaded = 179;           // @P1 JMD file (shortened)
+inline constexpr int kJobNamesNotCreated = 180;
+inline constexpr int kJobNamesNotAdded = 181;       // @P1 how many
+inline constexpr int kClipboardNotCreated = 182;
+inline constexpr int kJmdNotWritten = 185;          // @P1 JMD file (shortened)
+
 // Control jobs.
 inline constexpr int kTemplateMissing = 146;    // @P1 section, @P2 file
 inline constexpr int kScratchNotCreated = 147;  // @P1 scratch file

@@ -1,0 +1,284 @@
+#include "config/jmd_service.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "common/file_util.h"
+#include "config/message_numbers.h"
+#include "config/settings.h"
+#include "jmd/jmd_report.h"
+#include "jmd/jmd_schema.h"
+#include "jmd/jmd_writer.h"
+
+namespace px {
+
+namespace {
+
+constexpr std::string_view kBackupExtension = ".JBK";
+constexpr std::string_view kJobNameColumn = "FormName";
+constexpr std::string_view kDeletedColumn = "Deleted";
+
+// The load's messages reach the operator (paths shortened), its traces the
+// log.
+class OperatorReporter : public jmd::Reporter {
+ public:
+  explicit OperatorReporter(Operator& op) : op_(op) {}
+  void message(int n, const std::vector<std::string>& args) override {
+    bool path_argument = n == jmd::kMsgBadHeader || n == jmd::kMsgCannotOpen;
+    if (path_argument && !args.empty()) {
+      std::vector<std::string> shown = args;
+      shown[0] = display_path(shown[0]);
+      op_.show(n, shown);
+    } else {
+      op_.show(n, args);
+    }
+  }
+  void trace(std::string_view text) override { log_.trace(text); }
+
+ private:
+  Operator& op_;
+  jmd::LogReporter log_;
+};
+
+// The JMD path of the current instance; nullopt after showing 144 or 167.
+std::optional<std::string> jmd_path(Operator& op) {
+  const std::string& config = current_instance().config_file;
+  if (!file_readable(config)) {
+    op.show(msg::kIniUnreadable, {display_path(config)});
+    return std::nullopt;
+  }
+  std::string path = path_setting("Options", "JMDFileName", config);
+  if (path.empty()) {
+    op.show(msg::kSettingMissing, {"Options", display_path(config), "JMDFileName"});
+    return std::nullopt;
+  }
+  return path;
+}
+
+// An empty table of the job table's row layout in a fresh file of the
+// temporary directory, its name taken from name's first letters.
+engine::Table open_scratch_table(std::string_view name) {
+  std::optional<std::string> file = temp_name("", name);
+  if (!file) return {};
+  const jmd::TableSchema& jobs = jmd::table_schema(jmd::kJobTable);
+  return engine::Table::open(*file, static_cast<int>(jobs.record_size), engine::kOpenNew,
+                             jmd::column_definitions(jmd::kJobTable));
+}
+
+// The rows that a query over column yields (every row not deleted), in row
+// order; nullopt when the query cannot be started.
+std::optional<std::vector<long>> rows_in_table_order(engine::Table& table,
+                                                     std::string_view column) {
+  int number = table.find_column(column);
+  if (number < 0) return std::nullopt;
+  engine::Query query = engine::Query::start(table, number, std::nullopt, false);
+  if (!query) return std::nullopt;
+  std::vector<long> rows;
+  rows.reserve(static_cast<size_t>(std::max(0L, table.row_count())));
+  for (long row = query.next(); row != 0; row = query.next()) rows.push_back(row);
+  std::sort(rows.begin(), rows.end());
+  return rows;
+}
+
+// Adds to names one row for each job row whose name differs from the row
+// before it. The number of names that could not be added (a job row that
+// cannot be read counts too); nullopt when the job table cannot be walked.
+std::optional<long> add_distinct_job_names(engine::Table& jobs, engine::Table& names) {
+  const jmd::TableSchema& schema = jmd::table_schema(jmd::kJobTable);
+  const jmd::FieldDef* name = jmd::find_field(schema, kJobNameColumn);
+  const jmd::FieldDef* deleted = jmd::find_field(schema, kDeletedColumn);
+  if (name == nullptr || deleted == nullptr) return std::nullopt;
+  std::optional<std::vector<long>> rows = rows_in_table_order(jobs, kJobNameColumn);
+  if (!rows) return std::nullopt;
+
+  std::vector<char> record(schema.record_size);
+  std::vector<char> entry(schema.record_size);
+  std::string previous;
+  bool first = true;
+  long failed = 0;
+  for (long row : *rows) {
+    if (!jobs.get_row(row, std::as_writable_bytes(std::span<char>(record)))) {
+      ++failed;
+      continue;
+    }
+    std::string_view job = jmd::string_field(record, *name);
+    if (!first && job == previous) continue;
+    first = false;
+    previous = job;
+    std::fill(entry.begin(), entry.end(), '\0');
+    jmd::set_char_field(entry, *deleted, jmd::kNotDeleted);
+    jmd::set_string_field(entry, *name, job);
+    if (names.add_row(std::as_bytes(std::span<const char>(entry))) == 0) ++failed;
+  }
+  return failed;
+}
+
+// Gives the new file the permission bits of the file it replaces.
+void keep_permissions(const std::string& old_file, const std::string& new_file) {
+  struct stat info;
+  if (::stat(old_file.c_str(), &info) == 0) ::chmod(new_file.c_str(), info.st_mode & 07777);
+}
+
+// Writes database to path through a fresh file beside it; the old file
+// becomes the backup once the new one is in place. False when the new file
+// cannot be written or put in place; path and its backup are then as before.
+bool write_with_backup(jmd::Jmd& database, const std::string& path, FileSystem& files) {
+  std::string directory = directory_part(path);
+  if (directory.empty()) directory = ".";
+  std::optional<std::string> fresh = temp_name(directory, "jmd");
+  if (!fresh) return false;
+  if (!jmd::save_jmd(database, *fresh) || !files.sync(*fresh)) {
+    files.remove(*fresh);
+    return false;
+  }
+  keep_permissions(path, *fresh);
+
+  // The old JMD under a second name until the new one has replaced it.
+  std::string backup = jmd_backup_name(path);
+  std::optional<std::string> held;
+  if (backup != path && files.exists(path)) {
+    held = temp_name(directory, "jbk");
+    if (held && !files.keep_copy(path, *held)) held.reset();
+  }
+  if (!files.rename(*fresh, path)) {
+    files.remove(*fresh);
+    if (held) files.remove(*held);
+    return false;
+  }
+  if (held && !files.rename(*held, backup)) files.remove(*held);
+  return true;
+}
+
+void close_process_service() { jmd_service().close(); }
+
+}  // namespace
+
+JmdService::~JmdService() { close(); }
+
+jmd::Jmd* JmdService::open(Operator& op) {
+  close_if_instance_changed();
+  if (jmd_) return jmd_.get();
+  std::optional<std::string> path = jmd_path(op);
+  if (!path) return nullptr;
+  OperatorReporter reporter(op);
+  jmd_ = jmd::load_jmd(*path, reporter);
+  if (!jmd_) {
+    op.show(msg::kJmdNotLoaded, {display_path(*path)});
+    return nullptr;
+  }
+  take_for_current_instance();
+  return jmd_.get();
+}
+
+bool JmdService::is_open() { return jmd() != nullptr; }
+
+jmd::Jmd* JmdService::jmd() {
+  close_if_instance_changed();
+  return jmd_.get();
+}
+
+bool JmdService::modified() {
+  close_if_instance_changed();
+  return modified_;
+}
+
+void JmdService::set_modified(bool modified) {
+  close_if_instance_changed();
+  modified_ = modified;
+}
+
+bool JmdService::save(Operator& op) { return save(op, system_file_system()); }
+
+bool JmdService::save(Operator& op, FileSystem& files) {
+  close_if_instance_changed();
+  if (!jmd_) return true;
+  std::optional<std::string> path = jmd_path(op);
+  if (!path) return false;
+  if (!write_with_backup(*jmd_, *path, files)) {
+    op.show(msg::kJmdNotWritten, {display_path(*path)});
+    return false;
+  }
+  modified_ = false;
+  return true;
+}
+
+void JmdService::close() {
+  job_names_ = engine::Table();
+  clipboard_ = engine::Table();
+  jmd::close_jmd(std::move(jmd_));
+  modified_ = false;
+  taken_for_ = Instance();
+}
+
+engine::Table* JmdService::job_names(Operator& op) {
+  close_if_instance_changed();
+  if (job_names_) return &job_names_;
+  engine::Table names = open_scratch_table("jobname");
+  if (!names) {
+    op.show(msg::kJobNamesNotCreated);
+    return nullptr;
+  }
+  jmd::Jmd* database = open(op);
+  if (database == nullptr) return nullptr;
+  std::optional<long> failed = add_distinct_job_names(database->table(jmd::kJobTable), names);
+  if (!failed) {
+    op.show(msg::kJobNamesNotCreated);
+    return nullptr;
+  }
+  if (*failed > 0) op.show(msg::kJobNamesNotAdded, {std::to_string(*failed)});
+  job_names_ = std::move(names);
+  return &job_names_;
+}
+
+engine::Table* JmdService::clipboard(Operator& op) {
+  close_if_instance_changed();
+  if (clipboard_) return &clipboard_;
+  clipboard_ = open_scratch_table("clipbrd");
+  if (!clipboard_) {
+    op.show(msg::kClipboardNotCreated);
+    return nullptr;
+  }
+  take_for_current_instance();
+  return &clipboard_;
+}
+
+void JmdService::empty_clipboard() { clipboard_ = engine::Table(); }
+
+void JmdService::close_if_instance_changed() {
+  if (!holds_anything()) return;
+  const Instance& current = current_instance();
+  if (current.name != taken_for_.name || current.config_file != taken_for_.config_file) close();
+}
+
+void JmdService::take_for_current_instance() {
+  taken_for_ = current_instance();
+  if (this == &jmd_service()) {
+    // Registered once the table engine's own process-wide state exists (a
+    // table is open by now), so the tables are closed and their files
+    // removed before that state goes.
+    static const bool registered = std::atexit(close_process_service) == 0;
+    (void)registered;
+  }
+}
+
+JmdService& jmd_service() {
+  static JmdService service;
+  return service;
+}
+
+std::string jmd_backup_name(std::string_view jmd_path) {
+  size_t last_separator = jmd_path.find_last_of("/\\");
+  size_t name_start = last_separator == std::string_view::npos ? 0 : last_separator + 1;
+  size_t dot = jmd_path.rfind('.');
+  bool has_extension = dot != std::string_view::npos && dot >= name_start;
+  std::string backup(has_extension ? jmd_path.substr(0, dot) : jmd_path);
+  backup += kBackupExtension;
+  return backup;
+}
+
+}  // namespace px

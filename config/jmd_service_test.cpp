@@ -1,0 +1,340 @@
+#include "config/jmd_service.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <set>
+
+#include "common/ini_profile.h"
+#include "config/jmd_printers.h"
+#include "config/message_numbers.h"
+#include "config/recording_operator.h"
+#include "jmd/jmd_writer.h"
+#include "tests/support/test_dir.h"
+
+namespace px {
+namespace {
+
+// A JMD as an operator might have left it: rows out of order, no titles.
+const char* const kOldJmd =
+    "# Plexar Job Management Database (JMD) file\n"
+    "!f INVOICE LASER1 inv.mdf * 1 T PXMERGE N N C \"first step\"\n"
+    "!f CHEQUE LASER2 chq.mdf * 2 T PXMERGE N N C *\n"
+    "!f INVOICE LASER2 inv2.mdf * 1 T PXMERGE N N C *\n"
+    "!p LASER2 * LPT2 * 50 *\n"
+    "!p LASER1 * LPT1 * 50 *\n";
+
+std::string jmd_text(const std::vector<std::string>& job_lines) {
+  std::string text = "# Plexar Job Management Database (JMD) file\n";
+  for (const std::string& line : job_lines) text += "!f " + line + " P1 a.mdf * 1 T X N N C *\n";
+  return text;
+}
+
+// Does the file steps on the disk, except the one it is told to fail.
+class FaultyFileSystem : public FileSystem {
+ public:
+  enum Fault { kNoFault, kSync, kKeepCopy, kRenameToJmd, kRenameToBackup };
+  explicit FaultyFileSystem(Fault fault) : fault_(fault) {}
+
+  bool exists(const std::string& path) override { return real_.exists(path); }
+  bool sync(const std::string& path) override { return fault_ != kSync && real_.sync(path); }
+  bool keep_copy(const std::string& from, const std::string& to) override {
+    return fault_ != kKeepCopy && real_.keep_copy(from, to);
+  }
+  bool rename(const std::string& from, const std::string& to) override {
+    bool to_backup = to.ends_with(".JBK");
+    if ((fault_ == kRenameToJmd && !to_backup) || (fault_ == kRenameToBackup && to_backup)) {
+      return false;
+    }
+    return real_.rename(from, to);
+  }
+  bool remove(const std::string& path) override { return real_.remove(path); }
+
+ private:
+  Fault fault_;
+  FileSystem& real_ = system_file_system();
+};
+
+class JmdServiceTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (const char* old = std::getenv("TMPDIR")) saved_tmpdir_ = old;
+    std::filesystem::create_directories(dir_.file("tmp"));
+    std::filesystem::create_directories(dir_.file("data"));
+    ::setenv("TMPDIR", dir_.file("tmp").c_str(), 1);
+    ini::set_file(dir_.write("pxcntrl.ini", "[Titles]\n!f1=# Jobs\n!p1=# Printers\n"));
+    jmd_ = dir_.write("data/jobs.jmd", kOldJmd);
+    backup_ = dir_.file("data/jobs.JBK");
+    use_instance("north", "[Options]\nJMDFileName=" + jmd_ + "\n");
+  }
+  void TearDown() override {
+    service_.close();
+    if (saved_tmpdir_.empty()) {
+      ::unsetenv("TMPDIR");
+    } else {
+      ::setenv("TMPDIR", saved_tmpdir_.c_str(), 1);
+    }
+    ini::flush_cache();
+  }
+
+  // Makes an instance with this configuration text current.
+  std::string use_instance(const std::string& name, const std::string& config) {
+    std::string file = dir_.write(name + ".ini", config);
+    set_current_instance({name, name, file});
+    return file;
+  }
+
+  // What the JMD writer makes of text, as pxctl jmd save writes it.
+  std::string written_by_writer(const std::string& text) {
+    std::string in = dir_.write("writer-in.jmd", text);
+    jmd::LogReporter reporter;
+    std::unique_ptr<jmd::Jmd> loaded = jmd::load_jmd(in, reporter);
+    EXPECT_TRUE(loaded);
+    EXPECT_TRUE(jmd::save_jmd(*loaded, dir_.file("writer-out.jmd")));
+    jmd::close_jmd(std::move(loaded));
+    return dir_.read("writer-out.jmd");
+  }
+
+  std::set<std::string> files_in(const std::string& sub) {
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(dir_.file(sub))) {
+      names.insert(entry.path().filename().string());
+    }
+    return names;
+  }
+
+  // The job names the "jobname" table holds, in row order.
+  std::vector<std::string> job_names() {
+    engine::Table* names = service_.job_names(op_);
+    if (names == nullptr) return {};
+    const jmd::TableSchema& schema = jmd::table_schema(jmd::kJobTable);
+    std::vector<char> record(schema.record_size);
+    std::vector<std::string> result;
+    for (long row = 1; row <= names->row_count(); ++row) {
+      EXPECT_TRUE(names->get_row(row, std::as_writable_bytes(std::span<char>(record))));
+      result.emplace_back(jmd::string_field(record, *jmd::find_field(schema, "FormName")));
+    }
+    return result;
+  }
+
+  TestDir dir_;
+  std::string saved_tmpdir_;
+  std::string jmd_;
+  std::string backup_;
+  RecordingOperator op_;
+  JmdService service_;
+};
+
+TEST(JmdBackupName, CutsTheExtensionOfTheLastComponentOnly) {
+  EXPECT_EQ(jmd_backup_name("/data/jobs.jmd"), "/data/jobs.JBK");
+  EXPECT_EQ(jmd_backup_name("jobs"), "jobs.JBK");
+  EXPECT_EQ(jmd_backup_name("a.b\\jobs"), "a.b\\jobs.JBK");
+  EXPECT_EQ(jmd_backup_name("a.b/jobs"), "a.b/jobs.JBK");
+  EXPECT_EQ(jmd_backup_name("/d/jobs.tar.gz"), "/d/jobs.tar.JBK");
+}
+
+TEST_F(JmdServiceTest, OpensOnceAndKeepsItUntilClosedOrTheInstanceChanges) {
+  EXPECT_FALSE(service_.is_open());
+  jmd::Jmd* first = service_.open(op_);
+  ASSERT_NE(first, nullptr);
+  EXPECT_EQ(first->row_count(jmd::kJobTable), 3);
+  dir_.write("data/jobs.jmd", jmd_text({"ONLY"}));  // not read again while open
+  EXPECT_EQ(service_.open(op_), first);
+  EXPECT_EQ(service_.jmd(), first);
+  EXPECT_EQ(first->row_count(jmd::kJobTable), 3);
+  service_.set_modified(true);
+  EXPECT_TRUE(service_.modified());
+
+  service_.close();
+  EXPECT_FALSE(service_.is_open());
+  EXPECT_FALSE(service_.modified());
+  ASSERT_NE(service_.open(op_), nullptr);
+  EXPECT_EQ(service_.jmd()->row_count(jmd::kJobTable), 1);
+  service_.set_modified(true);
+
+  std::string south_jmd = dir_.write("data/south.jmd", jmd_text({"A", "B"}));
+  use_instance("south", "[Options]\nJMDFileName=" + south_jmd + "\n");
+  EXPECT_FALSE(service_.is_open());
+  EXPECT_FALSE(service_.modified());
+  ASSERT_NE(service_.open(op_), nullptr);
+  EXPECT_EQ(service_.jmd()->row_count(jmd::kJobTable), 2);
+  EXPECT_TRUE(op_.shown().empty());
+}
+
+TEST_F(JmdServiceTest, ProcessServiceClosesItsTablesWhenTheProgramEnds) {
+  EXPECT_EXIT(
+      {
+        bool opened = jmd_service().open(op_) != nullptr && jmd_service().clipboard(op_);
+        std::exit(opened && !files_in("tmp").empty() ? 0 : 1);
+      },
+      ::testing::ExitedWithCode(0), "");
+  EXPECT_TRUE(files_in("tmp").empty());
+}
+
+TEST_F(JmdServiceTest, OpenShowsWhyItFailed) {
+  set_current_instance({"gone", "gone", dir_.file("gone.ini")});
+  EXPECT_EQ(service_.open(op_), nullptr);
+  EXPECT_EQ(op_.shown().back(),
+            (ShownMessage{msg::kIniUnreadable, {display_path(dir_.file("gone.ini"))}}));
+
+  std::string bare = use_instance("bare", "[Options]\nJMDFileName= \n");
+  EXPECT_EQ(service_.open(op_), nullptr);
+  EXPECT_EQ(op_.shown().back(),
+            (ShownMessage{msg::kSettingMissing, {"Options", display_path(bare), "JMDFileName"}}));
+
+  std::string missing = dir_.file("data/missing.jmd");
+  use_instance("lost", "[Options]\nJMDFileName=" + missing + "\n");
+  op_.clear();
+  EXPECT_EQ(service_.open(op_), nullptr);
+  EXPECT_EQ(op_.shown(),
+            (std::vector<ShownMessage>{{jmd::kMsgCannotOpen, {display_path(missing)}},
+                                       {msg::kJmdNotLoaded, {display_path(missing)}}}));
+  EXPECT_FALSE(service_.is_open());
+}
+
+TEST_F(JmdServiceTest, SaveKeepsThePreviousFileAsTheBackup) {
+  ASSERT_NE(service_.open(op_), nullptr);
+  service_.set_modified(true);
+  ASSERT_TRUE(service_.save(op_));
+  EXPECT_FALSE(service_.modified());
+  std::string saved = written_by_writer(kOldJmd);
+  EXPECT_EQ(dir_.read("data/jobs.jmd"), saved);
+  EXPECT_EQ(dir_.read("data/jobs.JBK"), kOldJmd);
+
+  // A second save keeps only the version before it.
+  ASSERT_TRUE(service_.save(op_));
+  EXPECT_EQ(dir_.read("data/jobs.JBK"), saved);
+  EXPECT_EQ(files_in("data"), (std::set<std::string>{"jobs.JBK", "jobs.jmd"}));
+  EXPECT_TRUE(op_.shown().empty());
+
+  service_.close();
+  EXPECT_TRUE(service_.save(op_));  // nothing open: nothing done
+  EXPECT_EQ(dir_.read("data/jobs.JBK"), saved);
+}
+
+TEST_F(JmdServiceTest, SaveOfAJmdNamedLikeItsBackupMakesNoBackup) {
+  std::string odd = dir_.write("data/odd.JBK", kOldJmd);
+  use_instance("odd", "[Options]\nJMDFileName=" + odd + "\n");
+  ASSERT_NE(service_.open(op_), nullptr);
+  ASSERT_TRUE(service_.save(op_));
+  EXPECT_EQ(dir_.read("data/odd.JBK"), written_by_writer(kOldJmd));
+}
+
+TEST_F(JmdServiceTest, FailedSaveLeavesTheJmdAndTheBackupAsTheyWere) {
+  dir_.write("data/jobs.JBK", "old backup\n");
+  ASSERT_NE(service_.open(op_), nullptr);
+  for (auto fault : {FaultyFileSystem::kSync, FaultyFileSystem::kRenameToJmd}) {
+    SCOPED_TRACE(fault);
+    op_.clear();
+    service_.set_modified(true);
+    FaultyFileSystem files(fault);
+    EXPECT_FALSE(service_.save(op_, files));
+    EXPECT_EQ(op_.shown(),
+              (std::vector<ShownMessage>{{msg::kJmdNotWritten, {display_path(jmd_)}}}));
+    EXPECT_TRUE(service_.modified());
+    EXPECT_EQ(dir_.read("data/jobs.jmd"), kOldJmd);
+    EXPECT_EQ(dir_.read("data/jobs.JBK"), "old backup\n");
+    EXPECT_EQ(files_in("data"), (std::set<std::string>{"jobs.JBK", "jobs.jmd"}));
+  }
+}
+
+TEST_F(JmdServiceTest, BackupThatCannotBeMadeDoesNotStopTheSave) {
+  dir_.write("data/jobs.JBK", "old backup\n");
+  ASSERT_NE(service_.open(op_), nullptr);
+  for (auto fault : {FaultyFileSystem::kKeepCopy, FaultyFileSystem::kRenameToBackup}) {
+    SCOPED_TRACE(fault);
+    dir_.write("data/jobs.jmd", kOldJmd);
+    FaultyFileSystem files(fault);
+    EXPECT_TRUE(service_.save(op_, files));
+    EXPECT_EQ(dir_.read("data/jobs.jmd"), written_by_writer(kOldJmd));
+    EXPECT_EQ(dir_.read("data/jobs.JBK"), "old backup\n");
+    EXPECT_EQ(files_in("data"), (std::set<std::string>{"jobs.JBK", "jobs.jmd"}));
+  }
+  EXPECT_TRUE(op_.shown().empty());
+}
+
+TEST_F(JmdServiceTest, SaveIntoADirectoryThatCannotTakeFilesFails) {
+  ASSERT_NE(service_.open(op_), nullptr);
+  if (::geteuid() != 0) {  // the superuser writes into read-only directories
+    ::chmod(dir_.file("data").c_str(), 0555);
+    EXPECT_FALSE(service_.save(op_));
+    ::chmod(dir_.file("data").c_str(), 0755);
+    EXPECT_EQ(dir_.read("data/jobs.jmd"), kOldJmd);
+    EXPECT_EQ(files_in("data"), (std::set<std::string>{"jobs.jmd"}));
+  }
+  // The directory gone since the JMD was loaded.
+  std::filesystem::rename(dir_.file("data"), dir_.file("moved"));
+  op_.clear();
+  EXPECT_FALSE(service_.save(op_));
+  EXPECT_EQ(op_.last(), msg::kJmdNotWritten);
+  EXPECT_EQ(files_in("moved"), (std::set<std::string>{"jobs.jmd"}));
+}
+
+TEST_F(JmdServiceTest, JobNamesCompareOnlyNeighbouringRows) {
+  dir_.write("data/jobs.jmd", jmd_text({"A", "A", "B", "A", "C", "C"}));
+  EXPECT_EQ(job_names(), (std::vector<std::string>{"A", "B", "A", "C"}));
+  EXPECT_EQ(service_.job_names(op_), service_.job_names(op_));
+  EXPECT_TRUE(op_.shown().empty());
+
+  // A deleted row no longer separates its neighbours.
+  service_.close();
+  jmd::Jmd* database = service_.open(op_);
+  ASSERT_NE(database, nullptr);
+  engine::Table& jobs = database->table(jmd::kJobTable);
+  ASSERT_TRUE(jobs.add_index(1));            // FormName, as the editors' queries build it
+  ASSERT_TRUE(jobs.delete_index_row(3, 1));  // the B row
+  EXPECT_EQ(job_names(), (std::vector<std::string>{"A", "C"}));
+}
+
+TEST_F(JmdServiceTest, ClipboardIsMadeOnFirstUseAndEmptiedOnRequest) {
+  engine::Table* clipboard = service_.clipboard(op_);
+  ASSERT_NE(clipboard, nullptr);
+  EXPECT_EQ(service_.clipboard(op_), clipboard);
+  EXPECT_EQ(clipboard->record_size(), 328);
+  std::vector<char> step(328, '\0');
+  ASSERT_EQ(clipboard->add_row(std::as_bytes(std::span<const char>(step))), 1);
+  service_.empty_clipboard();
+  EXPECT_EQ(service_.clipboard(op_)->row_count(), 0);
+  ASSERT_NE(service_.job_names(op_), nullptr);
+  EXPECT_FALSE(files_in("tmp").empty());
+  service_.close();
+  EXPECT_TRUE(files_in("tmp").empty());  // the scratch tables' files are gone
+}
+
+TEST_F(JmdServiceTest, ScratchTablesThatCannotBeMadeAreReported) {
+  ASSERT_NE(service_.open(op_), nullptr);
+  // The engine's other six table slots taken.
+  std::vector<engine::Table> others;
+  for (int i = 0; i < 6; ++i) {
+    others.push_back(engine::Table::open(dir_.file("tmp/other" + std::to_string(i) + ".tmp"), 8,
+                                         engine::kOpenNew, {}));
+    ASSERT_TRUE(others.back());
+  }
+  EXPECT_EQ(service_.job_names(op_), nullptr);
+  EXPECT_EQ(op_.last(), msg::kJobNamesNotCreated);
+  EXPECT_EQ(service_.clipboard(op_), nullptr);
+  EXPECT_EQ(op_.last(), msg::kClipboardNotCreated);
+  others.pop_back();
+  EXPECT_NE(service_.clipboard(op_), nullptr);
+}
+
+TEST_F(JmdServiceTest, PrinterNamesLeaveTheJmdAsTheyFoundIt) {
+  EXPECT_EQ(jmd_printer_names(service_, op_), (std::vector<std::string>{"LASER1", "LASER2"}));
+  EXPECT_FALSE(service_.is_open());
+
+  jmd::Jmd* database = service_.open(op_);
+  service_.set_modified(true);
+  EXPECT_TRUE(jmd_printer_names(service_, op_));
+  EXPECT_EQ(service_.jmd(), database);
+  EXPECT_TRUE(service_.modified());
+
+  use_instance("lost", "[Options]\nJMDFileName=" + dir_.file("nothing.jmd") + "\n");
+  EXPECT_EQ(jmd_printer_names(service_, op_), std::nullopt);
+  EXPECT_EQ(op_.last(), msg::kJmdNotLoaded);
+}
+
+}  // namespace
+}  // namespace px
