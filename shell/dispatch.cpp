@@ -1,0 +1,61 @@
+#include "shell/dispatch.h"
+
+#include "control/agents.h"
+#include "control/control_commands.h"
+#include "shell/about_dialog.h"
+#include "shell/documentation.h"
+#include "shell/may_end.h"
+#include "shell/select_instance_dialog.h"
+#include "toolkit/resources/resource_ids.h"
+
+namespace px::shell {
+
+namespace {
+
+// The control actions, each run on the current instance.
+Outcome (*control_action(int command))(const ControlContext&) {
+  switch (command) {
+    case tk::kCmdStartServer: return &start_server;
+    case tk::kCmdStartEmail: return &start_email_agent;
+    case tk::kCmdShutDownEmail: return &stop_email_agent;
+    case tk::kCmdShutDownServer: return &shut_down_server;
+    case tk::kCmdReloadPrinter: return &printer_reload;
+    case tk::kCmdReloadJmd: return &job_table_reload;
+    case tk::kCmdResumeServer: return &resume_server;
+    case tk::kCmdPauseServer: return &pause_server;
+    default: return nullptr;
+  }
+}
+
+}  // namespace
+
+bool dispatch_command(Console& console, const tk::Event& event) {
+  if (auto action = control_action(event.command)) {
+    action(console.control_context());
+    return true;
+  }
+  switch (event.command) {
+    case tk::kCmdSelectInstance:
+      if (may_program_end(console)) run_select_instance_dialog(console);
+      return true;
+    case tk::kCmdExit:
+      if (may_program_end(console)) event.window.destroy();
+      return true;
+    case tk::kCmdAbout:
+      run_about_dialog(console);
+      return true;
+    case tk::kCmdViewDocumentation:
+      open_documentation(console.runner(), console.program_path());
+      return true;
+    case tk::kCmdKnowledgeBase:
+      open_knowledge_base(console.runner());
+      return true;
+    case tk::kCmdSave:
+      save_database(console);
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace px::shell

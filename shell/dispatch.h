@@ -1,0 +1,22 @@
+// The task window's menu commands: each command id to the action that
+// performs it. Ids whose windows come with the views, the editors and the
+// configuration dialogs are not handled here; unknown ids are ignored.
+//
+//   1006 Select Instance   after the may-the-program-end check, dialog 102
+//   1008 Exit              after the may-the-program-end check, the end
+//   1009 / 1011            start Nexa / the E-mail Agent
+//   1035                   stop the E-mail Agent
+//   1023 1024 1025 1026 1037   the control jobs Shut Down Server, Printer
+//                          Reload, Job Table Reload, Resume and Pause Server
+//   1031 About, 1039 the manual, 1040 the knowledge-base page, 1047 Save
+#pragma once
+
+#include "shell/console.h"
+
+namespace px::shell {
+
+// Performs the command of a menu-command event of the task window; true
+// when the id is one handled here.
+bool dispatch_command(Console& console, const tk::Event& event);
+
+}  // namespace px::shell

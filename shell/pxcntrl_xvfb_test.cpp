@@ -1,0 +1,151 @@
+// pxcntrl as an operator meets it: started on a private demo installation
+// with pxserver-sim serving it, under the X server of xvfb-run. The test
+// finds the console's window by its title, pauses Nexa through the Control
+// menu's mnemonics, opens the help with F1, and leaves through File, Exit. Screenshots of the
+// console go to PX_SCREENSHOT_DIR for people to look at.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <QGuiApplication>
+#include <QPixmap>
+#include <QScreen>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "tests/live_installation.h"
+
+namespace px {
+namespace {
+
+constexpr const char* kTitleStart = "Velmar Nexa Output Server - ";
+
+// Runs xdotool with args; its standard output without the last line end.
+std::string xdotool(const std::vector<std::string>& args) {
+  ProgramResult result = run_program("/usr/bin/xdotool", args, ".");
+  std::string out = result.out;
+  while (!out.empty() && (out.back() == '\n' || out.back() == '\r')) out.pop_back();
+  return out;
+}
+
+// Grabs the whole screen into PX_SCREENSHOT_DIR/name.
+bool screenshot(const std::string& name) {
+  std::filesystem::create_directories(PX_SCREENSHOT_DIR);
+  QScreen* screen = QGuiApplication::primaryScreen();
+  return screen != nullptr &&
+         screen->grabWindow(0).save(QString::fromStdString(std::string(PX_SCREENSHOT_DIR "/") + name));
+}
+
+class PxcntrlUnderX : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_NE(std::getenv("DISPLAY"), nullptr) << "run under xvfb-run";
+    ASSERT_TRUE(live.start_simulator({"--port", "0", "--stopped", "south", "north", "south"}))
+        << live.simulator_log();
+    ASSERT_EQ(live.state(), "3\trunning");
+  }
+
+  void TearDown() override {
+    if (console_ > 0) {
+      kill(console_, SIGTERM);
+      waitpid(console_, nullptr, 0);
+    }
+  }
+
+  // Starts pxcntrl in the installation's directory.
+  void start_console() {
+    std::filesystem::copy_file(PX_SOURCE_DIR "/demo/pxcntrl.html", live.path("pxcntrl.html"));
+    std::string program = PXCNTRL_PATH;
+    std::string ini = "-aii" + live.path("pxcntrl.ini");
+    std::string directory = live.path("");
+    console_ = fork();
+    if (console_ == 0) {
+      if (chdir(directory.c_str()) != 0) _exit(126);
+      execl(program.c_str(), program.c_str(), ini.c_str(), static_cast<char*>(nullptr));
+      _exit(127);
+    }
+    ASSERT_GT(console_, 0);
+  }
+
+  // The console's exit status once it has ended within the time; -1 if not.
+  int wait_for_end() {
+    int status = 0;
+    bool ended = eventually([&] { return waitpid(console_, &status, WNOHANG) == console_; },
+                            std::chrono::seconds(10));
+    if (!ended) return -1;
+    console_ = -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+
+  // Focuses the window and types each key, as xdotool's key names give them.
+  void keys(const std::string& window, const std::vector<std::string>& names) {
+    xdotool({"windowfocus", "--sync", window});
+    for (const std::string& name : names) {
+      xdotool({"key", "--clearmodifiers", name});
+      usleep(200 * 1000);
+    }
+  }
+
+  LiveInstallation live;
+  pid_t console_ = -1;
+};
+
+TEST_F(PxcntrlUnderX, ShowsTheInstanceInItsTitleAndPausesNexaFromTheMenu) {
+  start_console();
+  std::string window;
+  ASSERT_TRUE(eventually([&] {
+    window = xdotool({"search", "--onlyvisible", "--name", std::string("^") + kTitleStart});
+    return !window.empty();
+  }, std::chrono::seconds(15))) << "no console window";
+  window = window.substr(0, window.find('\n'));
+  EXPECT_EQ(xdotool({"getwindowname", window}),
+            std::string(kTitleStart) + "Nexa Control-Nexa North - orders and invoices");
+  usleep(500 * 1000);  // let it draw before the first picture
+  EXPECT_TRUE(screenshot("pxcntrl.png"));
+
+  // Control (Alt+C), a picture of the open menu, then "P&ause Nexa".
+  keys(window, {"alt+c"});
+  EXPECT_TRUE(screenshot("pxcntrl-control-menu.png"));
+  keys(window, {"a"});
+  EXPECT_TRUE(eventually([&] { return live.state() == "2\tpaused"; }))
+      << "state: " << live.state() << "\nsimulator: " << live.simulator_log();
+  EXPECT_TRUE(eventually([&] {
+    return live.read("north/logs/pxserver.log").find("Pause Server") != std::string::npos;
+  })) << "the server never read the control job";
+
+  // The note "Pause Server was sent" is up; a picture, then Enter closes it.
+  std::string box;
+  EXPECT_TRUE(eventually([&] {
+    box = xdotool({"search", "--onlyvisible", "--name", "^Nexa Control$"});
+    return !box.empty();
+  })) << "no message box";
+  EXPECT_TRUE(screenshot("pxcntrl-pause.png"));
+  if (!box.empty()) keys(box.substr(0, box.find('\n')), {"Return"});
+  EXPECT_TRUE(eventually([&] {
+    return xdotool({"search", "--onlyvisible", "--name", "^Nexa Control$"}).empty();
+  })) << "Enter did not close the message box";
+
+  // F1 opens the help file of the console's directory.
+  keys(window, {"F1"});
+  EXPECT_TRUE(eventually([&] {
+    return !xdotool({"search", "--onlyvisible", "--name", "^Nexa Control$"}).empty();
+  })) << "no help window";
+  usleep(300 * 1000);
+  EXPECT_TRUE(screenshot("pxcntrl-help.png"));
+
+  // File (Alt+F), "E&xit": with no unsaved edits the console ends.
+  keys(window, {"alt+f", "x"});
+  EXPECT_EQ(wait_for_end(), 0);
+}
+
+}  // namespace
+}  // namespace px
+
+int main(int argc, char** argv) {
+  ::testing::InitGoogleTest(&argc, argv);
+  QGuiApplication app(argc, argv);  // for the screenshots
+  return RUN_ALL_TESTS();
+}
