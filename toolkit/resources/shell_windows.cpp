@@ -11,7 +11,7 @@ using K = ControlKind;
 
 // The task window carries the menu bar and nothing else; the shell sets its
 // title to the current instance's once an instance is chosen.
-constexpr WindowDef kTask{kTaskWindow, WindowKind::kTask, "Velmar Nexa Output Server", {320, 200}, {}};
+constexpr WindowDef kTask{kTaskWindow, WindowKind::kTask, "Velmar Nexa Output Server", {480, 300}, {}};
 
 // The splash is drawn by its handler (the product image); the shell places
 // it in the middle of the screen with its own rectangle.
