@@ -63,7 +63,7 @@ TEST_F(EventsTest, TaskWindowCarriesTheMenuBarAndTakesEveryWindowWithIt) {
   tk.shut_down();
   EXPECT_FALSE(view.exists());
   EXPECT_FALSE(tk.running());
-  EXPECT_THAT(rec.take(), ElementsAre("0", "3 640x400", "13 1037", "18 0", "17", "17 query", "6", "1"));
+  EXPECT_THAT(rec.take(), ElementsAre("0", "3 960x600", "13 1037", "18 0", "17", "17 query", "6", "1"));
   EXPECT_EQ(other.lines.back(), "1");
 }
 
