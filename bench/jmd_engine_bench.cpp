@@ -113,6 +113,7 @@ void BM_EngineLoadAndWalk(benchmark::State& state) {
   state.counters["walk_ms"] = walk_ms / static_cast<double>(state.iterations());
   auto io = px::engine::block_cache::counters();
   state.counters["reads"] = static_cast<double>(io.reads) / static_cast<double>(state.iterations());
+  state.counters["maps"] = static_cast<double>(io.maps) / static_cast<double>(state.iterations());
   state.counters["writes"] = static_cast<double>(io.writes) / static_cast<double>(state.iterations());
   px::engine::block_cache::reset_counters();
 }
@@ -140,6 +141,7 @@ void BM_EngineSortedLoadIndexAtQuery(benchmark::State& state) {
   }
   auto io = px::engine::block_cache::counters();
   state.counters["reads"] = static_cast<double>(io.reads) / static_cast<double>(state.iterations());
+  state.counters["maps"] = static_cast<double>(io.maps) / static_cast<double>(state.iterations());
   px::engine::block_cache::reset_counters();
 }
 BENCHMARK(BM_EngineSortedLoadIndexAtQuery)->Arg(100000)->Unit(benchmark::kMillisecond);

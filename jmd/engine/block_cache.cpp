@@ -16,29 +16,29 @@ namespace px::engine {
 
 namespace {
 
-constexpr int kMaxRun = 256;    // blocks written by one call at most
-constexpr int kReadAhead = 32;  // blocks read by one call at most
+constexpr int kMaxRun = 256;  // blocks written by one call at most
 
 struct CacheState {
   std::vector<CacheEntry> entries;  // reserved once; entries never move
   int capacity = kCacheBudget / kCacheEntryCost;
   bool reserved = false;
-  std::array<int, kCacheBuckets> buckets;
+  std::array<int, kCacheBuckets> buckets{};
   int free_head = -1;
   int lru_head = -1;  // most recently used
   int lru_tail = -1;  // least recently used
   int in_use = 0;
   block_cache::Counters counters;
   std::vector<std::pair<long, int>> flush_order;  // reused by flush
-  std::array<iovec, kMaxRun> iov;
+  std::array<iovec, kMaxRun> iov{};
 
-  CacheState() { buckets.fill(-1); }
+  constexpr CacheState() { buckets.fill(-1); }
 };
 
-CacheState& cache() {
-  static CacheState state;
-  return state;
-}
+// The one cache of the process. Initialised before any code runs, so it is
+// there for every VList, however early, and outlives all of them.
+constinit CacheState g_cache;
+
+CacheState& cache() { return g_cache; }
 
 int reverse6(uint32_t bits) {
   int out = 0;
@@ -46,6 +46,12 @@ int reverse6(uint32_t bits) {
     if (bits & (1u << i)) out |= 1 << (5 - i);
   }
   return out;
+}
+
+// The bucket of a block of list (whose reversed sequence bits were worked out
+// when it opened).
+int bucket_in(const VList& list, long block) {
+  return static_cast<int>(block % kCacheBuckets) ^ list.bucket_mix();
 }
 
 int find(const VList& list, long block, int bucket) {
@@ -74,12 +80,22 @@ void lru_push_front(int i) {
   if (c.lru_tail < 0) c.lru_tail = i;
 }
 
+void bucket_push(int i, int bucket) {
+  CacheState& c = cache();
+  CacheEntry& e = c.entries[i];
+  e.bucket_prev = -1;
+  e.bucket_next = c.buckets[bucket];
+  if (e.bucket_next >= 0) c.entries[e.bucket_next].bucket_prev = i;
+  c.buckets[bucket] = i;
+}
+
 void bucket_unlink(int i, int bucket) {
   CacheState& c = cache();
-  int* link = &c.buckets[bucket];
-  while (*link >= 0 && *link != i) link = &c.entries[*link].bucket_next;
-  if (*link == i) *link = c.entries[i].bucket_next;
-  c.entries[i].bucket_next = -1;
+  CacheEntry& e = c.entries[i];
+  if (e.bucket_prev >= 0) c.entries[e.bucket_prev].bucket_next = e.bucket_next;
+  else c.buckets[bucket] = e.bucket_next;
+  if (e.bucket_next >= 0) c.entries[e.bucket_next].bucket_prev = e.bucket_prev;
+  e.bucket_next = e.bucket_prev = -1;
 }
 
 // A free list is sound when its head, if any, is an entry marked free.
@@ -201,13 +217,13 @@ bool write_back(int i) {
   std::array<int, kMaxRun> run;
   long low = block;
   while (block - low < kMaxRun / 2 && low > 0) {
-    int j = find(list, low - 1, block_cache::bucket_of(low - 1, list.sequence()));
+    int j = find(list, low - 1, bucket_in(list, low - 1));
     if (j < 0 || !c.entries[j].dirty) break;
     --low;
   }
   int count = 0;
   for (long b = low; count < kMaxRun; ++b) {
-    int j = b == block ? i : find(list, b, block_cache::bucket_of(b, list.sequence()));
+    int j = b == block ? i : find(list, b, bucket_in(list, b));
     if (j < 0 || !c.entries[j].dirty) break;
     run[count++] = j;
   }
@@ -217,7 +233,7 @@ bool write_back(int i) {
 // Unlinks entry i from its bucket, its VList and the LRU list.
 void detach(int i) {
   CacheState& c = cache();
-  bucket_unlink(i, block_cache::bucket_of(c.entries[i].block, c.entries[i].owner->sequence()));
+  bucket_unlink(i, bucket_in(*c.entries[i].owner, c.entries[i].block));
   lru_unlink(i);
 }
 
@@ -243,14 +259,12 @@ int BlockCache::claim(VList& list, long block) {
     if (victim.owner_next >= 0) c.entries[victim.owner_next].owner_prev = victim.owner_prev;
     --c.in_use;
   }
-  int bucket = block_cache::bucket_of(block, list.sequence_);
   CacheEntry& e = c.entries[i];
   e.owner = &list;
   e.block = block;
   e.state = CacheEntry::kInUse;
   e.dirty = false;
-  e.bucket_next = c.buckets[bucket];
-  c.buckets[bucket] = i;
+  bucket_push(i, bucket_in(list, block));
   e.owner_prev = -1;
   e.owner_next = list.cache_head_;
   if (list.cache_head_ >= 0) c.entries[list.cache_head_].owner_prev = i;
@@ -261,26 +275,39 @@ int BlockCache::claim(VList& list, long block) {
   return i;
 }
 
-// Reads count claimed entries' blocks, which follow each other from first,
-// in one call; whatever the file does not hold in full reads as zeros.
-void BlockCache::read_run(VList& list, long first, const int* indexes, int count) {
+// A block comes from the file's mapping: a copy out of the page cache, with
+// no system call. Only when the file cannot be mapped is it read.
+void BlockCache::load(VList& list, CacheEntry& e) {
   CacheState& c = cache();
-  for (int k = 0; k < count; ++k) {
-    c.iov[k].iov_base = c.entries[indexes[k]].data.data();
-    c.iov[k].iov_len = kBlockSize;
+  int64_t offset = (static_cast<int64_t>(e.block) + 1) * kBlockSize;
+  if (offset + kBlockSize > list.file_size_) {
+    e.data.fill(std::byte{0});
+    return;
   }
-  ++c.counters.reads;
-  ssize_t n;
-  do {
-    n = preadv(list.fd_, c.iov.data(), count, (static_cast<int64_t>(first) + 1) * kBlockSize);
-  } while (n < 0 && errno == EINTR);
-  int whole_blocks = n > 0 ? static_cast<int>(n / kBlockSize) : 0;
-  for (int k = whole_blocks; k < count; ++k) c.entries[indexes[k]].data.fill(std::byte{0});
+  size_t mapped = list.mapping_.length();
+  MappedFile::Copy copied =
+      list.mapping_.copy(list.fd_, offset, e.data.data(), kBlockSize, list.file_size_);
+  if (list.mapping_.length() != mapped) ++c.counters.maps;
+  if (copied == MappedFile::Copy::kDone) return;
+  if (copied == MappedFile::Copy::kUnavailable) {
+    ++c.counters.reads;
+    size_t done = 0;
+    while (done < kBlockSize) {
+      ssize_t n = pread(list.fd_, e.data.data() + done, kBlockSize - done,
+                        offset + static_cast<int64_t>(done));
+      if (n < 0 && errno == EINTR) continue;
+      if (n <= 0) break;
+      done += static_cast<size_t>(n);
+    }
+    if (done == kBlockSize) return;
+  }
+  // Cut short by someone else since the size was taken: the block is gone.
+  e.data.fill(std::byte{0});
 }
 
 CacheEntry* BlockCache::fetch(VList& list, long block, bool whole) {
   CacheState& c = cache();
-  int i = find(list, block, block_cache::bucket_of(block, list.sequence_));
+  int i = find(list, block, bucket_in(list, block));
   if (i >= 0) {
     ++c.counters.hits;
     if (c.lru_head != i) {
@@ -292,36 +319,7 @@ CacheEntry* BlockCache::fetch(VList& list, long block, bool whole) {
   i = claim(list, block);
   if (i < 0) return nullptr;
   CacheEntry& e = c.entries[i];
-  int64_t offset = (static_cast<int64_t>(block) + 1) * kBlockSize;
-  bool sequential = block == list.last_loaded_ + 1;
-  list.last_loaded_ = block;
-  if (whole) return &e;
-  if (offset + kBlockSize > list.file_size_) {
-    e.data.fill(std::byte{0});
-    return &e;
-  }
-  // A block that follows the one loaded last starts a run: the blocks after
-  // it that the file holds and the cache lacks come in with the same read.
-  std::array<int, kReadAhead> run;
-  run[0] = i;
-  int count = 1;
-  if (sequential) {
-    long file_blocks = static_cast<long>(list.file_size_ / kBlockSize) - 1;
-    int limit = std::min(kReadAhead, c.capacity / 4);
-    for (long b = block + 1; count < limit && b < file_blocks; ++b) {
-      if (find(list, b, block_cache::bucket_of(b, list.sequence_)) >= 0) break;
-      int j = claim(list, b);
-      if (j < 0) break;
-      run[count++] = j;
-    }
-  }
-  read_run(list, block, run.data(), count);
-  if (count > 1) {
-    // The block asked for is the one used now; the others wait behind it.
-    lru_unlink(i);
-    lru_push_front(i);
-    list.last_loaded_ = block + count - 1;
-  }
+  if (!whole) load(list, e);
   return &e;
 }
 

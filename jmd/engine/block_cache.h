@@ -3,7 +3,8 @@
 //
 // Entries live in one array reserved once for the whole budget, so an entry
 // never moves. An entry in use sits in its bucket's chain, on its VList's list
-// and on the least-recently-used list; a free entry sits on the free list.
+// and on the least-recently-used list, each linked both ways so that an entry
+// leaves them at once; a free entry sits on the free list.
 #pragma once
 
 #include <array>
@@ -21,6 +22,7 @@ struct CacheEntry {
   State state = kUnused;
   bool dirty = false;
   int bucket_next = -1;   // next in the bucket chain, or on the free list
+  int bucket_prev = -1;   // previous in the bucket chain (-1: first)
   int owner_prev = -1;
   int owner_next = -1;
   int lru_prev = -1;      // towards the most recently used
@@ -45,8 +47,9 @@ class BlockCache {
   static bool write_run(VList& list, const int* indexes, int count);
   // Claims an entry for a block that is not cached; -1 when none is free.
   static int claim(VList& list, long block);
-  // Reads the blocks of count claimed entries, first and on, in one call.
-  static void read_run(VList& list, long first, const int* indexes, int count);
+  // Fills a claimed entry with its block: from the file's mapping, or read
+  // when no mapping can be had; zeros for what the file does not hold.
+  static void load(VList& list, CacheEntry& entry);
   // Writes n bytes at offset, keeping the list's file size in step.
   static bool write_at(VList& list, const void* data, size_t n, int64_t offset);
 };

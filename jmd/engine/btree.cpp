@@ -64,8 +64,6 @@ bool BTree::close() {
     file_->close();
   }
   mirror_.clear();
-  mirrored_.clear();
-  dirty_.clear();
   return true;
 }
 
@@ -77,14 +75,22 @@ bool BTree::flush() {
 
 bool BTree::write_dirty_nodes() {
   bool ok = true;
-  for (size_t n = 0; n < dirty_.size(); ++n) {
-    if (!dirty_[n]) continue;
-    if (!file_->put(static_cast<long>(n), bytes_of(mirror_[n]))) {
-      report(true, __LINE__, static_cast<long>(n));
-      ok = false;
-      continue;
+  for (size_t t = 0; t < mirror_.size(); ++t) {
+    if (!mirror_[t]) continue;
+    for (long c = 0; c < kChunkTable; ++c) {
+      MirrorChunk* chunk = (*mirror_[t])[c].get();
+      if (chunk == nullptr || chunk->dirty.none()) continue;
+      long first = (static_cast<long>(t) * kChunkTable + c) * kMirrorChunk;
+      for (long i = 0; i < kMirrorChunk; ++i) {
+        if (!chunk->dirty[i]) continue;
+        if (!file_->put(first + i, bytes_of(chunk->nodes[i]))) {
+          report(true, __LINE__, first + i);
+          ok = false;
+          continue;
+        }
+        chunk->dirty[i] = false;
+      }
     }
-    dirty_[n] = false;
   }
   return ok;
 }
@@ -102,35 +108,63 @@ void BTree::report(bool write, int line, long n) const {
   report_text(text);
 }
 
-void BTree::remember(long n, const BTreeNode& node, bool dirty) {
-  size_t i = static_cast<size_t>(n);
-  if (mirror_.size() <= i) {
-    size_t size = std::max<size_t>(i + 1, mirror_.size() * 2);
-    mirror_.resize(size);
-    mirrored_.resize(size, false);
-    dirty_.resize(size, false);
-  }
-  mirror_[i] = node;
-  mirrored_[i] = true;
-  dirty_[i] = dirty;
+BTree::MirrorChunk* BTree::chunk_of(long n) const {
+  if (n < 0) return nullptr;
+  size_t t = static_cast<size_t>(n / (kMirrorChunk * kChunkTable));
+  if (t >= mirror_.size() || !mirror_[t]) return nullptr;
+  return (*mirror_[t])[(n / kMirrorChunk) % kChunkTable].get();
 }
 
+BTreeNode* BTree::kept(long n) {
+  MirrorChunk* chunk = chunk_of(n);
+  if (chunk == nullptr || !chunk->kept[n % kMirrorChunk]) return nullptr;
+  return &chunk->nodes[n % kMirrorChunk];
+}
+
+bool BTree::remember(long n, const BTreeNode& node, bool dirty) {
+  if (n < 0) return false;
+  MirrorChunk* chunk = chunk_of(n);
+  if (chunk == nullptr) {
+    size_t t = static_cast<size_t>(n / (kMirrorChunk * kChunkTable));
+    try {
+      if (mirror_.size() <= t) mirror_.resize(t + 1);
+      if (!mirror_[t]) mirror_[t] = std::make_unique<ChunkTable>();
+      auto& slot = (*mirror_[t])[(n / kMirrorChunk) % kChunkTable];
+      slot = std::make_unique<MirrorChunk>();
+      chunk = slot.get();
+    } catch (const std::bad_alloc&) {
+      return false;
+    }
+  }
+  chunk->nodes[n % kMirrorChunk] = node;
+  chunk->kept[n % kMirrorChunk] = true;
+  chunk->dirty[n % kMirrorChunk] = dirty;
+  return true;
+}
+
+void BTree::mark_dirty(long n) { chunk_of(n)->dirty[n % kMirrorChunk] = true; }
+
 void BTree::forget_node(long n) {
-  if (static_cast<size_t>(n) < mirrored_.size()) mirrored_[n] = dirty_[n] = false;
+  if (MirrorChunk* chunk = chunk_of(n)) {
+    chunk->kept[n % kMirrorChunk] = false;
+    chunk->dirty[n % kMirrorChunk] = false;
+  }
 }
 
 const BTreeNode* BTree::view(long n, int line) {
-  if (valid_node(n) && static_cast<size_t>(n) < mirrored_.size() && mirrored_[n]) {
-    return &mirror_[n];
+  if (valid_node(n)) {
+    if (const BTreeNode* node = kept(n)) return node;
   }
   BTreeNode node;
-  return read(n, node, line) ? &mirror_[n] : nullptr;
+  return read(n, node, line) ? kept(n) : nullptr;
 }
 
 bool BTree::read(long n, BTreeNode& out, int line) {
-  if (valid_node(n) && static_cast<size_t>(n) < mirrored_.size() && mirrored_[n]) {
-    out = mirror_[n];
-    return true;
+  if (valid_node(n)) {
+    if (const BTreeNode* node = kept(n)) {
+      out = *node;
+      return true;
+    }
   }
   if (!valid_node(n) || !file_->get(n, bytes_of(out))) {
     report(false, line, n);
@@ -144,22 +178,20 @@ bool BTree::read(long n, BTreeNode& out, int line) {
     int32_t child = out.entries[i].child;
     sound = valid_node(child) && child != kRootNode && child != n;
   }
-  if (!sound) {
+  if (!sound || !remember(n, out, false)) {
     report(false, line, n);
     return false;
   }
-  remember(n, out, false);
   return true;
 }
 
 bool BTree::read_node(long n, BTreeNode& out, int line) { return read(n, out, line); }
 
 bool BTree::write(long n, const BTreeNode& node, int line) {
-  if (!valid_node(n)) {
+  if (!valid_node(n) || !remember(n, node, true)) {
     report(true, line, n);
     return false;
   }
-  remember(n, node, true);
   return true;
 }
 

@@ -29,6 +29,7 @@
 #pragma once
 
 #include <array>
+#include <bitset>
 #include <cstdint>
 #include <memory>
 #include <string_view>
@@ -169,7 +170,8 @@ class BTree {
 
   // Node input and output; line is the caller's source line for the report.
   bool read(long n, BTreeNode& out, int line);
-  // The node itself, without a copy; valid until the next read or write.
+  // The node's kept copy itself, without copying; the pointer stays valid
+  // until the tree is closed (what it shows changes with later writes).
   const BTreeNode* view(long n, int line);
   bool write(long n, const BTreeNode& node, int line);
   void report(bool write, int line, long n) const;
@@ -208,11 +210,26 @@ class BTree {
   // Copies of the nodes read or written so far, so that the tree's work does
   // not go through the block cache. Written nodes are marked dirty and reach
   // the file, lowest node first, on flush and on close (a file that close
-  // deletes is spared them).
-  std::vector<BTreeNode> mirror_;
-  std::vector<bool> mirrored_;
-  std::vector<bool> dirty_;
-  void remember(long n, const BTreeNode& node, bool dirty);
+  // deletes is spared them). The copies are kept in chunks of kMirrorChunk
+  // nodes, each made when a node in it is first kept, found through tables
+  // of kChunkTable chunks: a copy never moves, and node numbers far apart
+  // (as a damaged file gives) cost only the chunks and tables they touch.
+  static constexpr long kMirrorChunk = 128;
+  static constexpr long kChunkTable = 4096;
+  struct MirrorChunk {
+    std::array<BTreeNode, kMirrorChunk> nodes;
+    std::bitset<kMirrorChunk> kept;
+    std::bitset<kMirrorChunk> dirty;
+  };
+  using ChunkTable = std::array<std::unique_ptr<MirrorChunk>, kChunkTable>;
+  std::vector<std::unique_ptr<ChunkTable>> mirror_;
+  // The chunk that holds node n; nullptr when there is none yet.
+  MirrorChunk* chunk_of(long n) const;
+  // The kept copy of node n; nullptr when there is none.
+  BTreeNode* kept(long n);
+  // Keeps a copy of node n, dirty or clean; false when memory runs out.
+  bool remember(long n, const BTreeNode& node, bool dirty);
+  void mark_dirty(long n);
   void forget_node(long n);
   bool write_dirty_nodes();
 

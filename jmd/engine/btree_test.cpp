@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <string>
 #include <set>
 #include <utility>
 #include <vector>
@@ -371,6 +372,26 @@ TEST_F(BTreeTest, DamagedNodesFailWithTheirReport) {
   int seen = 0;
   while (c.next(e)) ++seen;
   EXPECT_LT(seen, 300);
+}
+
+// A file whose header claims far more nodes than it holds: new nodes get
+// numbers that high, and keeping copies of them must cost only what is used.
+TEST_F(BTreeTest, NodeNumbersFarBeyondTheFileCostOnlyWhatIsUsed) {
+  std::string path = dir_.file("sparse.i01");
+  { ASSERT_TRUE(BTree::open(path, kVListCreateIfMissing, compare_)); }
+  std::string file = dir_.read("sparse.i01");
+  ASSERT_GE(file.size(), 104u);
+  const uint32_t claimed = 40'000'000;  // nodes of 1024 bytes: 40 GB if kept flat
+  for (int i = 0; i < 4; ++i) file[48 + i] = static_cast<char>(claimed >> (8 * i));
+  dir_.write("sparse.i01", file);
+  auto tree = BTree::open(path, kVListCreateIfMissing, compare_);
+  ASSERT_TRUE(tree);
+  ASSERT_EQ(tree->node_count(), static_cast<long>(claimed));
+  for (int k = 0; k < 200; ++k) ASSERT_EQ(tree->insert(k, k), BTree::Insert::kInserted) << k;
+  EXPECT_GT(tree->node_count(), static_cast<long>(claimed));
+  std::vector<Pair> expected;
+  for (int k = 0; k < 200; ++k) expected.emplace_back(k, k);
+  EXPECT_EQ(walk_forward(*tree), expected);
 }
 
 }  // namespace

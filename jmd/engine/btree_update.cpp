@@ -69,6 +69,13 @@ BTree::Insert BTree::insert_into(int32_t n, const BTreeEntry& entry, int depth, 
       if (r == kCompareError) return Insert::kFailed;
       if (r == 0) return Insert::kDuplicate;
     }
+    // A leaf with room takes the entry in its kept copy, the node view()
+    // showed, which is then marked for writing.
+    if (v->count < kNodeCapacity) {
+      insert_entry(n, *kept(n), pos, entry);
+      mark_dirty(n);
+      return Insert::kInserted;
+    }
     BTreeNode node;
     if (!read(n, node, __LINE__)) return Insert::kFailed;
     return place(n, node, pos, entry, split) ? Insert::kInserted : Insert::kFailed;

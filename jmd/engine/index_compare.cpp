@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <new>
 
 #include "jmd/engine/table_internal.h"
 
@@ -51,6 +52,23 @@ int compare_keys(int32_t type, int32_t a, int32_t b) {
     default:
       return kCompareError;
   }
+}
+
+// memcmp() of 16 bytes as two big-endian words: the bytes in order, without
+// a call.
+int compare_16(const std::byte* a, const std::byte* b) {
+  for (int half = 0; half < 2; ++half) {
+    uint64_t x = load<uint64_t>(a + 8 * half);
+    uint64_t y = load<uint64_t>(b + 8 * half);
+    if (x != y) {
+      if constexpr (std::endian::native == std::endian::little) {
+        x = __builtin_bswap64(x);
+        y = __builtin_bswap64(y);
+      }
+      return x < y ? -1 : 1;
+    }
+  }
+  return 0;
 }
 
 }  // namespace
@@ -147,51 +165,145 @@ int compare_canonical(const ColumnDef& column, const std::byte* a, const std::by
   return compare_full(column, a, b);
 }
 
-void ValueCache::store(long row, const std::byte* value) {
-  size_t at = static_cast<size_t>(row) * width_;
-  if (bytes_.size() < at + width_) bytes_.resize(at + width_);
-  make_canonical(*column_, value, bytes_.data() + at);
+void ValueCache::reset(const ColumnDef& column) {
+  clear();
+  column_ = &column;
+  width_ = column.width;
+  bool text = column.type >= kTypeString && column.type <= kTypeTextNoCase;
+  prefix_width_ = text ? std::min(width_, kPrefixWidth) : 0;
 }
 
+void ValueCache::reserve(long rows) {
+  size_t count = static_cast<size_t>(rows) + 1;
+  try {
+    if (prefix_width_ == 0) {
+      bytes_.reserve(count * width_);
+    } else {
+      prefixes_.reserve(count * prefix_width_);
+      if (width_ > prefix_width_) whole_at_.reserve(count);
+    }
+  } catch (const std::bad_alloc&) {
+    // store() grows the copies row by row instead
+  }
+}
+
+void ValueCache::store(long row, const std::byte* value) {
+  size_t r = static_cast<size_t>(row);
+  if (prefix_width_ == 0) {
+    if (bytes_.size() < (r + 1) * width_) bytes_.resize((r + 1) * width_);
+    make_canonical(*column_, value, bytes_.data() + r * width_);
+    return;
+  }
+  if (prefixes_.size() < (r + 1) * prefix_width_) prefixes_.resize((r + 1) * prefix_width_);
+  std::byte* head = prefixes_.data() + r * prefix_width_;
+  if (width_ == prefix_width_) {
+    make_canonical(*column_, value, head);
+    return;
+  }
+  if (whole_at_.size() < r + 1) whole_at_.resize(r + 1, kNoWhole);
+  if (strnlen(reinterpret_cast<const char*>(value), width_) < prefix_width_) {
+    // The text ends within the first bytes: they hold all of it.
+    ColumnDef first_bytes = *column_;
+    first_bytes.width = prefix_width_;
+    make_canonical(first_bytes, value, head);
+    whole_at_[r] = kNoWhole;
+    return;
+  }
+  if (whole_at_[r] == kNoWhole) {
+    whole_at_[r] = static_cast<uint32_t>(bytes_.size() / width_);
+    bytes_.resize(bytes_.size() + width_);
+  }
+  std::byte* whole = bytes_.data() + static_cast<size_t>(whole_at_[r]) * width_;
+  make_canonical(*column_, value, whole);
+  std::memcpy(head, whole, prefix_width_);
+}
+
+const std::byte* ValueCache::value(long row, std::vector<std::byte>& scratch) const {
+  size_t r = static_cast<size_t>(row);
+  if (width_ == 0) return nullptr;
+  if (prefix_width_ == 0) {
+    return (r + 1) * width_ <= bytes_.size() ? bytes_.data() + r * width_ : nullptr;
+  }
+  const std::byte* head = prefix(row);
+  if (head == nullptr || width_ == prefix_width_) return head;
+  if (r < whole_at_.size() && whole_at_[r] != kNoWhole) {
+    return bytes_.data() + static_cast<size_t>(whole_at_[r]) * width_;
+  }
+  scratch.assign(width_, std::byte{0});
+  std::memcpy(scratch.data(), head, prefix_width_);
+  return scratch.data();
+}
+
+IndexCompare::IndexCompare(TableState& table, int column)
+    : table_(table), column_def_(table.column(column)), values_(table.values[column]) {}
+
 void IndexCompare::set_bound(const std::byte* value) {
-  const ColumnDef& column = table_.column(column_);
+  const ColumnDef& column = column_def_;
   bound_.resize(column.width);
   make_canonical(column, value, bound_.data());
 }
 
-const std::byte* IndexCompare::value_of(int32_t row, std::vector<std::byte>& canonical) {
-  const ColumnDef& column = table_.column(column_);
+// The canonical value of row: the bound for row 0, else the value cache's
+// copy (put together in canonical when the cache keeps only its first
+// bytes); only a row the cache lacks is read and made canonical there.
+const std::byte* IndexCompare::value_of(const ColumnDef& column, int32_t row,
+                                        std::vector<std::byte>& canonical) {
   if (row == 0) return bound_.size() == column.width ? bound_.data() : nullptr;
-  const ValueCache& cache = table_.values[column_];
-  if (cache.active()) {
-    if (const std::byte* v = cache.value(row)) return v;
-  }
+  if (const std::byte* v = values_.value(row, canonical)) return v;
   if (!read_record(table_, row, table_.work_a)) return nullptr;
   canonical.resize(column.width);
   make_canonical(column, table_.work_a.data() + column.position, canonical.data());
   return canonical.data();
 }
 
-int IndexCompare::compare_values(const BTreeEntry& a, const BTreeEntry& b) {
-  const ColumnDef& column = table_.column(column_);
-  int r = compare_keys(column.type, a.key, b.key);
-  if (r != 0 || !compares_values(column.type)) return r;
-  const std::byte* va = value_of(a.row, canonical_a_);
-  const std::byte* vb = value_of(b.row, canonical_b_);
+// The first bytes of row's canonical value: from the compact array when it
+// holds them, else the start of the whole value.
+const std::byte* IndexCompare::prefix_of(const ColumnDef& column, int32_t row,
+                                         std::vector<std::byte>& canonical) {
+  if (row != 0) {
+    if (const std::byte* p = values_.prefix(row)) return p;
+  }
+  return value_of(column, row, canonical);
+}
+
+// Orders the canonical values of two entries whose keys are equal. Texts are
+// compared by their first bytes first: those settle the order unless they
+// are equal, and equal ones that end in NUL mean equal values (a canonical
+// text is zero-filled after its end). Only then is the rest compared.
+int IndexCompare::value_order(const ColumnDef& column, const BTreeEntry& a,
+                              const BTreeEntry& b) {
+  uint32_t head = values_.prefix_width();
+  if (head > 0) {
+    const std::byte* pa = prefix_of(column, a.row, canonical_a_);
+    const std::byte* pb = prefix_of(column, b.row, canonical_b_);
+    if (pa == nullptr || pb == nullptr) return kCompareError;
+    int r = head == ValueCache::kPrefixWidth ? compare_16(pa, pb) : std::memcmp(pa, pb, head);
+    if (r != 0) return r < 0 ? -1 : 1;
+    if (head == column.width || pa[head - 1] == std::byte{0}) return 0;
+  }
+  const std::byte* va = value_of(column, a.row, canonical_a_);
+  const std::byte* vb = value_of(column, b.row, canonical_b_);
   if (va == nullptr || vb == nullptr) return kCompareError;
   return compare_canonical(column, va, vb);
 }
 
+// Keys first; equal keys of a type compared by value then compare the
+// canonical values.
+int IndexCompare::compare_values(const BTreeEntry& a, const BTreeEntry& b) {
+  const ColumnDef& column = column_def_;
+  int r = compare_keys(column.type, a.key, b.key);
+  if (r != 0 || !compares_values(column.type)) return r;
+  return value_order(column, a, b);
+}
+
 int IndexCompare::compare(const BTreeEntry& a, const BTreeEntry& b) {
-  const ColumnDef& column = table_.column(column_);
+  const ColumnDef& column = column_def_;
   int r = compare_keys(column.type, a.key, b.key);
   if (r != 0) return r;
   if (a.row == b.row && a.row != 0) return 0;
   if (compares_values(column.type)) {
-    const std::byte* va = value_of(a.row, canonical_a_);
-    const std::byte* vb = value_of(b.row, canonical_b_);
-    if (va == nullptr || vb == nullptr) return kCompareError;
-    r = compare_canonical(column, va, vb);
+    r = value_order(column, a, b);
+    if (r == kCompareError) return r;
   }
   if (r == 0 && !(column.flags & kUniqueKey)) r = order(a.row, b.row);
   return r;

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstring>
 #include <vector>
 
 #include "jmd/engine/table.h"
@@ -133,6 +135,63 @@ TEST_F(QueryTest, ClosedTableEndsItsQueries) {
   table_.close();
   EXPECT_EQ(q.next(), 0);
   EXPECT_EQ(q.current(), 0);
+}
+
+// Texts that agree in their first sixteen bytes are ordered by the rest;
+// shorter ones, and those that end right there, come first.
+TEST_F(EngineTest, LongTextsOrderPastTheirFirstSixteenBytes) {
+  Table table = open_printers();
+  ASSERT_TRUE(table);
+  const char* comments[] = {"Shared first sixteen B", "shared first sixteen a",
+                            "SHARED FIRST SIX",       "shared first si",
+                            "Shared First Sixteen A", "Zed",
+                            "shared first sixteen"};
+  const char* names[] = {"p1", "p2", "p3", "p4", "p5", "p6", "p7"};
+  for (int i = 0; i < 7; ++i) {
+    Printer p = printer(names[i], "X", 0);
+    std::strcpy(p.comment, comments[i]);
+    ASSERT_EQ(table.add_row(record_bytes(p)), i + 1);
+  }
+  const int comment = 4;
+  EXPECT_EQ(rows_of(table, comment), (std::vector<long>{4, 3, 7, 2, 5, 1, 6}));
+  EXPECT_EQ(rows_of(table, comment, Value("SHARED FIRST SIXTEEN A"), true),
+            (std::vector<long>{2, 5}));
+  EXPECT_EQ(rows_of(table, comment, Value("shared first sixteen b")), (std::vector<long>{1, 6}));
+  EXPECT_EQ(rows_of(table, comment, Value("shared first six"), true), (std::vector<long>{3}));
+
+  // A long text made short and a short one made long move to their places.
+  Printer p{};
+  ASSERT_TRUE(table.get_row(1, record_bytes(p)));
+  std::strcpy(p.comment, "A");
+  ASSERT_TRUE(table.update_row(1, record_bytes(p)));
+  ASSERT_TRUE(table.get_row(4, record_bytes(p)));
+  std::strcpy(p.comment, "shared first sixteen C and more");
+  ASSERT_TRUE(table.update_row(4, record_bytes(p)));
+  EXPECT_EQ(rows_of(table, comment), (std::vector<long>{1, 3, 7, 2, 5, 4, 6}));
+  EXPECT_EQ(rows_of(table, comment, Value("Shared first sixteen c AND MORE"), true),
+            (std::vector<long>{4}));
+}
+
+// A unique text column refuses a value equal to another without regard to
+// case, however far into the text they first differ in case only.
+TEST_F(EngineTest, UniqueLongTextsRefuseEqualValuesPastSixteenBytes) {
+  static const ColumnDef columns[] = {
+      {"Comment", offsetof(Printer, comment), 40, kTypeTextNoCase, kUniqueKey, nullptr},
+  };
+  Table table = Table::open("notes.tmp", sizeof(Printer), kOpenNew, columns);
+  ASSERT_TRUE(table);
+  Printer p = printer("a", "X", 0);
+  std::strcpy(p.comment, "seventeen letters long text");
+  ASSERT_EQ(table.add_row(record_bytes(p)), 1);
+  std::strcpy(p.comment, "seventeen letters long texT");
+  EXPECT_EQ(table.add_row(record_bytes(p)), 0);
+  std::strcpy(p.comment, "seventeen letters long texts");
+  EXPECT_EQ(table.add_row(record_bytes(p)), 2);
+  std::strcpy(p.comment, "SEVENTEEN");
+  EXPECT_EQ(table.add_row(record_bytes(p)), 3);
+  std::strcpy(p.comment, "Seventeen");
+  EXPECT_EQ(table.add_row(record_bytes(p)), 0);
+  EXPECT_EQ(rows_of(table, 0), (std::vector<long>{3, 1, 2}));
 }
 
 }  // namespace

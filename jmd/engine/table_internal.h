@@ -26,36 +26,57 @@ struct TableState;
 // records. Kept for indexed columns whose comparison needs the full value
 // (types 10 to 15), in the form compare_canonical() takes: texts cut at their
 // NUL and zero-filled to the width, lowered for the case-insensitive types.
+//
+// Texts (types 11 to 14) are kept compactly: the first kPrefixWidth bytes of
+// every value in one array, and the whole value only of those that run on
+// past them. Most comparisons are settled by the first bytes, so an index
+// build over many rows touches little memory.
 class ValueCache {
  public:
-  void reset(const ColumnDef& column) {
-    column_ = &column;
-    width_ = column.width;
-    bytes_.clear();
-  }
+  static constexpr uint32_t kPrefixWidth = 16;
+
+  void reset(const ColumnDef& column);
   bool active() const { return width_ > 0; }
   // Stores the value as it lies in a record.
   void store(long row, const std::byte* value);
-  const std::byte* value(long row) const {
-    size_t at = static_cast<size_t>(row) * width_;
-    return at + width_ <= bytes_.size() ? bytes_.data() + at : nullptr;
+  // Makes room for rows 0 to rows at once (a hint: nothing when memory is
+  // short, store() then grows as it goes).
+  void reserve(long rows);
+  // The stored value of row, whole; a text kept only by its first bytes is
+  // put together in scratch. nullptr when the cache is not active or does
+  // not reach that row.
+  const std::byte* value(long row, std::vector<std::byte>& scratch) const;
+  // Bytes of each value kept in the array of first bytes; 0 when there is
+  // none (the cache is not active or the type is not a text).
+  uint32_t prefix_width() const { return prefix_width_; }
+  // The first prefix_width() bytes of row's value; nullptr when there are
+  // none or the cache does not reach that row.
+  const std::byte* prefix(long row) const {
+    size_t at = static_cast<size_t>(row) * prefix_width_;
+    return prefix_width_ > 0 && at + prefix_width_ <= prefixes_.size() ? prefixes_.data() + at
+                                                                       : nullptr;
   }
-  void clear() {
-    width_ = 0;
-    bytes_.clear();
-  }
+  void clear() { *this = ValueCache(); }
 
  private:
+  static constexpr uint32_t kNoWhole = UINT32_MAX;
   const ColumnDef* column_ = nullptr;
   uint32_t width_ = 0;
-  std::vector<std::byte> bytes_;
+  uint32_t prefix_width_ = 0;
+  std::vector<std::byte> bytes_;     // whole values: every row's, or (texts)
+                                     // those that run on past the first bytes
+  std::vector<std::byte> prefixes_;  // texts: the first bytes of every row's value
+  std::vector<uint32_t> whole_at_;   // texts: the row's place in bytes_, or
+                                     // kNoWhole (a place is kept for good)
 };
 
 // The index comparison of one column of one table: entries are (key, row);
 // row 0 stands for the bound value set in the comparison context.
 class IndexCompare : public BTreeComparator {
  public:
-  IndexCompare(TableState& table, int column) : table_(table), column_(column) {}
+  // The table's columns and value caches are in place (they are sized when
+  // the table opens and stay so while it is open).
+  IndexCompare(TableState& table, int column);
   int compare(const BTreeEntry& a, const BTreeEntry& b) override;
   // The current-comparison context: the value that row 0 stands for (as it
   // lies in a record).
@@ -64,9 +85,14 @@ class IndexCompare : public BTreeComparator {
   int compare_values(const BTreeEntry& a, const BTreeEntry& b);
 
  private:
-  const std::byte* value_of(int32_t row, std::vector<std::byte>& canonical);
+  const std::byte* value_of(const ColumnDef& column, int32_t row,
+                            std::vector<std::byte>& canonical);
+  const std::byte* prefix_of(const ColumnDef& column, int32_t row,
+                             std::vector<std::byte>& canonical);
+  int value_order(const ColumnDef& column, const BTreeEntry& a, const BTreeEntry& b);
   TableState& table_;
-  int column_;
+  const ColumnDef& column_def_;
+  const ValueCache& values_;
   std::vector<std::byte> bound_;  // canonical; empty when none is set
   std::vector<std::byte> canonical_a_;
   std::vector<std::byte> canonical_b_;

@@ -25,6 +25,7 @@ bool fail(const TableState& t) {
 bool add_index(TableState& t, int c, int mode) {
   if (!t.valid_index_column(c) || t.indexes[c]) return fail(t);
   if (!open_index(t, c, mode)) return fail(t);
+  if (t.values[c].active()) t.values[c].reserve(t.row_count);
   std::vector<std::byte> record;
   for (long row = 1; row <= t.row_count; ++row) {
     if (!read_record(t, row, record)) {

@@ -68,6 +68,7 @@ std::unique_ptr<VList> VList::open(std::string_view name, int record_size, int m
   if (mode & kVListCreate) mode = (mode | kVListCreateIfMissing) & ~kVListReadOnly;
   list->name_ = std::string(name);
   list->sequence_ = ++g_sequence;
+  list->bucket_mix_ = block_cache::bucket_of(0, list->sequence_);
   list->record_size_ = record_size;
   list->mode_ = mode;
   list->cache_parameter_ = cache_parameter;
@@ -168,6 +169,7 @@ bool VList::close() {
   BlockCache::drop(*this, keep && writable);
   closed_ = true;
   if (keep && writable) write_header();
+  mapping_.unmap();
   ::close(fd_);
   fd_ = -1;
   if (!keep) unlink(name_.c_str());

@@ -39,8 +39,10 @@
 // mod 64) xor (the low 6 bits of the VList's sequence number, bit-reversed).
 // When the budget is spent the least recently used block is given up; a dirty
 // one is written back first, together with the dirty blocks next to it in the
-// same file, in one write. A block read right after the block before it is
-// read together with up to 31 blocks that follow it.
+// same file, in one write. A block that is not cached is copied from a
+// read-only shared mapping of the file (mapped_file.h), so bringing it in
+// costs no system call; a file that cannot be mapped is read a block at a
+// time. Writes go to the file and are seen through the mapping at once.
 //
 // Every failure sets the process-wide last-error word (VListError). Get and
 // put also report "VLGet failed - Name '%s' RecNum %ld" / "VLPut failed - ..."
@@ -52,6 +54,8 @@
 #include <span>
 #include <string>
 #include <string_view>
+
+#include "jmd/engine/mapped_file.h"
 
 namespace px::engine {
 
@@ -119,6 +123,9 @@ class VList {
   long blocks_in_use() const { return blocks_in_use_; }
   int mode() const { return mode_; }
   uint32_t sequence() const { return sequence_; }
+  // The low 6 bits of the sequence number, bit-reversed: what the cache
+  // mixes into the bucket of each of this VList's blocks.
+  int bucket_mix() const { return bucket_mix_; }
   const std::string& name() const { return name_; }
 
   int fd() const { return fd_; }
@@ -134,6 +141,7 @@ class VList {
   std::string name_;
   int fd_ = -1;
   uint32_t sequence_ = 0;
+  int bucket_mix_ = 0;
   int record_size_ = 0;
   int mode_ = 0;
   int cache_parameter_ = 0;
@@ -144,7 +152,7 @@ class VList {
   bool closed_ = false;
   int64_t file_size_ = 0;   // bytes in the file, kept in step with every write
   int cache_head_ = -1;     // first entry of this VList's cached blocks
-  long last_loaded_ = -2;   // the block loaded last, to notice sequential reads
+  MappedFile mapping_;      // the file, for bringing blocks in
 };
 
 // The shared block cache. Exposed for tests and for diagnosis.
@@ -159,8 +167,9 @@ int bucket_of(long block, uint32_t sequence);
 // Counters since the process started (or the last reset_counters()).
 struct Counters {
   long hits = 0;
-  long loads = 0;       // blocks brought in (read or zero-filled)
-  long reads = 0;       // read calls made
+  long loads = 0;       // blocks brought in (copied, read or zero-filled)
+  long reads = 0;       // read calls made (only where a file cannot be mapped)
+  long maps = 0;        // mappings made (a file's first, or a larger one)
   long writes = 0;      // write calls made (each may write several blocks)
   long blocks_written = 0;
 };

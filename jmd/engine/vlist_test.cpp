@@ -1,8 +1,12 @@
 #include "jmd/engine/vlist.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <cstdio>
 #include <cstring>
 #include <vector>
 
@@ -202,14 +206,15 @@ TEST(VListCache, ManyMoreBlocksThanTheBudgetStayCorrect) {
     EXPECT_EQ(out_b, record_of(1405, r)) << r;
   }
   EXPECT_EQ(block_cache::blocks_in_use(), capacity);
-  // Reading in file order brings blocks in by the run.
+  // Blocks come back from the file's mapping, without a read call.
   ASSERT_TRUE(a->flush());
   block_cache::reset_counters();
   for (int r = 0; r < rows; ++r) {
     ASSERT_TRUE(a->get(r, out_a));
     EXPECT_EQ(out_a, record_of(328, r % 7 == 0 ? r + 1000 : r)) << r;
   }
-  EXPECT_LT(block_cache::counters().reads, rows / 8);
+  EXPECT_EQ(block_cache::counters().reads, 0);
+  EXPECT_LE(block_cache::counters().maps, 1);
   a->close();
   EXPECT_LT(block_cache::blocks_in_use(), capacity);
   b->close();
@@ -236,6 +241,128 @@ TEST(VListCache, BucketMixesBlockWithReversedSequence) {
   EXPECT_EQ(block_cache::bucket_of(64, 64), 0);
   EXPECT_EQ(block_cache::bucket_of(63, 0b101100), 63 ^ 0b001101);
 }
+
+// Writes records 0..count-1 of 512 bytes (one block each) and flushes them.
+std::unique_ptr<VList> filled_blocks(const std::string& path, int count, int mode) {
+  auto list = VList::open(path, 512, mode, 4);
+  if (!list) return nullptr;
+  for (int r = 0; r < count; ++r) {
+    if (!list->put(r, record_of(512, r))) return nullptr;
+  }
+  return list->flush() ? std::move(list) : nullptr;
+}
+
+TEST(VListMapping, TheMappingIsMadeAgainWhenTheFileOutgrowsIt) {
+  TestDir dir;
+  auto list = filled_blocks(dir.file("grow.vl"), 1500, kVListCreate);
+  ASSERT_TRUE(list);
+  std::vector<std::byte> out(512);
+  block_cache::reset_counters();
+  ASSERT_TRUE(list->get(3, out));
+  EXPECT_EQ(out, record_of(512, 3));
+  EXPECT_EQ(block_cache::counters().maps, 1);
+  // Grow the file far past the first mapping, then read its new end.
+  for (int r = 1500; r < 9000; ++r) ASSERT_TRUE(list->put(r, record_of(512, r)));
+  ASSERT_TRUE(list->flush());
+  ASSERT_TRUE(list->get(8500, out));
+  EXPECT_EQ(out, record_of(512, 8500));
+  EXPECT_EQ(block_cache::counters().maps, 2);
+  for (int r = 0; r < 9000; r += 13) {
+    ASSERT_TRUE(list->get(r, out));
+    EXPECT_EQ(out, record_of(512, r)) << r;
+  }
+  EXPECT_EQ(block_cache::counters().maps, 2);
+  EXPECT_EQ(block_cache::counters().reads, 0);
+}
+
+TEST(VListMapping, BlocksTheFileDoesNotHoldInFullReadAsZeros) {
+  TestDir dir;
+  std::string path = dir.file("part.vl");
+  filled_blocks(path, 3, kVListCreateIfMissing).reset();
+  // The file loses the last 100 bytes of block 2; the header still says 3.
+  dir.write("part.vl", dir.read("part.vl").substr(0, 4 * 512 - 100));
+  auto list = VList::open(path, 512, kVListCreateIfMissing, 4);
+  ASSERT_TRUE(list);
+  ASSERT_EQ(list->record_count(), 3);
+  std::vector<std::byte> out(512);
+  ASSERT_TRUE(list->get(1, out));
+  EXPECT_EQ(out, record_of(512, 1));
+  ASSERT_TRUE(list->get(2, out));
+  EXPECT_EQ(out, std::vector<std::byte>(512));
+  // Grown but never written: past the end of the file and of the mapping.
+  ASSERT_TRUE(list->grow(5000));
+  ASSERT_TRUE(list->get(4999, out));
+  EXPECT_EQ(out, std::vector<std::byte>(512));
+}
+
+TEST(VListMapping, AFileCutShortBehindTheListsBackReadsZerosAndKeepsWorking) {
+  TestDir dir;
+  std::string path = dir.file("cut.vl");
+  auto list = filled_blocks(path, 400, kVListCreateIfMissing);
+  ASSERT_TRUE(list);
+  std::vector<std::byte> out(512);
+  // Reading every block in order maps the file and leaves the first ones
+  // uncached.
+  for (int r = 0; r < 400; ++r) ASSERT_TRUE(list->get(r, out));
+  ASSERT_EQ(truncate(path.c_str(), 11 * 512), 0);  // header and blocks 0 to 9
+  ASSERT_TRUE(list->get(5, out));
+  EXPECT_EQ(out, record_of(512, 5));
+  for (int r : {12, 100, 150}) {
+    ASSERT_TRUE(list->get(r, out)) << r;
+    EXPECT_EQ(out, std::vector<std::byte>(512)) << r;
+  }
+  ASSERT_TRUE(list->put(100, record_of(512, 7777)));
+  ASSERT_TRUE(list->flush());
+  ASSERT_TRUE(list->get(100, out));
+  EXPECT_EQ(out, record_of(512, 7777));
+  EXPECT_TRUE(list->close());
+}
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__has_feature)
+#define PX_ADDRESS_LIMIT_TESTABLE 1
+#elif defined(__has_feature)
+#if !__has_feature(address_sanitizer)
+#define PX_ADDRESS_LIMIT_TESTABLE 1
+#endif
+#endif
+
+#ifdef PX_ADDRESS_LIMIT_TESTABLE
+// The address space this process uses now, in bytes.
+long address_space_in_use() {
+  long pages = 0;
+  std::FILE* f = std::fopen("/proc/self/statm", "r");
+  if (f == nullptr) return -1;
+  if (std::fscanf(f, "%ld", &pages) != 1) pages = -1;
+  std::fclose(f);
+  return pages < 0 ? -1 : pages * sysconf(_SC_PAGESIZE);
+}
+
+TEST(VListMapping, WithoutRoomForAMappingBlocksAreRead) {
+  TestDir dir;
+  std::string path = dir.file("read.vl");
+  filled_blocks(path, 300, kVListCreateIfMissing).reset();
+  fflush(nullptr);
+  pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    // No room is left for a mapping of the file: blocks must come by reading.
+    auto list = VList::open(path, 512, kVListReadOnly, 4);
+    std::vector<std::byte> out(512);
+    std::vector<std::byte> expected = record_of(512, 250);
+    long in_use = address_space_in_use();
+    rlimit limit{static_cast<rlim_t>(in_use + 256 * 1024), static_cast<rlim_t>(in_use + 256 * 1024)};
+    if (!list || in_use < 0 || setrlimit(RLIMIT_AS, &limit) != 0) _exit(2);
+    block_cache::reset_counters();
+    bool ok = list->get(250, out) && out == expected && list->get(249, out) &&
+              block_cache::counters().maps == 0 && block_cache::counters().reads == 2;
+    _exit(ok ? 0 : 1);
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+#endif
 
 }  // namespace
 }  // namespace px::engine
