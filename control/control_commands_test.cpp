@@ -11,16 +11,7 @@
 namespace px {
 namespace {
 
-std::tm moment() {
-  std::tm t{};
-  t.tm_year = 124;  // 2024
-  t.tm_mon = 11;
-  t.tm_mday = 31;
-  t.tm_hour = 23;
-  t.tm_min = 59;
-  t.tm_sec = 58;
-  return t;
-}
+std::tm moment() { return test_moment(2024, 12, 31, 23, 59, 58); }
 
 class ControlCommandsTest : public ::testing::Test {
  protected:

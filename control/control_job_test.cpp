@@ -14,16 +14,7 @@
 namespace px {
 namespace {
 
-std::tm moment() {
-  std::tm t{};
-  t.tm_year = 123;  // 2023
-  t.tm_mon = 3;
-  t.tm_mday = 5;
-  t.tm_hour = 14;
-  t.tm_min = 5;
-  t.tm_sec = 9;
-  return t;
-}
+std::tm moment() { return test_moment(2023, 4, 5, 14, 5, 9); }
 
 class ControlJobTest : public ::testing::Test {
  protected:

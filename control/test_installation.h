@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <ctime>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -22,6 +23,18 @@
 #include "tests/support/test_dir.h"
 
 namespace px {
+
+// A local time for the test clock: year, month 1-12, day, hour, minute, second.
+inline std::tm test_moment(int year, int month, int day, int hour, int minute, int second) {
+  std::tm t{};
+  t.tm_year = year - 1900;
+  t.tm_mon = month - 1;
+  t.tm_mday = day;
+  t.tm_hour = hour;
+  t.tm_min = minute;
+  t.tm_sec = second;
+  return t;
+}
 
 // The console's INI file, an install file naming this node "alpha", and the
 // instance "north" on it: status file, data and control directories, status
