@@ -193,9 +193,12 @@ void BM_SqliteLookup(benchmark::State& state) {
 // Every size is timed after a warm-up run, so that each is measured in the
 // same state: without it the 1M sizes, which run once, would be timed cold
 // and the smaller ones mostly warm, and the growth from 100k to 1M would
-// compare the two states rather than the sizes.
+// compare the two states rather than the sizes. Each is measured five times
+// and the summary takes the median: a single run of the 1M sizes varies by
+// a tenth from one run to the next.
 void sizes(benchmark::internal::Benchmark* b) {
   b->Arg(10000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond)->MinWarmUpTime(0.5);
+  b->Repetitions(5)->ReportAggregatesOnly(true);
 }
 void lookup_sizes(benchmark::internal::Benchmark* b) {
   b->Arg(10000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMicrosecond);
@@ -211,7 +214,8 @@ BENCHMARK(BM_SqliteLookup)->Apply(lookup_sizes);
 #endif
 
 // Keeps the times of every run as "name/rows" -> milliseconds per iteration,
-// wall-clock and CPU (user and system) time.
+// wall-clock and CPU (user and system) time: the median of the repetitions
+// where there are several.
 class SummaryReporter : public benchmark::ConsoleReporter {
  public:
   struct Times {
@@ -221,12 +225,14 @@ class SummaryReporter : public benchmark::ConsoleReporter {
   void ReportRuns(const std::vector<Run>& runs) override {
     ConsoleReporter::ReportRuns(runs);
     for (const Run& run : runs) {
-      if (run.run_type != Run::RT_Iteration || run.iterations == 0) continue;
-      double count = static_cast<double>(run.iterations);
+      bool single = run.run_type == Run::RT_Iteration && run.iterations > 0;
+      bool median = run.run_type == Run::RT_Aggregate && run.aggregate_name == "median";
+      if (run.error_occurred || !(single || median)) continue;
+      double to_ms = 1000.0 / benchmark::GetTimeUnitMultiplier(run.time_unit);
       // Keyed by function and argument alone: the full name also carries
       // settings such as the warm-up time.
       times_[run.run_name.function_name + "/" + run.run_name.args] = {
-          run.real_accumulated_time / count * 1000.0, run.cpu_accumulated_time / count * 1000.0};
+          run.GetAdjustedRealTime() * to_ms, run.GetAdjustedCPUTime() * to_ms};
     }
   }
   // Milliseconds of benchmark name at rows; negative when it did not run.

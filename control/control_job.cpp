@@ -181,9 +181,9 @@ std::optional<std::string> control_directory(const std::string& config_file, Ope
 }
 
 std::string control_file_name(int n) {
-  char name[16];
-  std::snprintf(name, sizeof name, "pxctrl%02d.msg", n);
-  return name;
+  std::string number = std::to_string(n);
+  if (number.size() < 2) number.insert(0, 2 - number.size(), '0');
+  return "pxctrl" + number + ".msg";
 }
 
 std::optional<int> first_free_control_file(const std::string& directory, int first) {

@@ -145,6 +145,11 @@ class BTree {
   // Inserts (key, row); kDuplicate, with nothing changed, when an equal entry
   // (comparison 0) is present.
   Insert insert(int32_t key, int32_t row);
+  // The same as insert(), and quicker for an entry that orders after every
+  // entry in the tree (as when entries come in sorted): it is then placed
+  // at the end of the rightmost path after a single comparison. The tree
+  // that results is the one insert() would have made.
+  Insert append(int32_t key, int32_t row);
   // Removes the entry equal to (key, row); false when it is missing or a node
   // cannot be read or written.
   bool remove(int32_t key, int32_t row);
@@ -195,7 +200,8 @@ class BTree {
 
   struct Split;
   struct Removal;
-  Insert insert_into(int32_t n, const BTreeEntry& entry, int depth, Split& split);
+  // at_end: the entry goes to the end of every node on its path.
+  Insert insert_into(int32_t n, const BTreeEntry& entry, int depth, bool at_end, Split& split);
   bool place(int32_t n, BTreeNode& node, int pos, const BTreeEntry& entry, Split& split);
   bool remove_from(int32_t n, const BTreeEntry& entry, int depth, Removal& result);
   bool remove_at(int32_t n, BTreeNode& node, int pos, Removal& result);

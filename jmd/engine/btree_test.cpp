@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <random>
 #include <string>
 #include <set>
@@ -141,6 +142,42 @@ TEST_F(BTreeTest, EightyFifthEntrySplitsLeafAndRootStaysNodeOne) {
   std::vector<Pair> all = walk_forward(*tree_);
   ASSERT_EQ(all.size(), 85u);
   EXPECT_TRUE(std::is_sorted(all.begin(), all.end()));
+}
+
+// Entries in order make the same tree whether appended or inserted, node
+// for node, also with an open cursor to correct and with entries that are
+// not above the rest (those are inserted as usual).
+TEST_F(BTreeTest, AppendMakesTheTreeInsertMakes) {
+  IntCompare other_compare;
+  std::unique_ptr<BTree> appended = BTree::open(dir_.file("index.i02"), kVListCreate, other_compare);
+  ASSERT_TRUE(appended);
+  open();
+  BTreeCursor watched = tree_->first();
+  BTreeCursor watched_too = appended->first();
+  std::vector<Pair> entries;
+  for (int k = 0; k < 20000; ++k) entries.emplace_back(k / 3, 5 + k % 3);
+  entries.push_back(entries.back());                                   // equal to the last
+  for (int k = 0; k < 300; k += 7) entries.emplace_back(k / 3, 1);  // not above the rest
+  entries.emplace_back(3, 5);                                           // a duplicate
+  for (auto [key, row] : entries) {
+    BTree::Insert inserted = tree_->insert(key, row);
+    ASSERT_EQ(appended->append(key, row), inserted) << key << " " << row;
+    if (key == 40 && row == 6) {
+      bool found = false;
+      watched = tree_->search(key, row, found);
+      watched_too = appended->search(key, row, found);
+    }
+  }
+  ASSERT_EQ(appended->node_count(), tree_->node_count());
+  for (long n = 1; n < tree_->node_count(); ++n) {
+    BTreeNode a = node_of(*tree_, n);
+    BTreeNode b = node_of(*appended, n);
+    ASSERT_EQ(std::memcmp(&a, &b, sizeof a), 0) << "node " << n;
+  }
+  EXPECT_EQ(watched.node(), watched_too.node());
+  EXPECT_EQ(watched.position(), watched_too.position());
+  int leaf_depth = -1;
+  check_structure(*appended, kRootNode, nullptr, 0, leaf_depth);
 }
 
 TEST_F(BTreeTest, EqualEntryIsADuplicateAndChangesNothing) {

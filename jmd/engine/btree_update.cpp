@@ -51,15 +51,40 @@ void BTree::insert_entry(int32_t n, BTreeNode& node, int pos, const BTreeEntry& 
 
 BTree::Insert BTree::insert(int32_t key, int32_t row) {
   Split split;
-  return insert_into(kRootNode, BTreeEntry{key, row, 0}, 0, split);
+  return insert_into(kRootNode, BTreeEntry{key, row, 0}, 0, false, split);
 }
 
-BTree::Insert BTree::insert_into(int32_t n, const BTreeEntry& entry, int depth, Split& split) {
+// An entry above every other one would be found at the end of each node on
+// the rightmost path, and that is where it is put, after one comparison with
+// the last entry of the last leaf.
+BTree::Insert BTree::append(int32_t key, int32_t row) {
+  BTreeEntry entry{key, row, 0};
+  const BTreeNode* v = nullptr;
+  int32_t n = kRootNode;
+  for (int depth = 0;; ++depth) {
+    if (depth > kMaxDepth || !(v = view(n, __LINE__))) return Insert::kFailed;
+    if (v->kind == kNodeLeaf) break;
+    if (v->count == 0) return insert(key, row);
+    n = v->entries[v->count - 1].child;
+  }
+  if (v->count > 0) {
+    int r = compare_->compare(entry, v->entries[v->count - 1]);
+    if (r == kCompareError) return Insert::kFailed;
+    if (r <= 0) return insert(key, row);
+  } else if (n != kRootNode) {
+    return insert(key, row);
+  }
+  Split split;
+  return insert_into(kRootNode, entry, 0, true, split);
+}
+
+BTree::Insert BTree::insert_into(int32_t n, const BTreeEntry& entry, int depth, bool at_end,
+                                 Split& split) {
   const BTreeNode* v = depth > kMaxDepth ? nullptr : view(n, __LINE__);
   if (v == nullptr) return Insert::kFailed;
   if (v->kind == kNodeLeaf) {
     bool equal = false;
-    int pos = leaf_position(*v, entry, equal);
+    int pos = at_end ? v->count : leaf_position(*v, entry, equal);
     if (pos < 0) return Insert::kFailed;
     if (equal) return Insert::kDuplicate;
     if (pos == v->count && v->next != 0) {
@@ -85,10 +110,10 @@ BTree::Insert BTree::insert_into(int32_t n, const BTreeEntry& entry, int depth, 
     return Insert::kFailed;
   }
   bool failed = false, below_first = false;
-  int i = child_index(*v, entry, failed, below_first);
+  int i = at_end ? v->count - 1 : child_index(*v, entry, failed, below_first);
   if (failed) return Insert::kFailed;
   Split child_split;
-  Insert result = insert_into(v->entries[i].child, entry, depth + 1, child_split);
+  Insert result = insert_into(v->entries[i].child, entry, depth + 1, at_end, child_split);
   if (result != Insert::kInserted || (!below_first && !child_split.happened)) return result;
   BTreeNode node;
   if (!read(n, node, __LINE__)) return Insert::kFailed;

@@ -4,7 +4,8 @@
 //
 // The mapping reaches past the end of the file, so that a file that grows by
 // the owner's writes stays readable without mapping it again each time; it is
-// made again, larger, only when a read lies beyond it. Writes to the file
+// made again, larger, only when a read lies beyond it. The pages the file
+// holds are mapped in when the mapping is made. Writes to the file
 // (pwrite and friends on the same file) are seen through a shared mapping at
 // once. Whether bytes lie inside the file is for the caller to know: it keeps
 // the file's size in step with its own writes.
@@ -38,6 +39,10 @@ class MappedFile {
   // file first when the mapping does not reach that far. file_size is the
   // caller's idea of the file's size, used to size a new mapping.
   Copy copy(int fd, int64_t offset, std::byte* out, size_t n, int64_t file_size);
+
+  // Starts bringing n bytes at offset toward the processor, when the mapping
+  // holds them; a hint only: it reads nothing and cannot fault.
+  void prefetch(int64_t offset, size_t n) const;
 
   // Gives the mapping up (done before the file is closed).
   void unmap();

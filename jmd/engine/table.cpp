@@ -63,6 +63,7 @@ bool open_table(TableState& t, std::string_view name, int record_size, int mode,
     t.indexes.resize(columns.size() + 1);
     t.comparators.resize(columns.size() + 1);
     t.values.resize(columns.size() + 1);
+    t.values_kept.resize(columns.size() + 1);
   } catch (const std::bad_alloc&) {
     report_message(kMsgOutOfMemory, {t.name});
     release_table(t);

@@ -144,6 +144,18 @@ class Table {
   // record. False when row is above the row count or cannot be read.
   bool get_row(long row, std::span<std::byte> out);
 
+  // A hint that row is about to be read: starts bringing its record in, so
+  // that reads of rows known in advance overlap. Changes nothing, reports and
+  // traces nothing.
+  void prefetch_row(long row) const;
+
+  // Keeps copies of column's values from now on, as an index over it would,
+  // whether or not it has one: a later index add over the column then needs
+  // no pass over the records. Only for columns compared by value (types 10
+  // to 15); false, with nothing kept, for others or when a present row
+  // cannot be read. Changes nothing else and writes no trace line.
+  bool keep_values(int column);
+
   // Builds the index of column (0 up to and including the column count) from
   // every row; false (-357) when out of range or already indexed.
   bool add_index(int column, int mode = kOpenNew);

@@ -109,6 +109,8 @@ struct TableState {
   std::vector<std::unique_ptr<BTree>> indexes;
   std::vector<std::unique_ptr<IndexCompare>> comparators;
   std::vector<ValueCache> values;
+  // Columns whose value cache is kept with or without an index (keep_values).
+  std::vector<bool> values_kept;
   std::vector<std::byte> header;
   std::vector<std::byte> work_a;
   std::vector<std::byte> work_b;
@@ -162,6 +164,9 @@ bool record_key(const TableState& t, int c, const std::byte* record, int32_t& ke
 // Adds / removes row's entry in column c's index, the record given. Reports
 // -370 on a duplicate, -357 when an entry cannot be removed.
 bool insert_row_entry(TableState& t, long row, int c, const std::byte* record);
+// Inserts (key, row) into column c's index, reporting as insert_row_entry;
+// in_order: the entries come in index order (BTree::append).
+bool insert_entry(TableState& t, int c, int32_t key, long row, bool in_order);
 bool delete_row_entry(TableState& t, long row, int c, const std::byte* record);
 bool open_index(TableState& t, int c, int mode);
 // Index add with its trace line "IndexAdd ...".
@@ -170,6 +175,19 @@ bool add_index_traced(TableState& t, int c, int mode);
 std::string index_name(const TableState& t, int c);
 void close_index(TableState& t, int c);
 bool read_record(TableState& t, long row, std::vector<std::byte>& buffer);
+
+// ---- index add in key order (index_build.cpp) ----
+
+enum class OrderedBuild {
+  kBuilt,     // every row is in the index
+  kFailed,    // an insertion failed and was reported; the index is partial
+  kNotTried,  // nothing inserted: the row-order build is to be used
+};
+// Fills column c's new, empty index from every row by inserting the entries
+// in index order. Leaves to the row-order build what it cannot do the same:
+// types without a strict order, duplicates in a unique column, unreadable
+// rows and a lack of memory.
+OrderedBuild add_index_in_key_order(TableState& t, int c);
 
 // ---- trace (table_trace.cpp) ----
 

@@ -26,6 +26,15 @@ bool add_index(TableState& t, int c, int mode) {
   if (!t.valid_index_column(c) || t.indexes[c]) return fail(t);
   if (!open_index(t, c, mode)) return fail(t);
   if (t.values[c].active()) t.values[c].reserve(t.row_count);
+  switch (add_index_in_key_order(t, c)) {
+    case OrderedBuild::kBuilt:
+      return true;
+    case OrderedBuild::kFailed:
+      close_index(t, c);
+      return false;
+    case OrderedBuild::kNotTried:
+      break;
+  }
   std::vector<std::byte> record;
   for (long row = 1; row <= t.row_count; ++row) {
     if (!read_record(t, row, record)) {
@@ -131,7 +140,9 @@ bool open_index(TableState& t, int c, int mode) {
     return false;
   }
   const ColumnDef& column = t.column(c);
-  if (compares_values(column.type) && column.width > 0) t.values[c].reset(column);
+  if (compares_values(column.type) && column.width > 0 && !t.values_kept[c]) {
+    t.values[c].reset(column);
+  }
   return true;
 }
 
@@ -139,7 +150,7 @@ void close_index(TableState& t, int c) {
   if (t.indexes[c]) t.indexes[c]->close();
   t.indexes[c].reset();
   t.comparators[c].reset();
-  t.values[c].clear();
+  if (!t.values_kept[c]) t.values[c].clear();
 }
 
 bool insert_row_entry(TableState& t, long row, int c, const std::byte* record) {
@@ -147,7 +158,13 @@ bool insert_row_entry(TableState& t, long row, int c, const std::byte* record) {
   int32_t key = 0;
   if (!record_key(t, c, record, key)) return fail(t);
   if (t.values[c].active()) t.values[c].store(row, record + t.column(c).position);
-  switch (t.indexes[c]->insert(key, static_cast<int32_t>(row))) {
+  return insert_entry(t, c, key, row, false);
+}
+
+bool insert_entry(TableState& t, int c, int32_t key, long row, bool in_order) {
+  BTree& index = *t.indexes[c];
+  int32_t row32 = static_cast<int32_t>(row);
+  switch (in_order ? index.append(key, row32) : index.insert(key, row32)) {
     case BTree::Insert::kInserted:
       return true;
     case BTree::Insert::kDuplicate:
@@ -210,6 +227,11 @@ bool Table::get_row(long row, std::span<std::byte> out) {
   return ok;
 }
 
+void Table::prefetch_row(long row) const {
+  const TableState* t = table_at(slot_, serial_);
+  if (t != nullptr && row >= 1 && row <= t->row_count) t->records->prefetch(row);
+}
+
 bool Table::update_row(long row, std::span<const std::byte> record) {
   TableState* t = table_at(slot_, serial_);
   if (t == nullptr) return false;
@@ -225,6 +247,29 @@ bool Table::update_row(long row, std::span<const std::byte> record) {
 bool Table::add_index(int column, int mode) {
   TableState* t = table_at(slot_, serial_);
   return t != nullptr && add_index_traced(*t, column, mode);
+}
+
+bool Table::keep_values(int column) {
+  TableState* t = table_at(slot_, serial_);
+  if (t == nullptr || column < 0 || column >= t->column_count()) return false;
+  if (t->values_kept[column]) return true;
+  const ColumnDef& def = t->column(column);
+  if (!compares_values(def.type) || def.width == 0) return false;
+  if (!t->values[column].active()) {
+    // No index keeps them yet: the present rows' values are read once.
+    t->values[column].reset(def);
+    t->values[column].reserve(t->row_count);
+    std::vector<std::byte> record;
+    for (long row = 1; row <= t->row_count; ++row) {
+      if (!read_record(*t, row, record)) {
+        t->values[column].clear();
+        return false;
+      }
+      t->values[column].store(row, record.data() + def.position);
+    }
+  }
+  t->values_kept[column] = true;
+  return true;
 }
 
 bool Table::drop_index(int column) {

@@ -241,6 +241,15 @@ bool VList::get(long r, std::span<std::byte> out) {
   return ok;
 }
 
+void VList::prefetch(long r) const {
+  if (closed_ || r < 0 || r >= record_count_) return;
+  int64_t offset = blocks_per_record_ == 1
+                       ? (r / records_per_block_ + 1) * int64_t{kBlockSize} +
+                             (r % records_per_block_) * int64_t{record_size_}
+                       : (r * blocks_per_record_ + 1) * int64_t{kBlockSize};
+  mapping_.prefetch(offset, static_cast<size_t>(record_size_));
+}
+
 bool VList::put(long r, std::span<const std::byte> data) {
   bool ok = false;
   if (closed_ || r < 0 || r >= kMaxRecords || data.size() < static_cast<size_t>(record_size_)) {

@@ -111,6 +111,9 @@ class VList {
   // Writes record r from data (at least record_size() bytes); a record beyond
   // the end first grows the VList to r + 1 records.
   bool put(long r, std::span<const std::byte> data);
+  // A hint that record r is about to be read: starts bringing its bytes in
+  // from the file's mapping. Changes nothing, reports nothing.
+  void prefetch(long r) const;
   // Makes room for count records (the record count becomes at least count).
   bool grow(long count);
   // Writes every dirty cached block of this VList and the header.

@@ -1,0 +1,175 @@
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "jmd/engine/table.h"
+#include "jmd/engine/table_test_support.h"
+
+namespace px::engine {
+namespace {
+
+struct Item {
+  char text[40];
+  char code[12];
+  int32_t number;
+  uint32_t count;
+  char hashed[20];
+  char hashed_nc[20];
+  float ratio;
+  char name[24];
+  int8_t tiny;
+};
+
+const ColumnDef kItemColumns[] = {
+    {"Text", offsetof(Item, text), 40, kTypeTextNoCase, 0, nullptr},
+    {"Code", offsetof(Item, code), 12, kTypeText, 0, nullptr},
+    {"Number", offsetof(Item, number), 4, kTypeLong, 0, nullptr},
+    {"Count", offsetof(Item, count), 4, kTypeUnsigned, 0, nullptr},
+    {"Hashed", offsetof(Item, hashed), 20, kTypeString, 0, nullptr},
+    {"HashedNc", offsetof(Item, hashed_nc), 20, kTypeStringNoCase, 0, nullptr},
+    {"Ratio", offsetof(Item, ratio), 4, kTypeFloat, 0, nullptr},
+    {"Name", offsetof(Item, name), 24, kTypeTextNoCase, kUniqueKey, nullptr},
+    {"Tiny", offsetof(Item, tiny), 1, kTypeChar, 0, nullptr},
+};
+constexpr int kColumns = sizeof kItemColumns / sizeof kItemColumns[0];
+
+// A text from a small set of spellings that share long beginnings, differ
+// in case or run past sixteen bytes, so that duplicates are common.
+std::string some_text(unsigned seed) {
+  static const char* const kTexts[] = {
+      "shared beginning of a long text A", "Shared Beginning Of A Long Text a",
+      "shared beginning of a long text B", "shared beginning",
+      "SHARED BEGINNING OF",               "short",
+      "Short",                             "",
+      "shared beginning of a long",        "zz top"};
+  return kTexts[seed % 10];
+}
+
+Item item(unsigned k) {
+  unsigned mix = k * 2654435761u;
+  Item it{};
+  std::snprintf(it.text, sizeof it.text, "%s", some_text(mix >> 7).c_str());
+  std::snprintf(it.code, sizeof it.code, "%c%u", "aAbB"[mix % 4], (mix >> 9) % 7);
+  it.number = static_cast<int32_t>((mix >> 5) % 41) - 20;
+  it.count = (mix >> 3) % 5 == 0 ? 0xfffffff0u + (mix % 7) : (mix >> 11) % 13;
+  std::snprintf(it.hashed, sizeof it.hashed, "%s", some_text(mix >> 13).c_str());
+  std::snprintf(it.hashed_nc, sizeof it.hashed_nc, "%s", some_text(mix >> 17).c_str());
+  it.ratio = static_cast<float>((mix >> 4) % 9) / 3.0f - 1.0f;
+  std::snprintf(it.name, sizeof it.name, "%s item %u", k % 2 ? "Long named" : "long NAMED", k);
+  it.tiny = static_cast<int8_t>((mix >> 6) % 200 - 100);
+  return it;
+}
+
+class IndexBuildTest : public EngineTest {};
+
+// An index built over a full table must order rows exactly as one that took
+// every row as it was added, for every kind of column.
+TEST_F(IndexBuildTest, BuiltIndexOrdersAsOneKeptSinceTheFirstRow) {
+  Table built = Table::open("built.tmp", sizeof(Item), kOpenNew, kItemColumns);
+  Table kept = Table::open("kept.tmp", sizeof(Item), kOpenNew, kItemColumns);
+  ASSERT_TRUE(built && kept);
+  for (int c = 0; c < kColumns; ++c) {
+    if (!kept.has_index(c)) {
+      ASSERT_TRUE(kept.add_index(c));
+    }
+  }
+  const unsigned kRows = 700;
+  for (unsigned k = 1; k <= kRows; ++k) {
+    Item it = item(k);
+    ASSERT_EQ(built.add_row(record_bytes(it)), k);
+    ASSERT_EQ(kept.add_row(record_bytes(it)), k);
+  }
+  for (int c = 0; c < kColumns; ++c) {
+    SCOPED_TRACE(kItemColumns[c].name);
+    std::vector<long> order = rows_of(built, c);
+    ASSERT_EQ(order.size(), kRows);
+    EXPECT_EQ(order, rows_of(kept, c));
+  }
+  // The built indexes take later changes as the kept ones do.
+  for (unsigned k = 1; k <= kRows; k += 7) {
+    Item it = item(k * 31 + 5);
+    std::snprintf(it.name, sizeof it.name, "renamed %u", k);
+    ASSERT_TRUE(built.update_row(k, record_bytes(it)));
+    ASSERT_TRUE(kept.update_row(k, record_bytes(it)));
+  }
+  for (int c = 0; c < kColumns; ++c) {
+    SCOPED_TRACE(kItemColumns[c].name);
+    EXPECT_EQ(rows_of(built, c), rows_of(kept, c));
+  }
+  EXPECT_EQ(rows_of(built, 0, Value("SHARED BEGINNING OF A LONG TEXT A"), true),
+            rows_of(kept, 0, Value("shared beginning of a long text a"), true));
+}
+
+// Values kept from the start, or from when asked, build the same index as
+// the records do, and stay in step with changes while no index is there.
+TEST_F(IndexBuildTest, KeptValuesBuildTheIndexTheRecordsWould) {
+  Table kept = Table::open("kept.tmp", sizeof(Item), kOpenNew, kItemColumns);
+  Table plain = Table::open("plain.tmp", sizeof(Item), kOpenNew, kItemColumns);
+  ASSERT_TRUE(kept && plain);
+  EXPECT_TRUE(kept.keep_values(0));
+  EXPECT_TRUE(kept.keep_values(4));
+  EXPECT_FALSE(kept.keep_values(2));  // an integer column is not compared by value
+  EXPECT_FALSE(kept.keep_values(kColumns));
+  auto add = [&](unsigned from, unsigned to) {
+    for (unsigned k = from; k <= to; ++k) {
+      ASSERT_EQ(kept.add_row(record_bytes(item(k))), k);
+      ASSERT_EQ(plain.add_row(record_bytes(item(k))), k);
+    }
+  };
+  auto change = [&](unsigned seed) {
+    for (unsigned k = 1; k <= 400; k += 9) {
+      Item it = item(k * seed);
+      std::snprintf(it.name, sizeof it.name, "changed %u %u", seed, k);
+      ASSERT_TRUE(kept.update_row(k, record_bytes(it)));
+      ASSERT_TRUE(plain.update_row(k, record_bytes(it)));
+    }
+  };
+  add(1, 300);
+  EXPECT_TRUE(kept.keep_values(5));  // asked for with rows present
+  add(301, 400);
+  change(7);
+  for (int c : {0, 4, 5}) {
+    SCOPED_TRACE(kItemColumns[c].name);
+    EXPECT_EQ(rows_of(kept, c), rows_of(plain, c));
+    ASSERT_TRUE(kept.drop_index(c));
+    ASSERT_TRUE(plain.drop_index(c));
+  }
+  change(11);
+  for (int c : {0, 4, 5}) {
+    SCOPED_TRACE(kItemColumns[c].name);
+    std::vector<long> order = rows_of(kept, c);
+    EXPECT_EQ(order.size(), 400u);
+    EXPECT_EQ(order, rows_of(plain, c));
+  }
+}
+
+// Rows written under a non-unique definition and opened again under a unique
+// one: the index cannot be built, and the duplicate is reported.
+TEST_F(IndexBuildTest, DuplicatesInAUniqueColumnRefuseTheIndex) {
+  ColumnDef loose[] = {kItemColumns[0], kItemColumns[7]};
+  loose[1].flags = 0;
+  {
+    Table t = Table::open("dup.tmp", sizeof(Item), kOpenCreateIfMissing, loose);
+    ASSERT_TRUE(t);
+    for (unsigned k = 1; k <= 50; ++k) {
+      Item it = item(k);
+      if (k == 40) std::strcpy(it.name, "LONG NAMED ITEM 12");
+      ASSERT_EQ(t.add_row(record_bytes(it)), k);
+    }
+  }
+  const ColumnDef strict[] = {kItemColumns[0], kItemColumns[7]};
+  Table t = Table::open("dup.tmp", sizeof(Item), kOpenCreateIfMissing, strict);
+  ASSERT_TRUE(t);
+  EXPECT_FALSE(t.add_index(1));
+  EXPECT_FALSE(t.has_index(1));
+  EXPECT_TRUE(log_.contains("already has a row with this Name value"));
+  EXPECT_FALSE(std::filesystem::exists(t.index_file_name(1)));
+}
+
+}  // namespace
+}  // namespace px::engine
