@@ -188,6 +188,17 @@ void ValueCache::reserve(long rows) {
 }
 
 void ValueCache::store(long row, const std::byte* value) {
+  if (failed_) return;
+  try {
+    store_value(row, value);
+  } catch (const std::bad_alloc&) {
+    // A copy that could not be made: the cache gives up for good, and
+    // comparisons read the records instead.
+    failed_ = true;
+  }
+}
+
+void ValueCache::store_value(long row, const std::byte* value) {
   size_t r = static_cast<size_t>(row);
   if (prefix_width_ == 0) {
     if (bytes_.size() < (r + 1) * width_) bytes_.resize((r + 1) * width_);
@@ -210,8 +221,9 @@ void ValueCache::store(long row, const std::byte* value) {
     return;
   }
   if (whole_at_[r] == kNoWhole) {
-    whole_at_[r] = static_cast<uint32_t>(bytes_.size() / width_);
+    uint32_t place = static_cast<uint32_t>(bytes_.size() / width_);
     bytes_.resize(bytes_.size() + width_);
+    whole_at_[r] = place;
   }
   std::byte* whole = bytes_.data() + static_cast<size_t>(whole_at_[r]) * width_;
   make_canonical(*column_, value, whole);
@@ -220,7 +232,7 @@ void ValueCache::store(long row, const std::byte* value) {
 
 const std::byte* ValueCache::value(long row, std::vector<std::byte>& scratch) const {
   size_t r = static_cast<size_t>(row);
-  if (width_ == 0) return nullptr;
+  if (width_ == 0 || failed_) return nullptr;
   if (prefix_width_ == 0) {
     return (r + 1) * width_ <= bytes_.size() ? bytes_.data() + r * width_ : nullptr;
   }

@@ -37,7 +37,9 @@ class ValueCache {
 
   void reset(const ColumnDef& column);
   bool active() const { return width_ > 0; }
-  // Stores the value as it lies in a record.
+  // Stores the value as it lies in a record. When memory for a copy runs
+  // out the cache gives up: from then on it serves no value, and callers
+  // read the records.
   void store(long row, const std::byte* value);
   // Makes room for rows 0 to rows at once (a hint: nothing when memory is
   // short, store() then grows as it goes).
@@ -53,13 +55,15 @@ class ValueCache {
   // none or the cache does not reach that row.
   const std::byte* prefix(long row) const {
     size_t at = static_cast<size_t>(row) * prefix_width_;
-    return prefix_width_ > 0 && at + prefix_width_ <= prefixes_.size() ? prefixes_.data() + at
-                                                                       : nullptr;
+    return prefix_width_ > 0 && !failed_ && at + prefix_width_ <= prefixes_.size()
+               ? prefixes_.data() + at
+               : nullptr;
   }
   void clear() { *this = ValueCache(); }
 
  private:
   static constexpr uint32_t kNoWhole = UINT32_MAX;
+  void store_value(long row, const std::byte* value);  // may throw std::bad_alloc
   const ColumnDef* column_ = nullptr;
   uint32_t width_ = 0;
   uint32_t prefix_width_ = 0;
@@ -68,6 +72,7 @@ class ValueCache {
   std::vector<std::byte> prefixes_;  // texts: the first bytes of every row's value
   std::vector<uint32_t> whole_at_;   // texts: the row's place in bytes_, or
                                      // kNoWhole (a place is kept for good)
+  bool failed_ = false;              // a copy could not be made
 };
 
 // The index comparison of one column of one table: entries are (key, row);
