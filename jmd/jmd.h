@@ -54,7 +54,8 @@ bool close_jmd(std::unique_ptr<Jmd> jmd);
 // Calls visit with each record of a table that the query over its sort
 // column yields, in that order. False when the query cannot be started, a
 // record cannot be fetched (visit has then seen the rows before it) or visit
-// returns false.
+// returns false. The query runs a few rows ahead of visit, which must not
+// change the table.
 bool for_each_sorted(Jmd& jmd, int slot,
                      const std::function<bool(std::span<const char> record)>& visit);
 
