@@ -148,8 +148,10 @@ class BTree {
   // The same as insert(), and quicker for an entry that orders after every
   // entry in the tree (as when entries come in sorted): it is then placed
   // at the end of the rightmost path after a single comparison. The tree
-  // that results is the one insert() would have made.
-  Insert append(int32_t key, int32_t row);
+  // that results is the one insert() would have made. known_above: the
+  // caller has made sure that the entry orders after every entry, and not
+  // even that comparison is made (a wrong claim breaks the tree's order).
+  Insert append(int32_t key, int32_t row, bool known_above = false);
   // Removes the entry equal to (key, row); false when it is missing or a node
   // cannot be read or written.
   bool remove(int32_t key, int32_t row);

@@ -57,7 +57,7 @@ BTree::Insert BTree::insert(int32_t key, int32_t row) {
 // An entry above every other one would be found at the end of each node on
 // the rightmost path, and that is where it is put, after one comparison with
 // the last entry of the last leaf.
-BTree::Insert BTree::append(int32_t key, int32_t row) {
+BTree::Insert BTree::append(int32_t key, int32_t row, bool known_above) {
   BTreeEntry entry{key, row, 0};
   const BTreeNode* v = nullptr;
   int32_t n = kRootNode;
@@ -67,11 +67,11 @@ BTree::Insert BTree::append(int32_t key, int32_t row) {
     if (v->count == 0) return insert(key, row);
     n = v->entries[v->count - 1].child;
   }
-  if (v->count > 0) {
+  if (v->count > 0 && !known_above) {
     int r = compare_->compare(entry, v->entries[v->count - 1]);
     if (r == kCompareError) return Insert::kFailed;
     if (r <= 0) return insert(key, row);
-  } else if (n != kRootNode) {
+  } else if (v->count == 0 && n != kRootNode) {
     return insert(key, row);
   }
   Split split;

@@ -70,7 +70,10 @@ bool unsigned_key(int32_t type) {
 class EntryOrder {
  public:
   EntryOrder(const TableState& t, int c)
-      : values_(t.values[c]), unsigned_keys_(unsigned_key(t.column(c).type)) {}
+      : values_(t.values[c]),
+        unsigned_keys_(unsigned_key(t.column(c).type)),
+        unique_(t.column(c).flags & kUniqueKey),
+        width_(t.column(c).width) {}
 
   // The entry of row with the given key, its first value bytes taken from
   // the value cache (which holds the row's value already).
@@ -97,9 +100,30 @@ class EntryOrder {
     return r;
   }
 
+  // Whether the index orders entry after previous, the entry sorted before
+  // it, for certain and without a look at the values: a higher key or
+  // first bytes, or (the index not unique) the same whole value in a later
+  // row.
+  bool known_after(const SortEntry& previous, const SortEntry& entry) const {
+    int r = compare(entry, previous);
+    if (r <= 0) return false;
+    bool same_start = entry.key == previous.key && entry.head_high == previous.head_high &&
+                      entry.head_low == previous.head_low;
+    return !same_start || (!unique_ && whole_in_head(entry));
+  }
+
  private:
+  // Whether the first bytes hold the whole value (a canonical text is
+  // zero-filled after its end); true for a column without values.
+  bool whole_in_head(const SortEntry& e) const {
+    uint32_t width = values_.prefix_width();
+    return width == 0 || width == width_ || (e.head_low & 0xff) == 0;
+  }
+
   const ValueCache& values_;
   bool unsigned_keys_;
+  bool unique_;
+  uint32_t width_;
 };
 
 }  // namespace
@@ -117,15 +141,15 @@ OrderedBuild add_index_in_key_order(TableState& t, int c) {
   EntryOrder entry_order(t, c);
   bool from_kept_values = t.values_kept[c];
   std::vector<std::byte> record;
+  bool hashed = column.type == kTypeString || column.type == kTypeStringNoCase;
   for (long row = 1; row <= t.row_count; ++row) {
     int32_t key = 0;
     if (from_kept_values) {
-      // The key of a canonical value is the key of the value itself.
+      // The key of a canonical value is the key of the value itself; the
+      // texts that are not hashed all have the key 0.
       const std::byte* value = t.values[c].value(row, record);
-      std::optional<int32_t> k;
-      if (value != nullptr) k = index_key(column.type, value, column.width);
-      if (!k) return OrderedBuild::kNotTried;
-      key = *k;
+      if (value == nullptr) return OrderedBuild::kNotTried;
+      if (hashed) key = *index_key(column.type, value, column.width);
     } else {
       t.records->prefetch(row + kReadAhead);
       if (!read_record(t, row, record) || !record_key(t, c, record.data(), key)) {
@@ -137,8 +161,11 @@ OrderedBuild add_index_in_key_order(TableState& t, int c) {
   }
   auto less = [&](const SortEntry& a, const SortEntry& b) { return entry_order.compare(a, b) < 0; };
   std::sort(entries.begin(), entries.end(), less);
-  for (const SortEntry& e : entries) {
-    if (!insert_entry(t, c, e.key, e.row, true)) return OrderedBuild::kFailed;
+  for (size_t i = 0; i < entries.size(); ++i) {
+    const SortEntry& e = entries[i];
+    Placing placing = i > 0 && entry_order.known_after(entries[i - 1], e) ? Placing::kAfterAll
+                                                                           : Placing::kInOrder;
+    if (!insert_entry(t, c, e.key, e.row, placing)) return OrderedBuild::kFailed;
   }
   return OrderedBuild::kBuilt;
 }

@@ -151,8 +151,9 @@ TEST_F(IndexBuildTest, KeptValuesBuildTheIndexTheRecordsWould) {
 // Rows written under a non-unique definition and opened again under a unique
 // one: the index cannot be built, and the duplicate is reported.
 TEST_F(IndexBuildTest, DuplicatesInAUniqueColumnRefuseTheIndex) {
-  ColumnDef loose[] = {kItemColumns[0], kItemColumns[7]};
-  loose[1].flags = 0;
+  // Name runs past sixteen bytes; Code (short) and Number repeat often.
+  ColumnDef loose[] = {kItemColumns[7], kItemColumns[1], kItemColumns[2]};
+  for (ColumnDef& column : loose) column.flags = 0;
   {
     Table t = Table::open("dup.tmp", sizeof(Item), kOpenCreateIfMissing, loose);
     ASSERT_TRUE(t);
@@ -162,13 +163,18 @@ TEST_F(IndexBuildTest, DuplicatesInAUniqueColumnRefuseTheIndex) {
       ASSERT_EQ(t.add_row(record_bytes(it)), k);
     }
   }
-  const ColumnDef strict[] = {kItemColumns[0], kItemColumns[7]};
+  ColumnDef strict[] = {loose[0], loose[1], loose[2]};
+  for (ColumnDef& column : strict) column.flags = kUniqueKey;
   Table t = Table::open("dup.tmp", sizeof(Item), kOpenCreateIfMissing, strict);
   ASSERT_TRUE(t);
-  EXPECT_FALSE(t.add_index(1));
-  EXPECT_FALSE(t.has_index(1));
-  EXPECT_TRUE(log_.contains("already has a row with this Name value"));
-  EXPECT_FALSE(std::filesystem::exists(t.index_file_name(1)));
+  for (int c = 0; c < 3; ++c) {
+    SCOPED_TRACE(strict[c].name);
+    log_.clear();
+    EXPECT_FALSE(t.add_index(c));
+    EXPECT_FALSE(t.has_index(c));
+    EXPECT_TRUE(log_.contains(std::string("already has a row with this ") + strict[c].name));
+    EXPECT_FALSE(std::filesystem::exists(t.index_file_name(c)));
+  }
 }
 
 }  // namespace

@@ -169,9 +169,12 @@ bool record_key(const TableState& t, int c, const std::byte* record, int32_t& ke
 // Adds / removes row's entry in column c's index, the record given. Reports
 // -370 on a duplicate, -357 when an entry cannot be removed.
 bool insert_row_entry(TableState& t, long row, int c, const std::byte* record);
-// Inserts (key, row) into column c's index, reporting as insert_row_entry;
-// in_order: the entries come in index order (BTree::append).
-bool insert_entry(TableState& t, int c, int32_t key, long row, bool in_order);
+// How insert_entry places an entry: by a search, or (BTree::append) at the
+// end when it orders after every entry, checked with one comparison or
+// known by the caller.
+enum class Placing { kSearch, kInOrder, kAfterAll };
+// Inserts (key, row) into column c's index, reporting as insert_row_entry.
+bool insert_entry(TableState& t, int c, int32_t key, long row, Placing placing);
 bool delete_row_entry(TableState& t, long row, int c, const std::byte* record);
 bool open_index(TableState& t, int c, int mode);
 // Index add with its trace line "IndexAdd ...".

@@ -158,13 +158,16 @@ bool insert_row_entry(TableState& t, long row, int c, const std::byte* record) {
   int32_t key = 0;
   if (!record_key(t, c, record, key)) return fail(t);
   if (t.values[c].active()) t.values[c].store(row, record + t.column(c).position);
-  return insert_entry(t, c, key, row, false);
+  return insert_entry(t, c, key, row, Placing::kSearch);
 }
 
-bool insert_entry(TableState& t, int c, int32_t key, long row, bool in_order) {
+bool insert_entry(TableState& t, int c, int32_t key, long row, Placing placing) {
   BTree& index = *t.indexes[c];
   int32_t row32 = static_cast<int32_t>(row);
-  switch (in_order ? index.append(key, row32) : index.insert(key, row32)) {
+  BTree::Insert inserted = placing == Placing::kSearch
+                               ? index.insert(key, row32)
+                               : index.append(key, row32, placing == Placing::kAfterAll);
+  switch (inserted) {
     case BTree::Insert::kInserted:
       return true;
     case BTree::Insert::kDuplicate:
