@@ -3,16 +3,15 @@
 
 #include <filesystem>
 
+#include "cli/pxctl_test_fixture.h"
 #include "common/file_util.h"
-#include "tests/support/run_program.h"
-#include "tests/support/test_dir.h"
 
 namespace px {
 namespace {
 
 const std::string kHead = "# Plexar Job Management Database (JMD) file\n";
 
-class PxctlJmdTest : public ::testing::Test {
+class PxctlJmdTest : public PxctlFixture {
  protected:
   void SetUp() override {
     ini_ = dir_.write("test.ini",
@@ -31,12 +30,6 @@ class PxctlJmdTest : public ::testing::Test {
                                     "!x T1 Cls run.sh \"-q \"\"x\"\"\" *\n"
                                     "!m L1 4096 *\n");
   }
-  ProgramResult pxctl(std::vector<std::string> args) {
-    args.insert(args.begin(), "-aii" + ini_);
-    return run_program(PXCTL_PATH, args, dir_.path());
-  }
-  TestDir dir_;
-  std::string ini_;
   std::string jmd_;
 };
 

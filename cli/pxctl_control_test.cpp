@@ -10,8 +10,7 @@
 #include <filesystem>
 #include <optional>
 
-#include "tests/support/run_program.h"
-#include "tests/support/test_dir.h"
+#include "cli/pxctl_test_fixture.h"
 
 namespace px {
 namespace {
@@ -50,7 +49,7 @@ class Listener {
   int fd_;
 };
 
-class PxctlControlTest : public ::testing::Test {
+class PxctlControlTest : public PxctlFixture {
  protected:
   void SetUp() override {
     ini_ = dir_.write("pxcntrl.ini", "[Plexar]\nInstall=" + dir_.file("install.ini") + "\n");
@@ -73,10 +72,6 @@ class PxctlControlTest : public ::testing::Test {
   }
   void TearDown() override { ::unsetenv("PLEXAR_PIPE_DIR"); }
 
-  ProgramResult pxctl(std::vector<std::string> args) {
-    args.insert(args.begin(), "-aii" + ini_);
-    return run_program(PXCTL_PATH, args, dir_.path());
-  }
   void status(const std::string& line) { dir_.write("north.sts", line + "\n"); }
   std::vector<std::string> jobs() {
     std::vector<std::string> names;
@@ -86,9 +81,6 @@ class PxctlControlTest : public ::testing::Test {
     std::sort(names.begin(), names.end());
     return names;
   }
-
-  TestDir dir_;
-  std::string ini_;
 };
 
 TEST_F(PxctlControlTest, InstancesStateAndLocation) {

@@ -2,13 +2,12 @@
 // codes.
 #include <gtest/gtest.h>
 
-#include "tests/support/run_program.h"
-#include "tests/support/test_dir.h"
+#include "cli/pxctl_test_fixture.h"
 
 namespace px {
 namespace {
 
-class PxctlTest : public ::testing::Test {
+class PxctlTest : public PxctlFixture {
  protected:
   void SetUp() override {
     ini_ = dir_.write("test.ini",
@@ -19,13 +18,6 @@ class PxctlTest : public ::testing::Test {
                           "Msg901=30 bad use of @P1\n"
                           "Msg902=30 cannot write @P1\n");
   }
-  // pxctl with the test INI file and the given arguments.
-  ProgramResult pxctl(std::vector<std::string> args) {
-    args.insert(args.begin(), "-aii" + ini_);
-    return run_program(PXCTL_PATH, args, dir_.path());
-  }
-  TestDir dir_;
-  std::string ini_;
 };
 
 TEST_F(PxctlTest, IniRoundTripIsByteExact) {

@@ -16,7 +16,6 @@
 // must only be a strict order, which is why floating-point columns (NaN) and
 // columns with their own compare function are left to the row-order build.
 #include <algorithm>
-#include <bit>
 #include <cstring>
 #include <new>
 
