@@ -25,7 +25,7 @@ constexpr ControlDef kServerControls[] = {
     {kServerSpin, K::kVScrollBar, "", {126, 7, 9, 12}},
     {kServerMinutes, K::kRadioButton, "&minutes", {145, 8, 50, 10}},
     {kServerSeconds, K::kRadioButton, "&seconds", {199, 8, 50, 10}},
-    {kNoId, K::kStatic, "&File specification:", {7, 25, 92, 8}},
+    {kNoId, K::kStatic, "&File pattern:", {7, 25, 92, 8}},
     {kServerFileSpec, K::kEdit, "", {102, 23, 181, 12}, kNoStyle, 255},
     {kNoId, K::kStatic, "Delete e&xtension:", {7, 41, 92, 8}},
     {kServerDeleteExt, K::kEdit, "", {102, 39, 181, 12}, kNoStyle, 255},
