@@ -46,31 +46,16 @@ uint64_t big_endian_word(const std::byte* bytes, size_t count) {
   return value;
 }
 
-template <class T>
-int order(T a, T b) {
-  return a < b ? -1 : (b < a ? 1 : 0);
-}
-
 bool sortable_type(int32_t type) {
   return (type >= kTypeInt && type <= kTypeUnsignedChar) ||
          (type >= kTypeString && type <= kTypeTextNoCase);
-}
-
-bool unsigned_key(int32_t type) {
-  switch (type) {
-    case kTypeUnsigned: case kTypeUnsignedLong: case kTypeUnsignedShort: case kTypeUnsignedChar:
-    case kTypeString: case kTypeStringNoCase:
-      return true;
-    default:
-      return false;
-  }
 }
 
 class EntryOrder {
  public:
   EntryOrder(const TableState& t, int c)
       : values_(t.values[c]),
-        unsigned_keys_(unsigned_key(t.column(c).type)),
+        type_(t.column(c).type),
         unique_(t.column(c).flags & kUniqueKey),
         width_(t.column(c).width) {}
 
@@ -91,8 +76,7 @@ class EntryOrder {
   // Negative, zero or positive: keys as the column type orders them, then
   // the first value bytes, then rows.
   int compare(const SortEntry& a, const SortEntry& b) const {
-    int r = unsigned_keys_ ? order(static_cast<uint32_t>(a.key), static_cast<uint32_t>(b.key))
-                           : order(a.key, b.key);
+    int r = compare_keys(type_, a.key, b.key);
     if (r == 0) r = order(a.head_high, b.head_high);
     if (r == 0) r = order(a.head_low, b.head_low);
     if (r == 0) r = order(a.row, b.row);
@@ -120,7 +104,7 @@ class EntryOrder {
   }
 
   const ValueCache& values_;
-  bool unsigned_keys_;
+  int32_t type_;
   bool unique_;
   uint32_t width_;
 };

@@ -19,11 +19,6 @@ T load(const std::byte* p) {
 
 unsigned char lower(unsigned char c) { return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c; }
 
-template <class T>
-int order(T a, T b) {
-  return a < b ? -1 : (b < a ? 1 : 0);
-}
-
 // Compares two NUL-terminated texts over at most width bytes.
 int compare_text(const std::byte* a, const std::byte* b, uint32_t width, bool no_case) {
   auto* x = reinterpret_cast<const unsigned char*>(a);
@@ -35,23 +30,6 @@ int compare_text(const std::byte* a, const std::byte* b, uint32_t width, bool no
     if (c == 0) return 0;
   }
   return 0;
-}
-
-// Orders two keys of a column type; kCompareError for an unknown type.
-int compare_keys(int32_t type, int32_t a, int32_t b) {
-  switch (type) {
-    case kTypeInt: case kTypeLong: case kTypeShort: case kTypeChar:
-      return order(a, b);
-    case kTypeUnsigned: case kTypeUnsignedLong: case kTypeUnsignedShort: case kTypeUnsignedChar:
-    case kTypeString: case kTypeStringNoCase:
-      return order(static_cast<uint32_t>(a), static_cast<uint32_t>(b));
-    case kTypeFloat: case kTypeDouble:
-      return order(std::bit_cast<float>(a), std::bit_cast<float>(b));
-    case kTypeText: case kTypeTextNoCase: case kTypeCustom:
-      return 0;
-    default:
-      return kCompareError;
-  }
 }
 
 // memcmp() of 16 bytes as two big-endian words: the bytes in order, without
@@ -72,6 +50,22 @@ int compare_16(const std::byte* a, const std::byte* b) {
 }
 
 }  // namespace
+
+int compare_keys(int32_t type, int32_t a, int32_t b) {
+  switch (type) {
+    case kTypeInt: case kTypeLong: case kTypeShort: case kTypeChar:
+      return order(a, b);
+    case kTypeUnsigned: case kTypeUnsignedLong: case kTypeUnsignedShort: case kTypeUnsignedChar:
+    case kTypeString: case kTypeStringNoCase:
+      return order(static_cast<uint32_t>(a), static_cast<uint32_t>(b));
+    case kTypeFloat: case kTypeDouble:
+      return order(std::bit_cast<float>(a), std::bit_cast<float>(b));
+    case kTypeText: case kTypeTextNoCase: case kTypeCustom:
+      return 0;
+    default:
+      return kCompareError;
+  }
+}
 
 uint32_t string_hash(std::string_view text, bool no_case) {
   uint32_t hash = 0;

@@ -153,6 +153,15 @@ TableState* table_at(int slot, uint32_t serial);
 
 // ---- keys and values (index_compare.cpp) ----
 
+// -1, 0 or 1 as a is below, equal to or above b.
+template <class T>
+int order(T a, T b) {
+  return a < b ? -1 : (b < a ? 1 : 0);
+}
+// Orders two index keys of a column type (unsigned for the unsigned and the
+// hashed types, as floats for the floating-point ones); kCompareError for an
+// unknown type.
+int compare_keys(int32_t type, int32_t a, int32_t b);
 // Whether a type is compared by full value after equal keys.
 bool compares_values(int32_t type);
 // Compares two values of a column by its type; kCompareError for a bad type.
