@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -75,9 +76,7 @@ int dispatch(const Invocation& call) {
   return px::cli::kExitUsage;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
   use_console_ini();
   std::vector<std::string> args(argv, argv + argc);
   int status = px::common_init(args);
@@ -92,4 +91,15 @@ int main(int argc, char** argv) {
   int result = dispatch(call);
   px::messages::reset();
   return result;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::bad_alloc&) {
+    px::report_out_of_memory();
+    return px::cli::kExitFailed;
+  }
 }

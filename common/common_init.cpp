@@ -1,5 +1,6 @@
 #include "common/common_init.h"
 
+#include <cstdio>
 #include <new>
 #include <optional>
 
@@ -112,6 +113,18 @@ std::string init_error_text(int code) {
   if (code == kOutOfMemory) return "Out of memory";
   if (code == kIndirectFileFailed) return "Unable to expand indirect file on command line";
   return "Unknown error";
+}
+
+void report_out_of_memory() noexcept {
+  try {
+    std::string text = init_error_text(kOutOfMemory);
+    std::fprintf(stderr, "[%d]%s\n", kOutOfMemory, text.c_str());
+    messages::message_text(kOutOfMemory);
+    messages::emit(kOutOfMemory, text);
+  } catch (...) {
+    // Not even the message could be made: the fixed text is all that is left.
+    std::fputs("[-603]Out of memory\n", stderr);
+  }
 }
 
 std::string server_name() {

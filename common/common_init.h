@@ -36,6 +36,10 @@ std::string init_error_text(int code);
 // "PXSRVR").
 std::string server_name();
 
+// For a program's outermost catch of std::bad_alloc: shows kOutOfMemory as
+// "[-603]text" on stderr and logs it. Never throws.
+void report_out_of_memory() noexcept;
+
 // The "-adt" value; 0 when not given.
 int integer_option();
 

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "common/file_util.h"
+#include "common/readable_file.h"
 #include "common/text.h"
 
 namespace px::ini {
@@ -17,6 +18,8 @@ namespace {
 
 constexpr size_t kMaxFileNameLength = 255;
 constexpr size_t kKeyArrayStep = 10240;
+// A larger file is treated as one that cannot be read.
+constexpr size_t kMaxFileSize = size_t{1} << 30;
 
 struct CachedFile {
   std::string name;
@@ -97,7 +100,7 @@ const std::string& load(std::string_view file) {
     if (iequals(node.name, name)) return node.text;
   }
   s.delimiters = Delimiters{};
-  std::string text = read_file(name).value_or(std::string());
+  std::string text = read_whole_file(name, kMaxFileSize).value_or(std::string());
   // The text ends at its first NUL, as a C string of the file would.
   size_t nul = text.find('\0');
   if (nul != std::string::npos) text.resize(nul);
