@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
+#include <limits>
 #include <memory>
 #include <string>
 
@@ -17,7 +18,6 @@ namespace px::ini {
 namespace {
 
 constexpr size_t kMaxFileNameLength = 255;
-constexpr size_t kKeyArrayStep = 10240;
 // A larger file is treated as one that cannot be read.
 constexpr size_t kMaxFileSize = size_t{1} << 30;
 
@@ -129,11 +129,11 @@ int get_int(std::string_view section, std::string_view key, int fallback,
   return value ? parse_int(*value) : fallback;
 }
 
+// Growing the buffer by kKeyArrayStep until the list fits ends with every key
+// of the section, so one scan with no bound gives the same list without
+// reading a long section once per step.
 std::vector<std::string> get_key_array(std::string_view section, std::string_view file) {
-  for (size_t size = kKeyArrayStep;; size += kKeyArrayStep) {
-    KeyList list = get_key_list(section, size, file);
-    if (!list.overflow) return std::move(list.keys);
-  }
+  return get_key_list(section, std::numeric_limits<size_t>::max(), file).keys;
 }
 
 bool write_string(std::string_view section, std::optional<std::string_view> key,

@@ -34,8 +34,8 @@ KeyList get_key_list(std::string_view section, size_t size, std::string_view fil
 int get_int(std::string_view section, std::string_view key, int fallback,
             std::string_view file = {});
 
-// Every key of section, reading the list in buffers grown 10,240 characters
-// at a time until it fits.
+// Every key of section (the list that buffers grown 10,240 characters at a
+// time until it fits would hold), read in one scan.
 std::vector<std::string> get_key_array(std::string_view section, std::string_view file = {});
 
 // Sets key to value in section and rewrites the file; no value deletes the

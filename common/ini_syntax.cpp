@@ -1,5 +1,7 @@
 #include "common/ini_syntax.h"
 
+#include <algorithm>
+
 #include "common/text.h"
 
 namespace px {
@@ -91,17 +93,20 @@ std::string_view writer_key(std::string_view piece, const Delimiters& delims) {
 
 }  // namespace
 
+// The end of the current line is looked for once, not again for each piece
+// of a long line, so a line of any length is read in linear time.
 bool LineReader::next(std::string_view& line) {
   if (pos_ >= text_.size()) return false;
-  size_t end = text_.find('\n', pos_);
-  size_t stop = end == std::string_view::npos ? text_.size() : end;
-  if (stop - pos_ > max_) {
+  if (line_end_ == std::string_view::npos || line_end_ < pos_) {
+    line_end_ = std::min(text_.find('\n', pos_), text_.size());
+  }
+  if (line_end_ - pos_ > max_) {
     line = text_.substr(pos_, max_);
     pos_ += max_;
     return true;
   }
-  line = text_.substr(pos_, stop - pos_);
-  pos_ = end == std::string_view::npos ? text_.size() : end + 1;
+  line = text_.substr(pos_, line_end_ - pos_);
+  pos_ = line_end_ + 1;
   return true;
 }
 
@@ -164,9 +169,10 @@ std::string rewrite_text(std::string_view old_text, const IniChange& change,
   };
 
   size_t pos = 0;
+  size_t line_end = 0;  // one past the line feed ending the line at pos
   while (pos < old_text.size()) {
-    size_t end = old_text.find('\n', pos);
-    size_t len = end == std::string_view::npos ? old_text.size() - pos : end - pos + 1;
+    if (line_end <= pos) line_end = std::min(old_text.find('\n', pos), old_text.size() - 1) + 1;
+    size_t len = line_end - pos;
     if (len > kWriterPieceLength) len = kWriterPieceLength;
     std::string_view piece = old_text.substr(pos, len);
     pos += len;

@@ -43,6 +43,9 @@ class LineReader {
   std::string_view text_;
   size_t max_;
   size_t pos_ = 0;
+  // The line feed (or end of text) ending the line at pos_; npos before the
+  // first line.
+  size_t line_end_ = std::string_view::npos;
 };
 
 // The section name of a header line, or nullopt when the line is not a header
