@@ -49,6 +49,19 @@ TEST_F(PxctlTest, FailuresAndUsageErrors) {
   EXPECT_EQ(pxctl({}).status, 2);
 }
 
+TEST_F(PxctlTest, ChangesThatWouldNotReadBackAreRefused) {
+  std::string file = dir_.write("s.ini", "[S]\nK=1\n");
+  ProgramResult injected = pxctl({"ini", "set", file, "S", "K", "a\n[Evil]\nX=1"});
+  EXPECT_EQ(injected.status, 1);
+  EXPECT_EQ(injected.err.rfind("[1352]", 0), 0u) << injected.err;
+  EXPECT_EQ(pxctl({"ini", "set", file, "A]B", "K", "v"}).err.rfind("[1350]", 0), 0u);
+  EXPECT_EQ(pxctl({"ini", "set", file, "S", "K=", "v"}).err.rfind("[1351]", 0), 0u);
+  ProgramResult deleted = pxctl({"ini", "delete", file, "S]", "K"});
+  EXPECT_EQ(deleted.status, 1);
+  EXPECT_EQ(deleted.err.rfind("[1350]", 0), 0u) << deleted.err;
+  EXPECT_EQ(dir_.read("s.ini"), "[S]\nK=1\n");
+}
+
 TEST_F(PxctlTest, MessageIsPrintedAndLogged) {
   ProgramResult r = pxctl({"-alltest.log", "msg", "20", "a.dat", "/in"});
   EXPECT_EQ(r.status, 0);

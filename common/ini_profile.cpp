@@ -138,6 +138,7 @@ std::vector<std::string> get_key_array(std::string_view section, std::string_vie
 
 bool write_string(std::string_view section, std::optional<std::string_view> key,
                   std::optional<std::string_view> value, std::string_view file) {
+  if (unwritable_part({section, key, value}, Delimiters{}) != Unwritable::kNone) return false;
   std::string name = resolve(file);
   drop_file(name);
   ProfileState& s = state();

@@ -95,6 +95,50 @@ std::string_view writer_key(std::string_view piece, const Delimiters& delims) {
 
 // The end of the current line is looked for once, not again for each piece
 // of a long line, so a line of any length is read in linear time.
+namespace {
+
+constexpr size_t kMaxSectionName = kWriterPieceLength - 2;  // "[" name "]"
+constexpr size_t kMaxKey = kWriterPieceLength - 1;          // key "="
+// A longer entry line is copied in pieces, and a later rewrite of its key
+// would leave the pieces after the first behind as lines of their own.
+constexpr size_t kMaxEntryLength = kWriterPieceLength - 1;  // key "=" value
+
+bool has_any(std::string_view text, std::string_view characters) {
+  return text.find_first_of(characters) != std::string_view::npos;
+}
+
+bool has_line_break(std::string_view text) {
+  return has_any(text, std::string_view("\n\r\0", 3));
+}
+
+bool has_outer_space(std::string_view text) {
+  return !text.empty() && (is_space(text.front()) || is_space(text.back()));
+}
+
+}  // namespace
+
+Unwritable unwritable_part(const IniChange& change, const Delimiters& delims) {
+  std::string_view section = change.section;
+  if (section.empty() || section.size() > kMaxSectionName || has_line_break(section) ||
+      section.find(delims.section_close) != std::string_view::npos) {
+    return Unwritable::kSection;
+  }
+  if (!change.key) return Unwritable::kNone;
+  std::string_view key = *change.key;
+  if (key.empty() || key.size() > kMaxKey || has_line_break(key) ||
+      key.find(delims.separator) != std::string_view::npos || key[0] == delims.section_open ||
+      has_outer_space(key)) {
+    return Unwritable::kKey;
+  }
+  if (!change.value) return Unwritable::kNone;
+  std::string_view value = *change.value;
+  if (has_line_break(value) || value.find('\t') != std::string_view::npos ||
+      has_outer_space(value) || key.size() + 1 + value.size() > kMaxEntryLength) {
+    return Unwritable::kValue;
+  }
+  return Unwritable::kNone;
+}
+
 bool LineReader::next(std::string_view& line) {
   if (pos_ >= text_.size()) return false;
   if (line_end_ == std::string_view::npos || line_end_ < pos_) {
