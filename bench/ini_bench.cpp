@@ -1,10 +1,13 @@
 // INI lookups over a 2,000-key file: cached lookups of keys near the start and
-// end of the file, a key list, and a rewrite of one key.
+// end of the file, a key list, and a rewrite of one key. Then the growth:
+// key lists of 100,000 and 1,000,000 keys, and a lookup and a rewrite behind
+// a line of 1 MB and 10 MB.
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <string>
 
 #include "common/ini_profile.h"
@@ -84,5 +87,61 @@ void BM_WriteStringToFile(benchmark::State& state) {
   }
 }
 BENCHMARK(BM_WriteStringToFile);
+
+// Sections of state.range(0) keys: the key list and a lookup of the last key
+// must grow linearly with the section.
+std::string section_of_keys(int64_t keys) {
+  std::string text = "[Big]\n";
+  for (int64_t k = 0; k < keys; ++k) text += "Key" + std::to_string(k) + "=value\n";
+  return text;
+}
+
+void BM_KeyListOfSection(benchmark::State& state) {
+  std::string text = section_of_keys(state.range(0));
+  for (auto _ : state) {
+    px::KeyList list = px::find_keys(text, "Big", std::numeric_limits<size_t>::max(), {});
+    benchmark::DoNotOptimize(list);
+  }
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(BM_KeyListOfSection)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);
+
+// The same through the engine, from the file, as pxctl ini keys does.
+void BM_KeyArrayFromFile(benchmark::State& state) {
+  std::string name = "/tmp/px_bench_keys_" + std::to_string(getpid()) + ".ini";
+  std::string text = section_of_keys(state.range(0));
+  std::FILE* f = std::fopen(name.c_str(), "w");
+  std::fwrite(text.data(), 1, text.size(), f);
+  std::fclose(f);
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(px::ini::get_key_array("Big", name));
+  }
+  px::ini::drop_file(name);
+  std::remove(name.c_str());
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(BM_KeyArrayFromFile)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);
+
+// A lookup behind one line of state.range(0) bytes.
+void BM_LookupAfterLongLine(benchmark::State& state) {
+  std::string text = "[A]\nlong=" + std::string(static_cast<size_t>(state.range(0)), 'x') +
+                     "\nlast=found\n";
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(px::find_value(text, "A", "last", 256, {}));
+  }
+  state.SetBytesProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(BM_LookupAfterLongLine)->Arg(1 << 20)->Arg(10 << 20)->Unit(benchmark::kMillisecond);
+
+// Rewriting a key behind one line of state.range(0) bytes.
+void BM_RewriteAfterLongLine(benchmark::State& state) {
+  std::string text = "[A]\nlong=" + std::string(static_cast<size_t>(state.range(0)), 'x') +
+                     "\nlast=found\n";
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(px::rewrite_text(text, {"A", "last", "new"}, px::Delimiters{}));
+  }
+  state.SetBytesProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(BM_RewriteAfterLongLine)->Arg(1 << 20)->Arg(10 << 20)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -18,6 +18,11 @@ inline constexpr int kMsgUnknownCommand = 900;
 inline constexpr int kMsgBadArguments = 901;
 inline constexpr int kMsgIniWriteFailed = 902;
 inline constexpr int kMsgUnknownPrinter = 903;
+// An INI change that could not be read back as written: @P1 the file, @P2
+// the section name, key or value refused.
+inline constexpr int kMsgIniBadSection = 1350;
+inline constexpr int kMsgIniBadKey = 1351;
+inline constexpr int kMsgIniBadValue = 1352;
 
 struct Invocation {
   std::string command;              // the command word, such as "ini"

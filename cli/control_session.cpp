@@ -21,7 +21,10 @@ ControlContext ControlSession::context() {
   return ControlContext{current_instance(), op_, clock_, runner_, printers, {}, {}};
 }
 
-int exit_status(Outcome outcome) { return outcome == Outcome::kDone ? kExitOk : kExitFailed; }
+int exit_status(Outcome outcome) {
+  return outcome == Outcome::kDone || outcome == Outcome::kDeliveredNotWoken ? kExitOk
+                                                                             : kExitFailed;
+}
 
 int run_plain_control(const Invocation& call, const char* synopsis,
                       Outcome (*run)(const ControlContext&)) {

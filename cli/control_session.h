@@ -32,7 +32,8 @@ class ControlSession {
   bool ready_ = false;
 };
 
-// The exit status of a finished control command.
+// The exit status of a finished control command: 0 also when the job was
+// written and only the wake-up failed (the warning is on stderr).
 int exit_status(Outcome outcome);
 
 // Runs a command that takes no words through the library call run, with

@@ -30,8 +30,28 @@ int ini_keys(const std::vector<std::string>& w) {
   return kExitOk;
 }
 
+// The message that refuses a change the file could not give back unchanged;
+// 0 when it can be written.
+int refusal(const IniChange& change) {
+  switch (unwritable_part(change, Delimiters{})) {
+    case Unwritable::kSection: return kMsgIniBadSection;
+    case Unwritable::kKey: return kMsgIniBadKey;
+    case Unwritable::kValue: return kMsgIniBadValue;
+    case Unwritable::kNone: break;
+  }
+  return 0;
+}
+
 int ini_write(const std::string& file, const std::string& section,
               std::optional<std::string_view> key, std::optional<std::string_view> value) {
+  IniChange change{section, key, value};
+  if (int refused = refusal(change)) {
+    std::string_view part = refused == kMsgIniBadSection ? change.section
+                            : refused == kMsgIniBadKey   ? *change.key
+                                                         : *change.value;
+    report(refused, {file, std::string(part)});
+    return kExitFailed;
+  }
   if (ini::write_string(section, key, value, file)) return kExitOk;
   report(kMsgIniWriteFailed, {file});
   return kExitFailed;

@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,23 @@ bool parse_invocation(const std::vector<std::string>& args, Invocation& call) {
   return true;
 }
 
+// Where pxctl's own words begin: after the command word, which follows the
+// common options, "@" files and --instance NAME. Those words reach the command
+// exactly as the shell gave them. The args command shows the arguments as
+// common initialisation leaves them, so for it the whole line is rebuilt.
+size_t own_words_start(const std::vector<std::string>& args) {
+  for (size_t i = 1; i < args.size(); ++i) {
+    const std::string& arg = args[i];
+    if (px::is_common_option(arg) || (!arg.empty() && arg[0] == '@')) continue;
+    if (arg == "--instance") {
+      ++i;
+      continue;
+    }
+    return arg == "args" ? args.size() : i + 1;
+  }
+  return args.size();
+}
+
 int dispatch(const Invocation& call) {
   if (call.command == "ini") return px::cli::run_ini(call);
   if (call.command == "msg") return px::cli::run_msg(call);
@@ -75,12 +93,10 @@ int dispatch(const Invocation& call) {
   return px::cli::kExitUsage;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
   use_console_ini();
   std::vector<std::string> args(argv, argv + argc);
-  int status = px::common_init(args);
+  int status = px::common_init(args, own_words_start(args));
   if (status != 0) {
     std::fprintf(stderr, "[%d]%s\n", status, px::init_error_text(status).c_str());
     return px::cli::kExitFailed;
@@ -92,4 +108,15 @@ int main(int argc, char** argv) {
   int result = dispatch(call);
   px::messages::reset();
   return result;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::bad_alloc&) {
+    px::report_out_of_memory();
+    return px::cli::kExitFailed;
+  }
 }

@@ -49,6 +49,19 @@ TEST_F(PxctlTest, FailuresAndUsageErrors) {
   EXPECT_EQ(pxctl({}).status, 2);
 }
 
+TEST_F(PxctlTest, ChangesThatWouldNotReadBackAreRefused) {
+  std::string file = dir_.write("s.ini", "[S]\nK=1\n");
+  ProgramResult injected = pxctl({"ini", "set", file, "S", "K", "a\n[Evil]\nX=1"});
+  EXPECT_EQ(injected.status, 1);
+  EXPECT_EQ(injected.err.rfind("[1352]", 0), 0u) << injected.err;
+  EXPECT_EQ(pxctl({"ini", "set", file, "A]B", "K", "v"}).err.rfind("[1350]", 0), 0u);
+  EXPECT_EQ(pxctl({"ini", "set", file, "S", "K=", "v"}).err.rfind("[1351]", 0), 0u);
+  ProgramResult deleted = pxctl({"ini", "delete", file, "S]", "K"});
+  EXPECT_EQ(deleted.status, 1);
+  EXPECT_EQ(deleted.err.rfind("[1350]", 0), 0u) << deleted.err;
+  EXPECT_EQ(dir_.read("s.ini"), "[S]\nK=1\n");
+}
+
 TEST_F(PxctlTest, MessageIsPrintedAndLogged) {
   ProgramResult r = pxctl({"-alltest.log", "msg", "20", "a.dat", "/in"});
   EXPECT_EQ(r.status, 0);
@@ -66,6 +79,26 @@ TEST_F(PxctlTest, ArgumentsAfterCommonInitialisation) {
   EXPECT_EQ(missing.status, 1);
   // The INI file is not set up yet, so the text comes from the console's own.
   EXPECT_EQ(missing.err.rfind("[-604]", 0), 0u) << missing.err;
+}
+
+TEST_F(PxctlTest, OwnWordsReachTheCommandAsTheShellGaveThem) {
+  std::string file = dir_.write("s.ini", "[S]\nK=1\n");
+  EXPECT_EQ(pxctl({"ini", "set", file, "S", "K", ""}).status, 0);
+  EXPECT_EQ(pxctl({"ini", "set", file, "S", "J", "it's"}).status, 0);
+  ProgramResult mail = pxctl({"ini", "set", file, "S", "M", "mail @support"});
+  EXPECT_EQ(mail.status, 0) << mail.err;
+  EXPECT_EQ(pxctl({"ini", "set", file, "S", "Q", "\"a  b\""}).status, 0);
+  EXPECT_EQ(dir_.read("s.ini"), "[S]\nK=\nJ=it's\nM=mail @support\nQ=\"a  b\"\n");
+  EXPECT_EQ(pxctl({"ini", "get", file, "S", "none", ""}).out, "\n");
+
+  // Options and "@" files before the command, and options after it, still
+  // count; the command word itself may come from an "@" file.
+  dir_.write("words.txt", "-allown.log ini");
+  ProgramResult indirect = pxctl({"@words.txt", "get", file, "S", "J", "-asnX"});
+  EXPECT_EQ(indirect.out, "it's\n");
+  EXPECT_EQ(pxctl({"ini", "get", file, "S", "J", "-alllater.log"}).out, "it's\n");
+  EXPECT_EQ(pxctl({"-alllater.log", "msg", "20", "a", "b"}).status, 0);
+  EXPECT_NE(dir_.read("later.log").find("[20]"), std::string::npos);
 }
 
 TEST_F(PxctlTest, HelpComesFromUsageSectionWhenPresent) {

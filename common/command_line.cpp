@@ -1,6 +1,6 @@
 #include "common/command_line.h"
 
-#include "common/file_util.h"
+#include "common/readable_file.h"
 
 namespace px {
 
@@ -59,7 +59,8 @@ int expand_indirect_files(std::string& line) {
 
     size_t end = line.find_first_of(" \t\n", at + 1);
     if (end == std::string::npos) end = line.size();
-    std::optional<std::string> text = read_file(line.substr(at + 1, end - at - 1));
+    std::optional<std::string> text =
+        read_whole_file(line.substr(at + 1, end - at - 1), kMaxLineLength);
     if (!text) return kIndirectFileFailed;
     for (size_t i = 0; i + 1 < text->size(); ++i) {
       char& c = (*text)[i];

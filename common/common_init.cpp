@@ -1,5 +1,7 @@
 #include "common/common_init.h"
 
+#include <cstdio>
+#include <algorithm>
 #include <new>
 #include <optional>
 
@@ -94,13 +96,19 @@ int rebuild_arguments(const std::vector<std::string>& args, std::vector<std::str
 
 }  // namespace
 
-int common_init(std::vector<std::string>& args) {
+int common_init(std::vector<std::string>& args) { return common_init(args, args.size()); }
+
+int common_init(std::vector<std::string>& args, size_t verbatim_from) {
+  verbatim_from = std::min(verbatim_from, args.size());
+  std::vector<std::string> head(args.begin(), args.begin() + static_cast<long>(verbatim_from));
   std::vector<std::string> expanded;
-  int result = rebuild_arguments(args, expanded);
-  if (result != 0) {
+  if (head.size() < 2 && verbatim_from < args.size()) {
+    expanded = std::move(head);  // the program's name alone: nothing to expand
+  } else if (int result = rebuild_arguments(head, expanded); result != 0) {
     report(result);
     return result;
   }
+  expanded.insert(expanded.end(), args.begin() + static_cast<long>(verbatim_from), args.end());
   args = std::move(expanded);
   apply_options(args);
   return 0;
@@ -112,6 +120,18 @@ std::string init_error_text(int code) {
   if (code == kOutOfMemory) return "Out of memory";
   if (code == kIndirectFileFailed) return "Unable to expand indirect file on command line";
   return "Unknown error";
+}
+
+void report_out_of_memory() noexcept {
+  try {
+    std::string text = init_error_text(kOutOfMemory);
+    std::fprintf(stderr, "[%d]%s\n", kOutOfMemory, text.c_str());
+    messages::message_text(kOutOfMemory);
+    messages::emit(kOutOfMemory, text);
+  } catch (...) {
+    // Not even the message could be made: the fixed text is all that is left.
+    std::fputs("[-603]Out of memory\n", stderr);
+  }
 }
 
 std::string server_name() {

@@ -28,6 +28,12 @@ namespace px {
 // are then left as they were.
 int common_init(std::vector<std::string>& args);
 
+// common_init for a program whose own words start at verbatim_from: those
+// arguments are kept exactly as given (empty ones, quotes and "@" inside them
+// included) and only the ones before them are rebuilt and expanded. The "-a"
+// options among them still count.
+int common_init(std::vector<std::string>& args, size_t verbatim_from);
+
 // The text reported for an initialisation failure: key "Msg<code>" (with its
 // sign) of section Messages when present, otherwise the built-in text.
 std::string init_error_text(int code);
@@ -35,6 +41,10 @@ std::string init_error_text(int code);
 // The "-asn" server name, else ServerName of section PxServer (default
 // "PXSRVR").
 std::string server_name();
+
+// For a program's outermost catch of std::bad_alloc: shows kOutOfMemory as
+// "[-603]text" on stderr and logs it. Never throws.
+void report_out_of_memory() noexcept;
 
 // The "-adt" value; 0 when not given.
 int integer_option();

@@ -51,6 +51,22 @@ TEST_F(CommonInitTest, OptionsAreTakenInOrder) {
   EXPECT_EQ(access("answer.rsp", F_OK), -1);  // a stale response is deleted
 }
 
+TEST_F(CommonInitTest, OwnWordsAreKeptAsGiven) {
+  dir_.write("more.txt", "x \"y z\"");
+  Args args{"/opt/my px/prog", "@more.txt", "cmd", "", "it's", "mail @support", "-allown.log"};
+  ASSERT_EQ(common_init(args, 3), 0);
+  EXPECT_EQ(args, (Args{"/opt/my px/prog", "x", "y z", "cmd", "", "it's", "mail @support",
+                        "-allown.log"}));
+  EXPECT_EQ(messages::log_file(), "own.log");
+
+  Args alone{"/opt/my px/prog", "", "@nothing"};
+  ASSERT_EQ(common_init(alone, 1), 0);
+  EXPECT_EQ(alone, (Args{"/opt/my px/prog", "", "@nothing"}));
+
+  Args missing{"prog", "@nothing.txt", "cmd"};
+  EXPECT_EQ(common_init(missing, 2), kIndirectFileFailed);
+}
+
 TEST_F(CommonInitTest, IniOptionNeedsItsValueAttached) {
   Args args{"prog", "-aii", ini_, "-asnBETA"};
   ASSERT_EQ(common_init(args), 0);

@@ -12,6 +12,7 @@
 #include <memory>
 
 #include "common/platform.h"
+#include "common/readable_file.h"
 
 namespace px {
 namespace {
@@ -315,15 +316,7 @@ std::optional<std::string> unique_name(std::string_view directory, std::string_v
 }
 
 std::optional<std::string> read_file(const std::string& path) {
-  FileDescriptor file(open_file(path, O_RDONLY));
-  if (!file.valid()) return std::nullopt;
-  std::string contents;
-  bool ok = read_blocks(file.get(), [&](std::string_view block) {
-    contents += block;
-    return true;
-  });
-  if (!ok) return std::nullopt;
-  return contents;
+  return read_whole_file(path, std::string().max_size());
 }
 
 // Opening the target first proves it is writable (and creates a missing one),

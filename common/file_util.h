@@ -91,6 +91,7 @@ std::optional<std::string> unique_name(std::string_view directory, std::string_v
                                        std::string_view ext);
 
 // Reads a whole file in binary; nullopt when it cannot be opened or read.
+// Only regular files are read (see readable_file.h).
 std::optional<std::string> read_file(const std::string& path);
 
 // Replaces the contents of path with text without ever leaving a half-written

@@ -5,10 +5,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
+#include <limits>
 #include <memory>
 #include <string>
 
 #include "common/file_util.h"
+#include "common/readable_file.h"
 #include "common/text.h"
 
 namespace px::ini {
@@ -16,7 +18,8 @@ namespace px::ini {
 namespace {
 
 constexpr size_t kMaxFileNameLength = 255;
-constexpr size_t kKeyArrayStep = 10240;
+// A larger file is treated as one that cannot be read.
+constexpr size_t kMaxFileSize = size_t{1} << 30;
 
 struct CachedFile {
   std::string name;
@@ -97,7 +100,7 @@ const std::string& load(std::string_view file) {
     if (iequals(node.name, name)) return node.text;
   }
   s.delimiters = Delimiters{};
-  std::string text = read_file(name).value_or(std::string());
+  std::string text = read_whole_file(name, kMaxFileSize).value_or(std::string());
   // The text ends at its first NUL, as a C string of the file would.
   size_t nul = text.find('\0');
   if (nul != std::string::npos) text.resize(nul);
@@ -126,15 +129,16 @@ int get_int(std::string_view section, std::string_view key, int fallback,
   return value ? parse_int(*value) : fallback;
 }
 
+// Growing the buffer by kKeyArrayStep until the list fits ends with every key
+// of the section, so one scan with no bound gives the same list without
+// reading a long section once per step.
 std::vector<std::string> get_key_array(std::string_view section, std::string_view file) {
-  for (size_t size = kKeyArrayStep;; size += kKeyArrayStep) {
-    KeyList list = get_key_list(section, size, file);
-    if (!list.overflow) return std::move(list.keys);
-  }
+  return get_key_list(section, std::numeric_limits<size_t>::max(), file).keys;
 }
 
 bool write_string(std::string_view section, std::optional<std::string_view> key,
                   std::optional<std::string_view> value, std::string_view file) {
+  if (unwritable_part({section, key, value}, Delimiters{}) != Unwritable::kNone) return false;
   std::string name = resolve(file);
   drop_file(name);
   ProfileState& s = state();

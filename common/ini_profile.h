@@ -34,14 +34,15 @@ KeyList get_key_list(std::string_view section, size_t size, std::string_view fil
 int get_int(std::string_view section, std::string_view key, int fallback,
             std::string_view file = {});
 
-// Every key of section, reading the list in buffers grown 10,240 characters
-// at a time until it fits.
+// Every key of section (the list that buffers grown 10,240 characters at a
+// time until it fits would hold), read in one scan.
 std::vector<std::string> get_key_array(std::string_view section, std::string_view file = {});
 
 // Sets key to value in section and rewrites the file; no value deletes the
 // key, no key deletes every entry of the section. A missing file is created.
-// Returns false when the file cannot be created or rewritten, leaving it as
-// it was.
+// Returns false when the file cannot be created or rewritten, or when the
+// change could not be read back as written (see unwritable_part), leaving the
+// file as it was.
 bool write_string(std::string_view section, std::optional<std::string_view> key,
                   std::optional<std::string_view> value, std::string_view file = {});
 

@@ -61,6 +61,17 @@ TEST_F(IniProfileTest, WriteCreatesMissingFile) {
   EXPECT_FALSE(ini::write_string("S", "k", "v", dir_.file("no/such/dir.ini")));
 }
 
+TEST_F(IniProfileTest, ChangesThatCannotBeReadBackAreRefused) {
+  std::string path = dir_.write("w.ini", "[S]\nk=1\n");
+  EXPECT_FALSE(ini::write_string("S", "k", "a\n[Evil]\nX=1", path));
+  EXPECT_FALSE(ini::write_string("A]B", "k", "v", path));
+  EXPECT_FALSE(ini::write_string("S", "a=b", "v", path));
+  EXPECT_FALSE(ini::write_string("S", " k", std::nullopt, path));
+  EXPECT_EQ(dir_.read("w.ini"), "[S]\nk=1\n");
+  EXPECT_FALSE(ini::write_string("S", "k", "v\n", dir_.file("new.ini")));
+  EXPECT_EQ(access(dir_.file("new.ini").c_str(), F_OK), -1);
+}
+
 TEST_F(IniProfileTest, KeyArrayGrowsPastOneBuffer) {
   std::string text = "[Big]\n";
   for (int i = 0; i < 2000; ++i) text += "key_number_" + std::to_string(i) + "=v\n";

@@ -1,5 +1,7 @@
 #include "common/ini_syntax.h"
 
+#include <algorithm>
+
 #include "common/text.h"
 
 namespace px {
@@ -91,17 +93,64 @@ std::string_view writer_key(std::string_view piece, const Delimiters& delims) {
 
 }  // namespace
 
+// The end of the current line is looked for once, not again for each piece
+// of a long line, so a line of any length is read in linear time.
+namespace {
+
+constexpr size_t kMaxSectionName = kWriterPieceLength - 2;  // "[" name "]"
+constexpr size_t kMaxKey = kWriterPieceLength - 1;          // key "="
+// A longer entry line is copied in pieces, and a later rewrite of its key
+// would leave the pieces after the first behind as lines of their own.
+constexpr size_t kMaxEntryLength = kWriterPieceLength - 1;  // key "=" value
+
+bool has_any(std::string_view text, std::string_view characters) {
+  return text.find_first_of(characters) != std::string_view::npos;
+}
+
+bool has_line_break(std::string_view text) {
+  return has_any(text, std::string_view("\n\r\0", 3));
+}
+
+bool has_outer_space(std::string_view text) {
+  return !text.empty() && (is_space(text.front()) || is_space(text.back()));
+}
+
+}  // namespace
+
+Unwritable unwritable_part(const IniChange& change, const Delimiters& delims) {
+  std::string_view section = change.section;
+  if (section.empty() || section.size() > kMaxSectionName || has_line_break(section) ||
+      section.find(delims.section_close) != std::string_view::npos) {
+    return Unwritable::kSection;
+  }
+  if (!change.key) return Unwritable::kNone;
+  std::string_view key = *change.key;
+  if (key.empty() || key.size() > kMaxKey || has_line_break(key) ||
+      key.find(delims.separator) != std::string_view::npos || key[0] == delims.section_open ||
+      has_outer_space(key)) {
+    return Unwritable::kKey;
+  }
+  if (!change.value) return Unwritable::kNone;
+  std::string_view value = *change.value;
+  if (has_line_break(value) || value.find('\t') != std::string_view::npos ||
+      has_outer_space(value) || key.size() + 1 + value.size() > kMaxEntryLength) {
+    return Unwritable::kValue;
+  }
+  return Unwritable::kNone;
+}
+
 bool LineReader::next(std::string_view& line) {
   if (pos_ >= text_.size()) return false;
-  size_t end = text_.find('\n', pos_);
-  size_t stop = end == std::string_view::npos ? text_.size() : end;
-  if (stop - pos_ > max_) {
+  if (line_end_ == std::string_view::npos || line_end_ < pos_) {
+    line_end_ = std::min(text_.find('\n', pos_), text_.size());
+  }
+  if (line_end_ - pos_ > max_) {
     line = text_.substr(pos_, max_);
     pos_ += max_;
     return true;
   }
-  line = text_.substr(pos_, stop - pos_);
-  pos_ = end == std::string_view::npos ? text_.size() : end + 1;
+  line = text_.substr(pos_, line_end_ - pos_);
+  pos_ = line_end_ + 1;
   return true;
 }
 
@@ -164,9 +213,10 @@ std::string rewrite_text(std::string_view old_text, const IniChange& change,
   };
 
   size_t pos = 0;
+  size_t line_end = 0;  // one past the line feed ending the line at pos
   while (pos < old_text.size()) {
-    size_t end = old_text.find('\n', pos);
-    size_t len = end == std::string_view::npos ? old_text.size() - pos : end - pos + 1;
+    if (line_end <= pos) line_end = std::min(old_text.find('\n', pos), old_text.size() - 1) + 1;
+    size_t len = line_end - pos;
     if (len > kWriterPieceLength) len = kWriterPieceLength;
     std::string_view piece = old_text.substr(pos, len);
     pos += len;

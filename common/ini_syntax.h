@@ -43,6 +43,9 @@ class LineReader {
   std::string_view text_;
   size_t max_;
   size_t pos_ = 0;
+  // The line feed (or end of text) ending the line at pos_; npos before the
+  // first line.
+  size_t line_end_ = std::string_view::npos;
 };
 
 // The section name of a header line, or nullopt when the line is not a header
@@ -71,6 +74,27 @@ struct IniChange {
   std::optional<std::string_view> key;
   std::optional<std::string_view> value;
 };
+
+// The part of a change that could not be read back as it was written.
+enum class Unwritable {
+  kNone,
+  // Empty; or holds a line break, a NUL or the section-close character; or is
+  // longer than a header line the writer can match (253 characters).
+  kSection,
+  // Empty; or holds a line break, a NUL or the separator; or starts with the
+  // section-open character or white space, or ends with white space; or is
+  // longer than the writer can match (254 characters).
+  kKey,
+  // Holds a line break, a NUL or a TAB (the reader ends a value there); or
+  // starts or ends with white space (the reader trims it; quote the value to
+  // keep it); or key "=" value is longer than one piece of the writer (254
+  // characters), whose later rewrite would leave the rest behind.
+  kValue,
+};
+
+// Which part of change, if any, cannot be written and read back unchanged.
+// Every rewrite refuses such a change.
+Unwritable unwritable_part(const IniChange& change, const Delimiters& delims);
 
 // The text of a new file that holds only the change.
 std::string new_file_text(const IniChange& change, const Delimiters& delims);

@@ -136,6 +136,47 @@ TEST(IniRewrite, CrLfFilesKeepTheirOtherLines) {
   EXPECT_EQ(rewrite("[A]\r\nk=1\r\nj=2\r\n", "A", "k", "3"), "[A]\r\nk=3\nj=2\r\n");
 }
 
+TEST(IniWritable, OnlyWhatReadsBackIsWritten) {
+  auto part = [](std::string_view section, std::optional<std::string_view> key,
+                 std::optional<std::string_view> value) {
+    return unwritable_part(IniChange{section, key, value}, kDefault);
+  };
+  EXPECT_EQ(part("S", "k", "v"), Unwritable::kNone);
+  EXPECT_EQ(part(" odd section ", ";note", "'  quoted blanks  '"), Unwritable::kNone);
+  EXPECT_EQ(part("S", "k", ""), Unwritable::kNone);
+  EXPECT_EQ(part("S", std::nullopt, std::nullopt), Unwritable::kNone);
+
+  using Texts = std::initializer_list<std::string_view>;
+  for (std::string_view section : Texts{"", "A]B", "A\nB", "A\r", std::string_view("A\0B", 3)}) {
+    EXPECT_EQ(part(section, "k", "v"), Unwritable::kSection) << section;
+  }
+  EXPECT_EQ(part(std::string(253, 's'), "k", "v"), Unwritable::kNone);
+  EXPECT_EQ(part(std::string(254, 's'), "k", "v"), Unwritable::kSection);
+
+  for (std::string_view key : {"", "a=b", "a\nb", "[k", " k", "k ", "k\t"}) {
+    EXPECT_EQ(part("S", key, "v"), Unwritable::kKey) << key;
+    EXPECT_EQ(part("S", key, std::nullopt), Unwritable::kKey) << key;
+  }
+
+  for (std::string_view value :
+       Texts{"a\n[Evil]\nX=1", "a\rb", "a\tb", " v", "v ", std::string_view("a\0b", 3)}) {
+    EXPECT_EQ(part("S", "k", value), Unwritable::kValue) << value;
+  }
+  EXPECT_EQ(part("S", "k", std::string(252, 'v')), Unwritable::kNone);
+  EXPECT_EQ(part("S", "k", std::string(253, 'v')), Unwritable::kValue);
+}
+
+// Every change unwritable_part accepts reads back as written and can be
+// rewritten without leaving anything behind.
+TEST(IniWritable, AcceptedChangesRoundTrip) {
+  std::string longest(252, 'v');
+  for (std::string_view value : std::initializer_list<std::string_view>{"x", longest, "a=b ; c"}) {
+    std::string text = rewrite("[S]\nk=old\nj=2\n", "S", "k", value);
+    EXPECT_EQ(find_value(text, "S", "k", 1024, kDefault), std::string(value));
+    EXPECT_EQ(rewrite(text, "S", "k", "y"), "[S]\nk=y\nj=2\n");
+  }
+}
+
 TEST(IniRewrite, NewFileText) {
   EXPECT_EQ(new_file_text(IniChange{"S", "k", "v"}, kDefault), "[S]\nk=v\n");
   EXPECT_EQ(new_file_text(IniChange{"S", "k", std::nullopt}, kDefault), "[S]\n");

@@ -4,6 +4,7 @@
 #include <functional>
 #include <utility>
 
+#include "common/readable_file.h"
 #include "common/text.h"
 
 namespace px {
@@ -97,7 +98,7 @@ JobLineReader::JobLineReader(MissingInclude policy) : policy_(policy) {}
 
 bool JobLineReader::start(const std::string& name) {
   files_.clear();
-  FilePtr file(std::fopen(name.c_str(), "r"));
+  FilePtr file = open_stream_for_reading(name);
   if (!file) return false;
   files_.push_back(std::move(file));
   return true;
@@ -124,11 +125,11 @@ bool JobLineReader::include(const std::string& line) {
   if (files_.size() >= kJobMaxOpenFiles) return true;
   std::string path(argument(line, "file"));
   if (path.find('\0') != std::string::npos) return false;
-  FilePtr file(std::fopen(path.c_str(), "r"));
+  FilePtr file = open_stream_for_reading(path);
   if (!file && path.find('\\') != std::string::npos) {
     // Paths written on Windows use "\" between directories.
     std::replace(path.begin(), path.end(), '\\', '/');
-    file.reset(std::fopen(path.c_str(), "r"));
+    file = open_stream_for_reading(path);
   }
   if (!file) return false;
   files_.push_back(std::move(file));

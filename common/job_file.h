@@ -48,6 +48,8 @@
 #include <string_view>
 #include <vector>
 
+#include "common/readable_file.h"
+
 namespace px {
 
 // Result codes.
@@ -91,10 +93,7 @@ class JobLineReader {
   bool active() const { return !files_.empty(); }
 
  private:
-  struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-  };
-  using FilePtr = std::unique_ptr<std::FILE, FileCloser>;
+  using FilePtr = ReadStream;
 
   bool include(const std::string& line);
 

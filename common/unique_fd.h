@@ -23,6 +23,8 @@ class UniqueFd {
 
   int get() const { return fd_; }
   bool valid() const { return fd_ >= 0; }
+  // Gives up ownership: returns the descriptor and holds none.
+  int release() { return std::exchange(fd_, -1); }
   // Closes the descriptor held and takes fd instead.
   void reset(int fd = -1) {
     if (fd_ >= 0) ::close(fd_);

@@ -179,6 +179,11 @@ TEST_F(JmdServiceTest, OpenShowsWhyItFailed) {
   EXPECT_EQ(service_.open(op_), nullptr);
   EXPECT_EQ(op_.shown().back(),
             (ShownMessage{msg::kIniUnreadable, {display_path(dir_.file("gone.ini"))}}));
+  std::filesystem::create_directory(dir_.file("folder.ini"));
+  set_current_instance({"folder", "folder", dir_.file("folder.ini")});
+  EXPECT_EQ(service_.open(op_), nullptr);
+  EXPECT_EQ(op_.shown().back(),
+            (ShownMessage{msg::kIniUnreadable, {display_path(dir_.file("folder.ini"))}}));
 
   std::string bare = use_instance("bare", "[Options]\nJMDFileName= \n");
   EXPECT_EQ(service_.open(op_), nullptr);

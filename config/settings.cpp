@@ -6,6 +6,7 @@
 
 #include "common/directory_map.h"
 #include "common/ini_profile.h"
+#include "common/readable_file.h"
 
 namespace px {
 
@@ -21,11 +22,7 @@ std::string path_setting(std::string_view section, std::string_view key, const s
 }
 
 bool file_readable(const std::string& path) {
-  if (path.empty()) return false;
-  std::FILE* f = std::fopen(path.c_str(), "r");
-  if (f == nullptr) return false;
-  std::fclose(f);
-  return true;
+  return can_open_for_reading(path);
 }
 
 bool path_exists(const std::string& path) {

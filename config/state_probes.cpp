@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "common/readable_file.h"
 #include "config/message_numbers.h"
 #include "config/settings.h"
 
@@ -14,11 +15,6 @@ constexpr size_t kMessageSize = 512;
 constexpr int kNotRunningText = 310;
 constexpr int kPausedText = 315;
 constexpr int kAgentTexts[] = {105, 132, 133};
-
-struct FileCloser {
-  void operator()(std::FILE* f) const { std::fclose(f); }
-};
-using File = std::unique_ptr<std::FILE, FileCloser>;
 
 std::string message_value(int n, const std::string& file) {
   return setting("Messages", "Msg" + std::to_string(n), "", kMessageSize, file);
@@ -62,7 +58,7 @@ ServerState server_state(const std::string& config_file, Operator& op) {
     return ServerState::kUnknown;
   }
   if (!path_exists(status_file)) return ServerState::kNotRunning;
-  File f(std::fopen(status_file.c_str(), "r"));
+  ReadStream f = open_stream_for_reading(status_file);
   if (!f) {
     op.show(msg::kFileNotOpened, {display_path(status_file)});
     return ServerState::kUnknown;

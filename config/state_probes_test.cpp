@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -84,6 +85,12 @@ TEST_F(StateProbesTest, UnreadableStateIsUnknownAndReported) {
   std::string odd = dir_.write("odd.ini", "[Plexar]\nStatusFile=" + socket_path + "\n");
   EXPECT_EQ(server_state(odd, op_), ServerState::kUnknown);
   EXPECT_EQ(op_.shown().back(), (ShownMessage{msg::kFileNotOpened, {display_path(socket_path)}}));
+  // A directory is a file that cannot be opened, not an empty status line.
+  std::string folder = dir_.file("status.d");
+  ASSERT_EQ(::mkdir(folder.c_str(), 0755), 0);
+  std::string foldered = dir_.write("folder.ini", "[Plexar]\nStatusFile=" + folder + "\n");
+  EXPECT_EQ(server_state(foldered, op_), ServerState::kUnknown);
+  EXPECT_EQ(op_.shown().back(), (ShownMessage{msg::kFileNotOpened, {display_path(folder)}}));
   // Without a configuration file nothing is read from the console's own.
   EXPECT_EQ(server_state("", op_), ServerState::kUnknown);
   EXPECT_EQ(op_.last(), msg::kSettingMissing);

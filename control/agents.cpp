@@ -141,7 +141,7 @@ Outcome stop_email_agent(const ControlContext& context) {
   std::fclose(f);
   bool woken = kick(context.instance.name, true, op, context.times);
   op.show(msg::kEmailStopSent);
-  return woken ? Outcome::kDone : Outcome::kFailed;
+  return woken ? Outcome::kDone : Outcome::kDeliveredNotWoken;
 }
 
 }  // namespace px

@@ -88,6 +88,12 @@ TEST_F(AgentsTest, StopEmailAgentLeavesOneStopFileAndSignalsEachTime) {
   EXPECT_EQ(op_.numbers(), std::vector<int>{msg::kEmailNotRunning});
 
   agent_runs();
+  op_.clear();
+  // Nobody listens: the stop file is left all the same, and says so.
+  EXPECT_EQ(stop_email_agent(context()), Outcome::kDeliveredNotWoken);
+  EXPECT_EQ(op_.numbers(), (std::vector<int>{msg::kSignalWaitFailed, msg::kEmailStopSent}));
+  EXPECT_TRUE(std::filesystem::exists(install_.dir().file("mail/stopread.msg")));
+
   UnixListener agent(control_socket_path("north", true));
   op_.clear();
   EXPECT_EQ(stop_email_agent(context()), Outcome::kDone);

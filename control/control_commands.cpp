@@ -121,7 +121,7 @@ Outcome run_control_command(ControlCommand command, const ControlContext& contex
   }
   bool woken = kick(context.instance.name, false, op, context.times);
   op.show(success_message(command));
-  return woken ? Outcome::kDone : Outcome::kFailed;
+  return woken ? Outcome::kDone : Outcome::kDeliveredNotWoken;
 }
 
 Outcome printer_reload(const ControlContext& context) {

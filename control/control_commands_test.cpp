@@ -104,7 +104,7 @@ TEST_F(ControlCommandsTest, ShutdownIsBlockedWhilePending) {
 TEST_F(ControlCommandsTest, UnwokenServerGets299AfterTheJob) {
   install_.set_running();
   server_.reset();  // nobody listens
-  EXPECT_EQ(pause_server(context()), Outcome::kFailed);
+  EXPECT_EQ(pause_server(context()), Outcome::kDeliveredNotWoken);
   EXPECT_EQ(op_.numbers(), (std::vector<int>{msg::kSignalWaitFailed, msg::kPauseSent}));
   EXPECT_EQ(job("pxctrl00.msg"), kPauseJob);
 }

@@ -37,6 +37,10 @@ enum class Outcome {
   kDone,
   kFailed,
   kCancelled,  // the operator cancelled a choice; nothing was written
+  // The job (or stop file) was written, so the server takes it at its next
+  // scan; only waking it at once failed, and a message said so. Sending it
+  // again would act twice.
+  kDeliveredNotWoken,
 };
 
 }  // namespace px

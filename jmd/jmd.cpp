@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "common/file_util.h"
+#include "common/readable_file.h"
 #include "jmd/jmd_reader.h"
 
 namespace px::jmd {
@@ -31,10 +32,6 @@ ColumnDefs make_columns(int slot) {
   }
   return columns;
 }
-
-struct FileCloser {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
 
 // Opens the four tables in fresh temporary files; false after tracing the
 // failure (the tables opened so far are closed with the handle).
@@ -81,7 +78,7 @@ std::unique_ptr<Jmd> load_jmd(const std::string& path, Reporter& reporter) {
   if (!open_tables(*jmd, reporter)) return nullptr;
   reporter.trace("jmd.c: database initialized successfully");
 
-  std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "r"));
+  ReadStream file = open_stream_for_reading(path);
   if (!file) {
     reporter.trace("Open of jmd failed in jmd.c: errno " + std::to_string(errno));
     reporter.message(kMsgCannotOpen, {path});

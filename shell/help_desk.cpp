@@ -56,10 +56,10 @@ bool HelpDesk::open_help_file() {
     std::optional<std::string> chosen =
         tk_.choose_file_to_open({kHelpPrompt, directory, kHelpFileName});
     if (!chosen) return false;
-    if (!file_readable(*chosen)) {
-      tk_.post_error(kHelpUnreadable);
-    } else if (is_directory(*chosen)) {
+    if (is_directory(*chosen)) {
       tk_.post_error(kHelpInvalid);
+    } else if (!file_readable(*chosen)) {
+      tk_.post_error(kHelpUnreadable);
     } else if (tk_.open_help_file(*chosen)) {
       return true;
     } else {

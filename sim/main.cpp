@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -90,9 +91,7 @@ bool has_log_option(const std::vector<std::string>& args) {
   return false;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
   use_console_ini();
   std::vector<std::string> args(argv, argv + argc);
   int status = px::common_init(args);
@@ -119,4 +118,15 @@ int main(int argc, char** argv) {
   if (!simulator.open()) return kExitFailed;
   simulator.run(wait_mask);
   return kExitOk;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::bad_alloc&) {
+    px::report_out_of_memory();
+    return kExitFailed;
+  }
 }

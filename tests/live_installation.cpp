@@ -167,7 +167,16 @@ int LiveInstallation::stop_simulator() {
   kill(simulator_, SIGCONT);  // a test may have left it stopped
   kill(simulator_, SIGTERM);
   int status = 0;
-  pid_t done = waitpid(simulator_, &status, 0);
+  pid_t done = 0;
+  for (int tick = 0; tick < 1000 && (done = waitpid(simulator_, &status, WNOHANG)) == 0; ++tick) {
+    usleep(10000);
+  }
+  if (done == 0) {
+    kill(simulator_, SIGKILL);
+    waitpid(simulator_, &status, 0);
+    simulator_ = -1;
+    return -1;
+  }
   simulator_ = -1;
   return done > 0 && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }

@@ -40,7 +40,8 @@ class LiveInstallation {
   bool start_simulator(const std::vector<std::string>& args,
                        const std::vector<std::string>& environment = {});
   void signal_simulator(int signal_number) const;
-  // Sends SIGTERM and waits for the simulator; its exit status, or -1.
+  // Sends SIGTERM and waits up to ten seconds for the simulator; its exit
+  // status, or -1 (killed when it did not end in time).
   int stop_simulator();
 
   // Runs pxctl with this installation's console INI and the arguments, in

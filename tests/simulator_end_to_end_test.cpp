@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -112,6 +113,27 @@ TEST_F(SimulatorEndToEnd, StartDatagramsForServerAndAgent) {
   EXPECT_TRUE(eventually([&] { return exists(live.path("south/pxemio.sts")); }));
   send_datagram(port, "^reboot south\r\n");
   EXPECT_TRUE(eventually([&] { return live.simulator_log().find("[1210]") != std::string::npos; }));
+}
+
+// A transaction that includes a device or a FIFO is one whose job cannot be
+// read: it goes to the error directory, and the simulator stays responsive.
+TEST_F(SimulatorEndToEnd, TransactionIncludingADeviceIsRefusedNotRead) {
+  ASSERT_EQ(mkfifo(live.path("pipe").c_str(), 0600), 0);
+  std::ofstream(live.path("north/data/zero.dat")) << "^file /dev/zero\n^job ZERO\n";
+  std::ofstream(live.path("north/data/fifo.dat")) << "^file " << live.path("pipe") << "\n^job F\n";
+  // Each scan collects one transaction.
+  auto refused = [&] {
+    return exists(live.path("north/errors/zero.dat")) + exists(live.path("north/errors/fifo.dat"));
+  };
+  for (int count = 1; count <= 2; ++count) {
+    send_datagram(port, "^kick north\r\n");
+    EXPECT_TRUE(eventually([&] { return refused() == count; })) << live.simulator_log();
+  }
+  std::ofstream(live.path("north/data/pxctrl00.msg"))
+      << "^job PXCNTRLJOB\n^field CommandString\nPause Server\n";
+  send_datagram(port, "^kick north\r\n");
+  EXPECT_TRUE(status_says(live, "north", "Nexa is paused"));
+  EXPECT_EQ(live.stop_simulator(), 0);
 }
 
 TEST_F(SimulatorEndToEnd, TerminationLeavesEverythingNotRunning) {

@@ -2,8 +2,8 @@
 
 #include <sys/stat.h>
 
-#include <fstream>
 
+#include "common/readable_file.h"
 #include "common/text.h"
 
 namespace px::tk {
@@ -41,14 +41,10 @@ std::optional<std::string> HelpTopics::topic_for(const Event& event) const {
 }
 
 bool is_help_file(std::string_view path) {
-  struct stat info;
-  std::string name(path);
-  if (::stat(name.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) return false;
-  std::ifstream in(name, std::ios::binary);
+  ReadStream in = open_stream_for_reading(std::string(path));
   if (!in) return false;
   std::string head(4096, '\0');
-  in.read(head.data(), static_cast<std::streamsize>(head.size()));
-  head.resize(static_cast<size_t>(in.gcount()));
+  head.resize(std::fread(head.data(), 1, head.size(), in.get()));
   return ifind(head, "<html") != std::string_view::npos;
 }
 

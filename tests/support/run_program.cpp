@@ -1,9 +1,12 @@
 #include "tests/support/run_program.h"
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 
@@ -12,13 +15,17 @@
 namespace px {
 
 ProgramResult run_program(const std::string& program, const std::vector<std::string>& args,
-                          const std::string& directory) {
+                          const std::string& directory, const ProgramLimits& limits) {
   TestDir capture;
   std::string out_path = capture.file("out"), err_path = capture.file("err");
   ProgramResult result;
   pid_t pid = fork();
   if (pid == 0) {
     if (chdir(directory.c_str()) != 0) _exit(126);
+    if (limits.address_space > 0) {
+      rlimit memory{limits.address_space, limits.address_space};
+      if (setrlimit(RLIMIT_AS, &memory) != 0) _exit(126);
+    }
     int in = open("/dev/null", O_RDONLY);
     int out = open(out_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     int err = open(err_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
@@ -32,9 +39,18 @@ ProgramResult run_program(const std::string& program, const std::vector<std::str
     _exit(127);
   }
   int status = 0;
-  if (pid > 0 && waitpid(pid, &status, 0) == pid && WIFEXITED(status)) {
-    result.status = WEXITSTATUS(status);
+  auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(limits.seconds);
+  pid_t done = 0;
+  while (pid > 0 && (done = waitpid(pid, &status, WNOHANG)) == 0) {
+    if (std::chrono::steady_clock::now() > deadline) {
+      kill(pid, SIGKILL);
+      done = waitpid(pid, &status, 0);
+      result.timed_out = true;
+      break;
+    }
+    usleep(5000);
   }
+  if (done == pid && WIFEXITED(status)) result.status = WEXITSTATUS(status);
   result.out = capture.read("out");
   result.err = capture.read("err");
   return result;

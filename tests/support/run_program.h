@@ -1,6 +1,7 @@
 // Runs a program for a test and collects what it printed and its exit status.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -10,10 +11,16 @@ struct ProgramResult {
   int status = -1;  // exit status, or -1 when it did not exit normally
   std::string out;
   std::string err;
+  bool timed_out = false;  // it was killed for running out of time
+};
+
+struct ProgramLimits {
+  int seconds = 60;               // killed after this long
+  size_t address_space = 0;       // bytes of memory it may map; 0 for no limit
 };
 
 // Runs program with args (no shell) in directory, standard input empty.
 ProgramResult run_program(const std::string& program, const std::vector<std::string>& args,
-                          const std::string& directory);
+                          const std::string& directory, const ProgramLimits& limits = {});
 
 }  // namespace px
