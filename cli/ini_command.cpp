@@ -32,7 +32,10 @@ int ini_keys(const std::vector<std::string>& w) {
 
 int ini_write(const std::string& file, const std::string& section,
               std::optional<std::string_view> key, std::optional<std::string_view> value) {
-  if (ini::write_string(section, key, value, file)) return kExitOk;
+  FileResult result = ini::write_string(section, key, value, file);
+  if (result) return kExitOk;
+  FileMessage why = failure_message(result, file);
+  report(why.number, why.args);
   report(kMsgIniWriteFailed, {file});
   return kExitFailed;
 }

@@ -28,6 +28,8 @@ class UniqueFd {
     if (fd_ >= 0) ::close(fd_);
     fd_ = fd;
   }
+  // Gives the descriptor up without closing it.
+  int release() { return std::exchange(fd_, -1); }
 
  private:
   int fd_ = -1;

@@ -1,6 +1,8 @@
 // Runs a program for a test and collects what it printed and its exit status.
 #pragma once
 
+#include <sys/types.h>
+
 #include <string>
 #include <vector>
 
@@ -15,5 +17,14 @@ struct ProgramResult {
 // Runs program with args (no shell) in directory, standard input empty.
 ProgramResult run_program(const std::string& program, const std::vector<std::string>& args,
                           const std::string& directory);
+
+// Starts program with args in directory, standard input empty and its output
+// thrown away, without waiting for it; its process id, or -1.
+pid_t start_program(const std::string& program, const std::vector<std::string>& args,
+                    const std::string& directory);
+
+// Waits for a started program: its exit status, or -1 when it did not exit
+// normally (killed by a signal).
+int wait_program(pid_t pid);
 
 }  // namespace px
