@@ -52,7 +52,10 @@ int ini_write(const std::string& file, const std::string& section,
     report(refused, {file, std::string(part)});
     return kExitFailed;
   }
-  if (ini::write_string(section, key, value, file)) return kExitOk;
+  FileResult result = ini::write_string(section, key, value, file);
+  if (result) return kExitOk;
+  FileMessage why = failure_message(result, file);
+  report(why.number, why.args);
   report(kMsgIniWriteFailed, {file});
   return kExitFailed;
 }

@@ -53,9 +53,15 @@ int jmd_save(const std::vector<std::string>& w) {
   StderrReporter reporter;
   std::unique_ptr<jmd::Jmd> jmd = jmd::load_jmd(w[1], reporter);
   if (!jmd) return kExitFailed;
-  bool saved = jmd::save_jmd(*jmd, w[2]);
+  // OUT is replaced crash-safely, so it may be IN itself: IN is whole in
+  // the tables before anything is written.
+  FileResult saved = jmd::save_jmd(*jmd, w[2]);
   bool closed = jmd::close_jmd(std::move(jmd));
-  if (!saved) report(kMsgJmdWriteFailed, {w[2]});
+  if (!saved) {
+    FileMessage why = failure_message(saved, w[2]);
+    report(why.number, why.args);
+    report(kMsgJmdWriteFailed, {w[2]});
+  }
   return saved && closed ? kExitOk : kExitFailed;
 }
 

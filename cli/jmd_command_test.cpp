@@ -22,7 +22,8 @@ class PxctlJmdTest : public PxctlFixture {
                       "Msg386=30 cannot open @P1\n"
                       "Msg387=30 refused: @P1\n"
                       "Msg901=30 bad use of @P1\n"
-                      "Msg910=30 cannot write @P1\n");
+                      "Msg910=30 cannot write @P1\n"
+                      "Msg1300=30 no new file beside @P1 because @P2\n");
     jmd_ = dir_.write("in.jmd", kHead +
                                     "!f PAY LASER pay.mdf * 10 Y T1 N N N \"pay slips\"\n"
                                     "!f bill LASER bill.mdf pre 0 Y T1 N N N *\n"
@@ -80,7 +81,9 @@ TEST_F(PxctlJmdTest, FailuresShowTheirMessage) {
 
   ProgramResult unwritable = pxctl({"jmd", "save", jmd_, dir_.file("no/dir/out.jmd")});
   EXPECT_EQ(unwritable.status, 1);
-  EXPECT_EQ(unwritable.err, "[910]cannot write " + dir_.file("no/dir/out.jmd") + "\n");
+  EXPECT_EQ(unwritable.err, "[1300]no new file beside " + dir_.file("no/dir/out.jmd") +
+                               " because No such file or directory\n[910]cannot write " +
+                               dir_.file("no/dir/out.jmd") + "\n");
 
   EXPECT_EQ(pxctl({"jmd"}).status, 2);
   EXPECT_EQ(pxctl({"jmd", "check"}).status, 2);

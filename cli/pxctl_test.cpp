@@ -16,7 +16,8 @@ class PxctlTest : public PxctlFixture {
                           "[Messages]\n"
                           "Msg20=10 file @P1 is missing from @P2\n"
                           "Msg901=30 bad use of @P1\n"
-                          "Msg902=30 cannot write @P1\n");
+                          "Msg902=30 cannot write @P1\n"
+                          "Msg1304=30 cannot lock @P1 because @P2\n");
   }
 };
 
@@ -39,7 +40,9 @@ TEST_F(PxctlTest, IniRoundTripIsByteExact) {
 TEST_F(PxctlTest, FailuresAndUsageErrors) {
   ProgramResult write = pxctl({"ini", "set", dir_.file("no/dir.ini"), "A", "k", "v"});
   EXPECT_EQ(write.status, 1);
-  EXPECT_EQ(write.err, "[902]cannot write " + dir_.file("no/dir.ini") + "\n");
+  EXPECT_EQ(write.err, "[1304]cannot lock " + dir_.file("no/dir.ini") +
+                           " because No such file or directory\n[902]cannot write " +
+                           dir_.file("no/dir.ini") + "\n");
 
   ProgramResult usage = pxctl({"ini", "get", "only-a-file"});
   EXPECT_EQ(usage.status, 2);

@@ -117,49 +117,6 @@ unsigned next_temp_number() {
 
 constexpr unsigned kTempNumberCount = 0xFFFF;
 
-std::string real_path(const std::string& path) {
-  std::unique_ptr<char, decltype(&std::free)> resolved(::realpath(path.c_str(), nullptr), &std::free);
-  return resolved ? std::string(resolved.get()) : path;
-}
-
-enum class SiblingResult { kReplaced, kWriteFailed, kNoSibling };
-
-// Gives the new file the old one's owner, group and permission bits. False
-// when the owner cannot be kept; the caller then writes in place instead, so
-// a file shared with other users does not silently change hands.
-bool take_over_identity(int fd, const struct stat& old_stat) {
-  struct stat new_stat;
-  if (::fstat(fd, &new_stat) != 0) return false;
-  if ((new_stat.st_uid != old_stat.st_uid || new_stat.st_gid != old_stat.st_gid) &&
-      ::fchown(fd, old_stat.st_uid, old_stat.st_gid) != 0) {
-    return false;
-  }
-  return ::fchmod(fd, old_stat.st_mode & 07777) == 0;
-}
-
-// Writes text to a new file beside real_target and renames it over the
-// target, so readers see either the old or the new contents, never a mix.
-SiblingResult replace_through_sibling(const std::string& real_target, std::string_view text,
-                                      const struct stat& old_stat) {
-  std::string temp = directory_part(real_target) + "." + file_part(real_target) + ".XXXXXX";
-  FileDescriptor sibling(::mkostemp(temp.data(), O_CLOEXEC));
-  if (!sibling.valid()) return SiblingResult::kNoSibling;
-  if (!take_over_identity(sibling.get(), old_stat)) {
-    sibling.close();
-    ::unlink(temp.c_str());
-    return SiblingResult::kNoSibling;
-  }
-  bool ok = write_all(sibling.get(), text) && ::fsync(sibling.get()) == 0 && sibling.close() &&
-            std::rename(temp.c_str(), real_target.c_str()) == 0;
-  if (!ok) ::unlink(temp.c_str());
-  return ok ? SiblingResult::kReplaced : SiblingResult::kWriteFailed;
-}
-
-bool write_in_place(const std::string& path, std::string_view text) {
-  FileDescriptor file(open_file(path, O_WRONLY | O_TRUNC));
-  return file.valid() && write_all(file.get(), text) && file.close();
-}
-
 }  // namespace
 
 bool is_separator(char c) { return c == '/' || c == '\\'; }
@@ -317,24 +274,6 @@ std::optional<std::string> unique_name(std::string_view directory, std::string_v
 
 std::optional<std::string> read_file(const std::string& path) {
   return read_whole_file(path, std::string().max_size());
-}
-
-// Opening the target first proves it is writable (and creates a missing one),
-// so a read-only file is refused even when its directory would accept a new
-// file. Symbolic links are resolved so the file is replaced where it really
-// lives and the link stays a link.
-bool replace_file_contents(const std::string& path, std::string_view text) {
-  FileDescriptor target(open_file(path, O_WRONLY | O_CREAT | O_NONBLOCK, 0666));
-  struct stat old_stat;
-  if (!target.valid() || ::fstat(target.get(), &old_stat) != 0) return false;
-  target.close();
-
-  const std::string real_target = real_path(path);
-  if (S_ISREG(old_stat.st_mode)) {
-    SiblingResult result = replace_through_sibling(real_target, text, old_stat);
-    if (result != SiblingResult::kNoSibling) return result == SiblingResult::kReplaced;
-  }
-  return write_in_place(real_target, text);
 }
 
 }  // namespace px

@@ -94,12 +94,4 @@ std::optional<std::string> unique_name(std::string_view directory, std::string_v
 // Only regular files are read (see readable_file.h).
 std::optional<std::string> read_file(const std::string& path);
 
-// Replaces the contents of path with text without ever leaving a half-written
-// file: the text goes to a sibling temporary file that is synced and renamed
-// over path (keeping path's permission bits). When the directory cannot take
-// a new file the text is written in place. False when path cannot be opened
-// for writing or any write fails; path then keeps its old contents. A missing
-// file is created; a symbolic link is followed and stays a link.
-bool replace_file_contents(const std::string& path, std::string_view text);
-
 }  // namespace px

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
@@ -80,12 +81,10 @@ std::optional<std::string> search_for(const std::string& bare, const std::string
   return std::nullopt;
 }
 
-// Creates a file that did not exist with text; false when it cannot.
-bool create_file(const std::string& name, std::string_view text) {
-  std::unique_ptr<std::FILE, int (*)(std::FILE*)> out(std::fopen(name.c_str(), "w"), std::fclose);
-  if (!out) return false;
-  bool written = std::fwrite(text.data(), 1, text.size(), out.get()) == text.size();
-  return std::fclose(out.release()) == 0 && written;
+// The backup of an INI file: its real path (links resolved) + ".bak".
+std::string resolved_backup_name(const std::string& name) {
+  std::unique_ptr<char, decltype(&std::free)> real(::realpath(name.c_str(), nullptr), &std::free);
+  return (real ? std::string(real.get()) : name) + ".bak";
 }
 
 std::string resolve(std::string_view file) {
@@ -136,25 +135,47 @@ std::vector<std::string> get_key_array(std::string_view section, std::string_vie
   return get_key_list(section, std::numeric_limits<size_t>::max(), file).keys;
 }
 
-bool write_string(std::string_view section, std::optional<std::string_view> key,
-                  std::optional<std::string_view> value, std::string_view file) {
-  if (unwritable_part({section, key, value}, Delimiters{}) != Unwritable::kNone) return false;
+FileResult write_string(std::string_view section, std::optional<std::string_view> key,
+                        std::optional<std::string_view> value, std::string_view file,
+                        const WriteOptions& options) {
+  IniChange change{section, key, value};
+  return write_changes(std::span<const IniChange>(&change, 1), file, options);
+}
+
+FileResult write_int(std::string_view section, std::string_view key, int value,
+                     std::string_view file, const WriteOptions& options) {
+  return write_string(section, key, std::to_string(value), file, options);
+}
+
+// The file is locked from before it is read to after the new one is in
+// place, so concurrent writers of other keys never undo each other.
+FileResult write_changes(std::span<const IniChange> changes, std::string_view file,
+                         const WriteOptions& options) {
+  // A change that could not be read back as written is refused before the
+  // file is touched.
+  for (const IniChange& change : changes) {
+    if (unwritable_part(change, Delimiters{}) != Unwritable::kNone) {
+      return FileResult{FileStep::kRefused, EINVAL};
+    }
+  }
   std::string name = resolve(file);
   drop_file(name);
   ProfileState& s = state();
   s.delimiters = Delimiters{};
-  IniChange change{section, key, value};
-  std::optional<std::string> old_text = read_file(name);
-  if (!old_text) {
-    if (access(name.c_str(), F_OK) == 0) return false;  // exists but unreadable
-    return create_file(name, new_file_text(change, s.delimiters));
-  }
-  return replace_file_contents(name, rewrite_text(*old_text, change, s.delimiters));
-}
-
-bool write_int(std::string_view section, std::string_view key, int value,
-               std::string_view file) {
-  return write_string(section, key, std::to_string(value), file);
+  ReplaceOptions replace;
+  if (options.keep_backup) replace.backup = resolved_backup_name(name);
+  return rewrite_file(
+      name,
+      [&](const std::optional<std::string>& old_text) -> std::optional<std::string> {
+        if (changes.empty()) return std::nullopt;
+        std::string text = old_text ? rewrite_text(*old_text, changes[0], s.delimiters)
+                                    : new_file_text(changes[0], s.delimiters);
+        for (const IniChange& change : changes.subspan(1)) {
+          text = rewrite_text(text, change, s.delimiters);
+        }
+        return text;
+      },
+      system_file_system(), replace);
 }
 
 void set_file(std::string_view name) {

@@ -12,10 +12,12 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "common/file_replace.h"
 #include "common/ini_syntax.h"
 
 namespace px::ini {
@@ -38,17 +40,32 @@ int get_int(std::string_view section, std::string_view key, int fallback,
 // time until it fits would hold), read in one scan.
 std::vector<std::string> get_key_array(std::string_view section, std::string_view file = {});
 
+// What a rewrite does beside the change.
+struct WriteOptions {
+  // Keep the file as it was before the rewrite as NAME.bak (NAME the file's
+  // real path), replacing the previous backup.
+  bool keep_backup = false;
+};
+
 // Sets key to value in section and rewrites the file; no value deletes the
 // key, no key deletes every entry of the section. A missing file is created.
-// Returns false when the file cannot be created or rewritten, or when the
-// change could not be read back as written (see unwritable_part), leaving the
-// file as it was.
-bool write_string(std::string_view section, std::optional<std::string_view> key,
-                  std::optional<std::string_view> value, std::string_view file = {});
+// The rewrite is crash-safe and locked against other writers
+// (common/file_replace.h); on failure the file is left as it was and the
+// result names the failed step (failure_message gives its message). A change
+// that could not be read back as written (see unwritable_part) is refused
+// with step kRefused before the file is touched.
+FileResult write_string(std::string_view section, std::optional<std::string_view> key,
+                        std::optional<std::string_view> value, std::string_view file = {},
+                        const WriteOptions& options = {});
 
 // write_string with the value formatted as a decimal integer.
-bool write_int(std::string_view section, std::string_view key, int value,
-               std::string_view file = {});
+FileResult write_int(std::string_view section, std::string_view key, int value,
+                     std::string_view file = {}, const WriteOptions& options = {});
+
+// Several changes made in order in one locked rewrite, so a save of many keys
+// is one step for readers and keeps one backup. No change writes nothing.
+FileResult write_changes(std::span<const IniChange> changes, std::string_view file = {},
+                         const WriteOptions& options = {});
 
 // Makes name (cut to 255 characters) the default INI file, resets the
 // delimiters and loads the file.

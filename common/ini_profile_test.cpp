@@ -1,6 +1,8 @@
 #include "common/ini_profile.h"
 
 #include <gtest/gtest.h>
+
+#include <filesystem>
 #include <unistd.h>
 
 #include "common/directory_map.h"
@@ -70,6 +72,21 @@ TEST_F(IniProfileTest, ChangesThatCannotBeReadBackAreRefused) {
   EXPECT_EQ(dir_.read("w.ini"), "[S]\nk=1\n");
   EXPECT_FALSE(ini::write_string("S", "k", "v\n", dir_.file("new.ini")));
   EXPECT_EQ(access(dir_.file("new.ini").c_str(), F_OK), -1);
+}
+
+TEST_F(IniProfileTest, SeveralChangesMakeOneRewriteThatCanKeepABackup) {
+  std::string path = dir_.write("m.ini", "[A]\nk=1\n; note\n[B]\nx=2\n");
+  std::vector<IniChange> changes = {{"A", "k", "2"}, {"B", "y", "3"}, {"B", "x", std::nullopt}};
+  ASSERT_TRUE(ini::write_changes(changes, path, {.keep_backup = true}));
+  EXPECT_EQ(dir_.read("m.ini"), "[A]\nk=2\n; note\n[B]\ny=3\n");
+  EXPECT_EQ(dir_.read("m.ini.bak"), "[A]\nk=1\n; note\n[B]\nx=2\n");
+  ASSERT_TRUE(ini::write_string("A", "k", "3", path));  // no flag: the backup stays
+  EXPECT_EQ(dir_.read("m.ini.bak"), "[A]\nk=1\n; note\n[B]\nx=2\n");
+  ASSERT_TRUE(ini::write_string("A", "k", "4", path, {.keep_backup = true}));
+  EXPECT_EQ(dir_.read("m.ini.bak"), "[A]\nk=3\n; note\n[B]\ny=3\n");
+  // A new file has nothing to back up.
+  ASSERT_TRUE(ini::write_string("S", "k", "v", dir_.file("fresh.ini"), {.keep_backup = true}));
+  EXPECT_FALSE(std::filesystem::exists(dir_.file("fresh.ini.bak")));
 }
 
 TEST_F(IniProfileTest, KeyArrayGrowsPastOneBuffer) {

@@ -1,7 +1,5 @@
 #include "config/jmd_service.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <optional>
@@ -118,40 +116,14 @@ std::optional<long> add_distinct_job_names(engine::Table& jobs, engine::Table& n
   return failed;
 }
 
-// Gives the new file the permission bits of the file it replaces.
-void keep_permissions(const std::string& old_file, const std::string& new_file) {
-  struct stat info;
-  if (::stat(old_file.c_str(), &info) == 0) ::chmod(new_file.c_str(), info.st_mode & 07777);
-}
-
-// Writes database to path through a fresh file beside it; the old file
-// becomes the backup once the new one is in place. False when the new file
-// cannot be written or put in place; path and its backup are then as before.
+// Writes database to path crash-safely; the old file becomes the backup once
+// the new one is in place. False when the new file cannot be written or put
+// in place; path and its backup are then as before.
 bool write_with_backup(jmd::Jmd& database, const std::string& path, FileSystem& files) {
-  std::string directory = directory_part(path);
-  if (directory.empty()) directory = ".";
-  std::optional<std::string> fresh = temp_name(directory, "jmd");
-  if (!fresh) return false;
-  if (!jmd::save_jmd(database, *fresh) || !files.sync(*fresh)) {
-    files.remove(*fresh);
-    return false;
-  }
-  keep_permissions(path, *fresh);
-
-  // The old JMD under a second name until the new one has replaced it.
+  ReplaceOptions options;
   std::string backup = jmd_backup_name(path);
-  std::optional<std::string> held;
-  if (backup != path && files.exists(path)) {
-    held = temp_name(directory, "jbk");
-    if (held && !files.keep_copy(path, *held)) held.reset();
-  }
-  if (!files.rename(*fresh, path)) {
-    files.remove(*fresh);
-    if (held) files.remove(*held);
-    return false;
-  }
-  if (held && !files.rename(*held, backup)) files.remove(*held);
-  return true;
+  if (backup != path) options.backup = backup;
+  return static_cast<bool>(jmd::save_jmd(database, path, files, options));
 }
 
 void close_process_service() { jmd_service().close(); }

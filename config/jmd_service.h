@@ -15,9 +15,9 @@
 //              are not next to each other is listed once per run of steps.
 //   "clipbrd"  the editors' private clipboard of job steps.
 //
-// Save writes the tables (as jmd/jmd_writer.h writes them) to a temporary
-// file beside the JMD, keeps the old JMD as its backup and renames the new
-// file over the JMD. Only one backup generation is kept; its name is the JMD
+// Save writes the tables (as jmd/jmd_writer.h writes them, crash-safely:
+// a temporary file beside the JMD, synced and renamed over it), keeping the
+// old JMD as its backup. Only one backup generation is kept; its name is the JMD
 // path cut at the last dot after the last "/" or "\" (kept whole without
 // one), then ".JBK": /data/jobs.jmd -> /data/jobs.JBK, a.b/jobs ->
 // a.b/jobs.JBK. The previous backup is replaced only once the new JMD is in
@@ -40,7 +40,7 @@
 #include <string>
 #include <string_view>
 
-#include "config/file_system.h"
+#include "common/file_system.h"
 #include "config/instances.h"
 #include "config/operator.h"
 #include "jmd/engine/table.h"

@@ -13,6 +13,7 @@
 #include "config/message_numbers.h"
 #include "config/recording_operator.h"
 #include "jmd/jmd_writer.h"
+#include "tests/support/faulty_file_system.h"
 #include "tests/support/test_dir.h"
 
 namespace px {
@@ -32,31 +33,6 @@ std::string jmd_text(const std::vector<std::string>& job_lines) {
   for (const std::string& line : job_lines) text += "!f " + line + " P1 a.mdf * 1 T X N N C *\n";
   return text;
 }
-
-// Does the file steps on the disk, except the one it is told to fail.
-class FaultyFileSystem : public FileSystem {
- public:
-  enum Fault { kNoFault, kSync, kKeepCopy, kRenameToJmd, kRenameToBackup };
-  explicit FaultyFileSystem(Fault fault) : fault_(fault) {}
-
-  bool exists(const std::string& path) override { return real_.exists(path); }
-  bool sync(const std::string& path) override { return fault_ != kSync && real_.sync(path); }
-  bool keep_copy(const std::string& from, const std::string& to) override {
-    return fault_ != kKeepCopy && real_.keep_copy(from, to);
-  }
-  bool rename(const std::string& from, const std::string& to) override {
-    bool to_backup = to.ends_with(".JBK");
-    if ((fault_ == kRenameToJmd && !to_backup) || (fault_ == kRenameToBackup && to_backup)) {
-      return false;
-    }
-    return real_.rename(from, to);
-  }
-  bool remove(const std::string& path) override { return real_.remove(path); }
-
- private:
-  Fault fault_;
-  FileSystem& real_ = system_file_system();
-};
 
 class JmdServiceTest : public ::testing::Test {
  protected:
@@ -231,11 +207,13 @@ TEST_F(JmdServiceTest, SaveOfAJmdNamedLikeItsBackupMakesNoBackup) {
 TEST_F(JmdServiceTest, FailedSaveLeavesTheJmdAndTheBackupAsTheyWere) {
   dir_.write("data/jobs.JBK", "old backup\n");
   ASSERT_NE(service_.open(op_), nullptr);
-  for (auto fault : {FaultyFileSystem::kSync, FaultyFileSystem::kRenameToJmd}) {
+  auto to_jmd = [](const std::string& path) { return !path.ends_with(".JBK"); };
+  for (auto fault : {FaultyFileSystem::kCreate, FaultyFileSystem::kWrite, FaultyFileSystem::kSync,
+                     FaultyFileSystem::kClose, FaultyFileSystem::kRename}) {
     SCOPED_TRACE(fault);
     op_.clear();
     service_.set_modified(true);
-    FaultyFileSystem files(fault);
+    FaultyFileSystem files(fault, ENOSPC, to_jmd);
     EXPECT_FALSE(service_.save(op_, files));
     EXPECT_EQ(op_.shown(),
               (std::vector<ShownMessage>{{msg::kJmdNotWritten, {display_path(jmd_)}}}));
@@ -249,10 +227,13 @@ TEST_F(JmdServiceTest, FailedSaveLeavesTheJmdAndTheBackupAsTheyWere) {
 TEST_F(JmdServiceTest, BackupThatCannotBeMadeDoesNotStopTheSave) {
   dir_.write("data/jobs.JBK", "old backup\n");
   ASSERT_NE(service_.open(op_), nullptr);
-  for (auto fault : {FaultyFileSystem::kKeepCopy, FaultyFileSystem::kRenameToBackup}) {
+  auto to_backup = [](const std::string& path) {
+    return path.ends_with(".JBK") || path.find(".px") != std::string::npos;
+  };
+  for (auto fault : {FaultyFileSystem::kLink, FaultyFileSystem::kRename}) {
     SCOPED_TRACE(fault);
     dir_.write("data/jobs.jmd", kOldJmd);
-    FaultyFileSystem files(fault);
+    FaultyFileSystem files(fault, EIO, to_backup);
     EXPECT_TRUE(service_.save(op_, files));
     EXPECT_EQ(dir_.read("data/jobs.jmd"), written_by_writer(kOldJmd));
     EXPECT_EQ(dir_.read("data/jobs.JBK"), "old backup\n");

@@ -45,7 +45,7 @@ class JmdTest : public ::testing::Test {
   std::string resave(std::string_view text) {
     std::unique_ptr<Jmd> jmd = load(text);
     if (!jmd) return "load failed";
-    bool saved = save_jmd(*jmd, dir_.file("out.jmd"));
+    bool saved = static_cast<bool>(save_jmd(*jmd, dir_.file("out.jmd")));
     EXPECT_TRUE(close_jmd(std::move(jmd)));
     return saved ? dir_.read("out.jmd") : "save failed";
   }

@@ -1,5 +1,6 @@
 #include "jmd/jmd_writer.h"
 
+#include <cerrno>
 #include <charconv>
 #include <cstdio>
 #include <memory>
@@ -11,7 +12,6 @@ namespace px::jmd {
 namespace {
 
 constexpr size_t kTitleSize = 256;
-constexpr size_t kWriteBuffer = 1 << 20;
 
 bool needs_quotes(std::string_view value) {
   for (char c : value) {
@@ -43,15 +43,6 @@ void append_integer(std::string& out, int32_t value) {
   char digits[16];
   auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
   out.append(digits, end);
-}
-
-struct FileCloser {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, FileCloser>;
-
-bool write_text(std::FILE* file, const std::string& text) {
-  return std::fwrite(text.data(), 1, text.size(), file) == text.size();
 }
 
 }  // namespace
@@ -99,30 +90,25 @@ std::vector<std::string> title_lines(const TableSchema& schema) {
   return lines;
 }
 
-bool save_jmd(Jmd& jmd, const std::string& path) {
-  File file(std::fopen(path.c_str(), "w"));
-  if (!file) return false;
-  std::vector<char> buffer(kWriteBuffer);
-  std::setvbuf(file.get(), buffer.data(), _IOFBF, buffer.size());
-
-  bool written = write_text(file.get(), std::string(kHeader) + "\n");
+FileResult save_jmd(Jmd& jmd, const std::string& path, FileSystem& files,
+                    const ReplaceOptions& options) {
+  FileReplacement file(path, files, options);
+  bool written = file.append(std::string(kHeader) + "\n");
   std::string line;
   for (int slot = 0; slot < kTableCount && written; ++slot) {
     const TableSchema& schema = table_schema(slot);
     for (const std::string& title : title_lines(schema)) {
-      written = written && write_text(file.get(), title + "\n");
+      written = written && file.append(title + "\n");
     }
     written = written && for_each_sorted(jmd, slot, [&](std::span<const char> record) {
                 line.assign(schema.line_key);
                 append_fields(line, schema, record);
                 line += '\n';
-                return write_text(file.get(), line);
+                return file.append(line);
               });
   }
-  // The buffer goes away with this frame, so the file is closed first.
-  std::FILE* raw = file.release();
-  bool closed = std::fclose(raw) == 0;
-  return written && closed;
+  if (!written && file.result()) return {FileStep::kWrite, EIO};  // the tables failed
+  return file.commit();
 }
 
 }  // namespace px::jmd

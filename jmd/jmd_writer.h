@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "common/file_replace.h"
 #include "jmd/jmd.h"
 #include "jmd/jmd_schema.h"
 
@@ -23,10 +24,13 @@ std::string record_line(const TableSchema& schema, std::span<const char> record)
 // of section Titles of the default INI file, up to the first empty one.
 std::vector<std::string> title_lines(const TableSchema& schema);
 
-// Writes the whole file at path, replacing it: header, then per table its
-// title lines and its records in sort-column order. False when the file
-// cannot be opened or written, a query cannot be started or a record cannot
-// be fetched; the file is then left as far as it was written.
-bool save_jmd(Jmd& jmd, const std::string& path);
+// Writes the whole file at path: header, then per table its title lines and
+// its records in sort-column order. The file is replaced crash-safely
+// (common/file_replace.h, with options such as the backup to keep): on any
+// failure it is left as it was and the result names the failed step; a query
+// that cannot be started or a record that cannot be fetched fails the write
+// with EIO. path may be the file the JMD was loaded from.
+FileResult save_jmd(Jmd& jmd, const std::string& path, FileSystem& files = system_file_system(),
+                    const ReplaceOptions& options = {});
 
 }  // namespace px::jmd

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "common/expand.h"
+#include "common/file_replace.h"
 #include "common/file_util.h"
 #include "common/messages.h"
 
@@ -42,7 +43,7 @@ std::string stamped(std::string_view program, std::string_view text) {
 }
 
 bool write_status_line(const std::string& path, std::string_view program, std::string_view text) {
-  return replace_file_contents(path, stamped(program, text) + "\n");
+  return static_cast<bool>(replace_file(path, stamped(program, text) + "\n"));
 }
 
 bool append_log_line(const std::string& path, std::string_view program, std::string_view text) {

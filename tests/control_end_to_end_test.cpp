@@ -39,7 +39,8 @@ class ControlEndToEnd : public ::testing::Test {
   void SetUp() override {
     ASSERT_TRUE(live.start_simulator({"--port", "0", "--stopped", "south", "north", "south"}))
         << live.simulator_log();
-    ASSERT_EQ(live.state(), "3\trunning");
+    // The simulator listens before its status files say running.
+    ASSERT_TRUE(state_becomes("3\trunning"));
   }
 
   bool state_becomes(const std::string& expected, const std::string& instance = "") {
@@ -119,7 +120,7 @@ TEST_F(ControlEndToEnd, ServerWithoutListenerGives299) {
   // A server that vanished without a word: its status still says running,
   // but nothing listens for the signal any more.
   std::ofstream(live.path("north/pxserver.sts")) << "240628 10:00:00 pxserver: Nexa is running\n";
-  ASSERT_EQ(live.state(), "3\trunning");
+  ASSERT_TRUE(state_becomes("3\trunning"));
   // The job is delivered; only the wake-up failed, so the command succeeded.
   ProgramResult pause = live.run_pxctl({"pause"});
   EXPECT_EQ(pause.status, 0);
@@ -128,7 +129,7 @@ TEST_F(ControlEndToEnd, ServerWithoutListenerGives299) {
 }
 
 TEST_F(ControlEndToEnd, LauncherStartBringsAStoppedInstanceToRunning) {
-  ASSERT_EQ(live.state("south"), "1\tnot running");
+  ASSERT_TRUE(state_becomes("1\tnot running", "south"));
   ProgramResult start = live.run_pxctl({"--instance", "south", "start"});
   EXPECT_EQ(start.status, 0) << start.err;
   EXPECT_TRUE(state_becomes("3\trunning", "south"));
@@ -141,7 +142,7 @@ TEST_F(ControlEndToEnd, LauncherStartBringsAStoppedInstanceToRunning) {
 }
 
 TEST_F(ControlEndToEnd, EmailAgentStopsOnItsStopFileAndStartsThroughTheLauncher) {
-  ASSERT_TRUE(exists(live.path("north/pxemio.sts")));
+  ASSERT_TRUE(eventually([&] { return exists(live.path("north/pxemio.sts")); }));
   ProgramResult stop = live.run_pxctl({"stop-email"});
   EXPECT_EQ(stop.status, 0) << stop.err;
   EXPECT_TRUE(has_message(stop, 231));

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstddef>
+#include <sys/types.h>
+
 #include <string>
 #include <vector>
 
@@ -22,5 +24,14 @@ struct ProgramLimits {
 // Runs program with args (no shell) in directory, standard input empty.
 ProgramResult run_program(const std::string& program, const std::vector<std::string>& args,
                           const std::string& directory, const ProgramLimits& limits = {});
+
+// Starts program with args in directory, standard input empty and its output
+// thrown away, without waiting for it; its process id, or -1.
+pid_t start_program(const std::string& program, const std::vector<std::string>& args,
+                    const std::string& directory);
+
+// Waits for a started program: its exit status, or -1 when it did not exit
+// normally (killed by a signal).
+int wait_program(pid_t pid);
 
 }  // namespace px

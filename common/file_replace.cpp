@@ -1,0 +1,220 @@
+#include "common/file_replace.h"
+
+#include <dirent.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <memory>
+
+#include "common/file_util.h"
+
+namespace px {
+
+namespace {
+
+constexpr size_t kBufferSize = 1 << 20;
+constexpr int kNameAttempts = 100;
+constexpr std::string_view kTempMark = ".px";
+
+// The path with its symbolic links resolved; the path itself when it does
+// not exist (yet).
+std::string resolved_path(const std::string& path) {
+  std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
+  return real ? std::string(real.get()) : path;
+}
+
+// "." + name + ".px": what every temporary of the file name starts with.
+std::string temp_prefix(std::string_view name) {
+  return "." + std::string(name) + std::string(kTempMark);
+}
+
+// A fresh temporary name beside target, owned by this process.
+std::string temp_name_for(const std::string& target) {
+  static std::atomic<unsigned> counter{0};
+  unsigned mix = static_cast<unsigned>(std::time(nullptr)) * 2654435761u +
+                 static_cast<unsigned>(::getpid()) * 40503u + counter++ * 7919u;
+  char tail[32];
+  std::snprintf(tail, sizeof tail, "%ld-%06x", static_cast<long>(::getpid()), mix & 0xFFFFFFu);
+  return directory_part(target) + temp_prefix(file_part(target)) + tail;
+}
+
+// The process id in a temporary's name after its prefix ("4711-00a3f2"),
+// or 0 when the rest is not of that form.
+long owner_of(std::string_view rest) {
+  size_t dash = rest.find('-');
+  if (dash == 0 || dash == std::string_view::npos || rest.size() - dash - 1 != 6) return 0;
+  long pid = 0;
+  for (char c : rest.substr(0, dash)) {
+    if (c < '0' || c > '9' || pid > 100000000) return 0;
+    pid = pid * 10 + (c - '0');
+  }
+  return pid;
+}
+
+bool process_has_ended(long pid) { return ::kill(static_cast<pid_t>(pid), 0) != 0 && errno == ESRCH; }
+
+// Gives the new file the old one's owner, group and permission bits, as far
+// as this process may.
+void take_identity(int fd, const struct stat& old) {
+  struct stat now;
+  if (::fstat(fd, &now) == 0 && (now.st_uid != old.st_uid || now.st_gid != old.st_gid)) {
+    if (::fchown(fd, old.st_uid, old.st_gid) != 0) (void)!::fchown(fd, static_cast<uid_t>(-1), old.st_gid);
+  }
+  (void)!::fchmod(fd, old.st_mode & 07777);
+}
+
+}  // namespace
+
+FileMessage failure_message(const FileResult& result, const std::string& path) {
+  int number = 0;
+  switch (result.failed) {
+    case FileStep::kNone: return {};
+    case FileStep::kRefused: number = kMsgChangeRefused; break;
+    case FileStep::kLock:
+      number = result.error == EISDIR || result.error == EINVAL ? kMsgNotRegular : kMsgNotLocked;
+      break;
+    case FileStep::kRead: number = kMsgNotRead; break;
+    case FileStep::kCreate: number = kMsgTempNotCreated; break;
+    case FileStep::kWrite: number = kMsgTempNotWritten; break;
+    case FileStep::kSync: number = kMsgTempNotSynced; break;
+    case FileStep::kRename: number = kMsgNotRenamed; break;
+  }
+  return {number, {path, std::strerror(result.error)}};
+}
+
+FileReplacement::FileReplacement(const std::string& path, FileSystem& files,
+                                 ReplaceOptions options)
+    : files_(files), options_(std::move(options)), target_(resolved_path(path)) {
+  remove_stale_temporaries(target_);
+  struct stat old;
+  bool replacing = ::stat(target_.c_str(), &old) == 0 && S_ISREG(old.st_mode);
+  // A new file gets the usual bits; a replacement starts private and takes
+  // the old file's bits before anything is written into it.
+  mode_t mode = replacing ? 0600 : 0666;
+  int error = EEXIST;
+  for (int attempt = 0; attempt < kNameAttempts && error == EEXIST; ++attempt) {
+    temporary_ = temp_name_for(target_);
+    error = files_.create(temporary_, mode, file_);
+  }
+  if (error != 0) {
+    temporary_.clear();
+    fail(FileStep::kCreate, error);
+    return;
+  }
+  if (replacing) take_identity(file_.get(), old);
+  buffer_.reserve(kBufferSize);
+}
+
+FileReplacement::~FileReplacement() { abandon(); }
+
+bool FileReplacement::fail(FileStep step, int error) {
+  if (result_) result_ = {step, error == 0 ? EIO : error};
+  abandon();
+  return false;
+}
+
+void FileReplacement::abandon() {
+  if (file_.valid()) files_.close(file_);
+  if (!temporary_.empty()) files_.remove(temporary_);
+  temporary_.clear();
+}
+
+bool FileReplacement::flush() {
+  if (buffer_.empty()) return true;
+  int error = files_.write(file_.get(), buffer_);
+  buffer_.clear();
+  return error == 0 || fail(FileStep::kWrite, error);
+}
+
+bool FileReplacement::append(std::string_view data) {
+  if (!result_) return false;
+  if (buffer_.size() + data.size() > kBufferSize && !flush()) return false;
+  if (data.size() >= kBufferSize) {
+    int error = files_.write(file_.get(), data);
+    return error == 0 || fail(FileStep::kWrite, error);
+  }
+  buffer_ += data;
+  return true;
+}
+
+FileResult FileReplacement::commit() {
+  if (!result_ || !flush()) return result_;
+  if (int error = files_.sync(file_.get())) {
+    fail(FileStep::kSync, error);
+    return result_;
+  }
+  if (int error = files_.close(file_)) {
+    fail(FileStep::kWrite, error);
+    return result_;
+  }
+  std::string held;
+  if (!options_.backup.empty() && options_.backup != target_) {
+    held = temp_name_for(target_);
+    if (files_.link(target_, held) != 0) held.clear();
+  }
+  if (int error = files_.rename(temporary_, target_)) {
+    if (!held.empty()) files_.remove(held);
+    fail(FileStep::kRename, error);
+    return result_;
+  }
+  temporary_.clear();
+  if (!held.empty() && files_.rename(held, options_.backup) != 0) files_.remove(held);
+  // The new contents are whole and in place. Should the directory not sync,
+  // only their surviving a power cut is in doubt, and nothing is left that
+  // the operator could do about it, so that is not reported.
+  files_.sync_directory(directory_part(target_));
+  return result_;
+}
+
+FileResult replace_file(const std::string& path, std::string_view text, FileSystem& files,
+                        const ReplaceOptions& options) {
+  FileReplacement replacement(path, files, options);
+  replacement.append(text);
+  return replacement.commit();
+}
+
+FileResult rewrite_file(const std::string& path, const TextChange& change, FileSystem& files,
+                        const ReplaceOptions& options) {
+  UniqueFd lock;
+  bool created = false;
+  if (int error = files.lock(path, true, lock, created)) return {FileStep::kLock, error};
+  std::optional<std::string> old_text;
+  if (!created) {
+    old_text = read_file(path);
+    if (!old_text) return {FileStep::kRead, errno == 0 ? EIO : errno};
+  }
+  std::optional<std::string> new_text = change(old_text);
+  FileResult result;
+  if (new_text) {
+    ReplaceOptions kept = options;
+    if (created) kept.backup.clear();  // there is no old file to keep
+    result = replace_file(path, *new_text, files, kept);
+  }
+  if (created && (!new_text || !result)) files.remove(path);
+  return result;
+}
+
+void remove_stale_temporaries(const std::string& path) {
+  std::string directory = directory_part(path);
+  std::unique_ptr<DIR, int (*)(DIR*)> dir(::opendir(directory.empty() ? "." : directory.c_str()),
+                                          ::closedir);
+  if (!dir) return;
+  const std::string prefix = temp_prefix(file_part(path));
+  while (const dirent* entry = ::readdir(dir.get())) {
+    std::string_view name(entry->d_name);
+    if (!name.starts_with(prefix)) continue;
+    long pid = owner_of(name.substr(prefix.size()));
+    if (pid > 0 && pid != ::getpid() && process_has_ended(pid)) {
+      ::unlinkat(::dirfd(dir.get()), entry->d_name, 0);
+    }
+  }
+}
+
+}  // namespace px

@@ -1,0 +1,204 @@
+#include "common/file_replace.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <set>
+
+#include "tests/support/faulty_file_system.h"
+#include "tests/support/test_dir.h"
+
+namespace px {
+namespace {
+
+mode_t mode_of(const std::string& path) {
+  struct stat info {};
+  stat(path.c_str(), &info);
+  return info.st_mode & 07777;
+}
+
+// A process id that is certainly not running: a child that has been reaped.
+pid_t ended_process() {
+  pid_t child = fork();
+  if (child == 0) _exit(0);
+  waitpid(child, nullptr, 0);
+  return child;
+}
+
+class FileReplaceTest : public ::testing::Test {
+ protected:
+  std::set<std::string> names() const {
+    std::set<std::string> found;
+    for (const auto& entry : std::filesystem::directory_iterator(dir_.path())) {
+      found.insert(entry.path().filename().string());
+    }
+    return found;
+  }
+
+  TestDir dir_;
+};
+
+TEST_F(FileReplaceTest, ReplaceKeepsPermissionsAndFollowsLinks) {
+  std::string path = dir_.write("f.ini", "old");
+  ASSERT_EQ(chmod(path.c_str(), 0640), 0);
+  std::string link = dir_.file("link.ini");
+  ASSERT_EQ(symlink(path.c_str(), link.c_str()), 0);
+
+  ASSERT_TRUE(replace_file(link, "new"));
+  EXPECT_EQ(dir_.read("f.ini"), "new");
+  EXPECT_EQ(mode_of(path), 0640u);
+  struct stat info {};
+  ASSERT_EQ(lstat(link.c_str(), &info), 0);
+  EXPECT_TRUE(S_ISLNK(info.st_mode));
+
+  ASSERT_TRUE(replace_file(dir_.file("created"), "x"));
+  EXPECT_EQ(dir_.read("created"), "x");
+  EXPECT_EQ(names(), (std::set<std::string>{"created", "f.ini", "link.ini"}));
+}
+
+TEST_F(FileReplaceTest, ReplaceKeepsOwner) {
+  if (geteuid() != 0) GTEST_SKIP() << "needs root to hand the file to another user";
+  std::string path = dir_.write("owned.ini", "old");
+  ASSERT_EQ(chown(path.c_str(), 65534, 65534), 0);
+  ASSERT_TRUE(replace_file(path, "new"));
+  struct stat info {};
+  ASSERT_EQ(stat(path.c_str(), &info), 0);
+  EXPECT_EQ(info.st_uid, 65534u);
+  EXPECT_EQ(info.st_gid, 65534u);
+  EXPECT_EQ(dir_.read("owned.ini"), "new");
+}
+
+// Every step of the rewrite failed with each error a disk gives: the old
+// file stays byte for byte, no temporary stays, and the failure names its
+// step and message.
+TEST_F(FileReplaceTest, EveryFailedStepLeavesTheOldFileWhole) {
+  const std::string old_text(3000, 'o');
+  const std::string new_text(5000000, 'n');  // more than one buffer of writes
+  struct Case {
+    FaultyFileSystem::Step step;
+    FileStep reported;
+    int message;
+  };
+  const Case cases[] = {
+      {FaultyFileSystem::kCreate, FileStep::kCreate, kMsgTempNotCreated},
+      {FaultyFileSystem::kWrite, FileStep::kWrite, kMsgTempNotWritten},
+      {FaultyFileSystem::kSync, FileStep::kSync, kMsgTempNotSynced},
+      {FaultyFileSystem::kClose, FileStep::kWrite, kMsgTempNotWritten},
+      {FaultyFileSystem::kRename, FileStep::kRename, kMsgNotRenamed},
+  };
+  std::string path = dir_.write("data.jmd", old_text);
+  for (const Case& c : cases) {
+    for (int error : {ENOSPC, EIO, EACCES}) {
+      SCOPED_TRACE(std::to_string(c.step) + " " + std::strerror(error));
+      FaultyFileSystem files(c.step, error);
+      FileReplacement replacement(path, files, {dir_.file("data.bak")});
+      replacement.append(new_text.substr(0, 1000));
+      replacement.append(new_text.substr(1000));
+      FileResult result = replacement.commit();
+      EXPECT_FALSE(result);
+      EXPECT_EQ(result.failed, c.reported);
+      EXPECT_EQ(result.error, error);
+      EXPECT_GE(files.failures(), 1);
+      EXPECT_EQ(dir_.read("data.jmd"), old_text);
+      EXPECT_EQ(names(), (std::set<std::string>{"data.jmd"}));
+      FileMessage message = failure_message(result, path);
+      EXPECT_EQ(message.number, c.message);
+      EXPECT_EQ(message.args, (std::vector<std::string>{path, std::strerror(error)}));
+    }
+  }
+  ASSERT_TRUE(replace_file(path, new_text, system_file_system(), {dir_.file("data.bak")}));
+  EXPECT_EQ(dir_.read("data.jmd"), new_text);
+  EXPECT_EQ(dir_.read("data.bak"), old_text);
+}
+
+TEST_F(FileReplaceTest, BackupThatCannotBeMadeDoesNotStopTheRewrite) {
+  std::string path = dir_.write("a.ini", "first");
+  dir_.write("a.ini.bak", "older");
+  auto held_or_backup = [](const std::string& to) { return !to.ends_with("a.ini"); };
+  for (auto step : {FaultyFileSystem::kLink, FaultyFileSystem::kRename}) {
+    FaultyFileSystem files(step, EIO, held_or_backup);
+    EXPECT_TRUE(replace_file(path, "second", files, {dir_.file("a.ini.bak")}));
+    EXPECT_EQ(files.failures(), 1);
+    EXPECT_EQ(dir_.read("a.ini"), "second");
+    EXPECT_EQ(dir_.read("a.ini.bak"), "older");
+    EXPECT_EQ(names(), (std::set<std::string>{"a.ini", "a.ini.bak"}));
+    dir_.write("a.ini", "first");
+  }
+}
+
+TEST_F(FileReplaceTest, ADirectoryThatCannotTakeANewFileRefusesTheRewrite) {
+  std::string path = dir_.write("f.ini", "old old old");
+  if (geteuid() != 0) {
+    ASSERT_EQ(chmod(dir_.path().c_str(), 0555), 0);
+    FileResult refused = replace_file(path, "new");
+    chmod(dir_.path().c_str(), 0755);
+    EXPECT_EQ(refused.failed, FileStep::kCreate);
+    EXPECT_EQ(refused.error, EACCES);
+  }
+  for (int error : {EACCES, EROFS, ENOSPC, EDQUOT}) {
+    FaultyFileSystem files(FaultyFileSystem::kCreate, error);
+    FileResult refused = replace_file(path, "new", files);
+    EXPECT_EQ(failure_message(refused, path).number, kMsgTempNotCreated);
+    EXPECT_EQ(dir_.read("f.ini"), "old old old");
+  }
+  EXPECT_EQ(names(), (std::set<std::string>{"f.ini"}));
+}
+
+TEST_F(FileReplaceTest, TemporariesOfEndedProcessesAreRemovedByTheNextRewrite) {
+  std::string path = dir_.write("jobs.jmd", "old");
+  const std::string dead = ".jobs.jmd.px" + std::to_string(ended_process()) + "-00a3f2";
+  const std::string live = ".jobs.jmd.px" + std::to_string(getppid()) + "-00a3f2";
+  const std::string other = ".other.jmd.px" + std::to_string(ended_process()) + "-00a3f2";
+  for (const std::string& name : {dead, live, other}) dir_.write(name, "left behind");
+
+  ASSERT_TRUE(replace_file(path, "new"));
+  EXPECT_EQ(names(), (std::set<std::string>{"jobs.jmd", live, other}));
+  remove_stale_temporaries(dir_.file("other.jmd"));
+  EXPECT_EQ(names(), (std::set<std::string>{"jobs.jmd", live}));
+}
+
+TEST_F(FileReplaceTest, RewriteCreatesReadsAndLeavesAlone) {
+  auto append_x = [](const std::optional<std::string>& old) -> std::optional<std::string> {
+    return old.value_or("new:") + "x";
+  };
+  std::string path = dir_.file("r.ini");
+  ASSERT_TRUE(rewrite_file(path, append_x));
+  ASSERT_TRUE(rewrite_file(path, append_x));
+  EXPECT_EQ(dir_.read("r.ini"), "new:xx");
+
+  // Nothing to write: the file stays, and one made only for the lock goes.
+  auto nothing = [](const std::optional<std::string>&) { return std::optional<std::string>(); };
+  EXPECT_TRUE(rewrite_file(path, nothing));
+  EXPECT_EQ(dir_.read("r.ini"), "new:xx");
+  EXPECT_TRUE(rewrite_file(dir_.file("none.ini"), nothing));
+  // A new file whose write fails is not left behind empty.
+  FaultyFileSystem full(FaultyFileSystem::kWrite, ENOSPC);
+  EXPECT_FALSE(rewrite_file(dir_.file("full.ini"), append_x, full));
+  EXPECT_EQ(names(), (std::set<std::string>{"r.ini"}));
+}
+
+TEST_F(FileReplaceTest, RewriteRefusesWhatIsNotARegularFile) {
+  std::filesystem::create_directory(dir_.file("dir.ini"));
+  ASSERT_EQ(mkfifo(dir_.file("fifo.ini").c_str(), 0600), 0);
+  auto change = [](const std::optional<std::string>&) { return std::optional<std::string>("x"); };
+  for (std::string path : {dir_.file("dir.ini"), dir_.file("fifo.ini"), std::string("/dev/null")}) {
+    SCOPED_TRACE(path);
+    FileResult result = rewrite_file(path, change);
+    EXPECT_EQ(result.failed, FileStep::kLock);
+    int number = failure_message(result, path).number;
+    EXPECT_TRUE(number == kMsgNotRegular || number == kMsgNotLocked) << number;
+  }
+  EXPECT_TRUE(std::filesystem::is_directory(dir_.file("dir.ini")));
+  FaultyFileSystem unlockable(FaultyFileSystem::kLock, ENOLCK);
+  FileResult result = rewrite_file(dir_.write("f.ini", "old"), change, unlockable);
+  EXPECT_EQ(failure_message(result, "f.ini").number, kMsgNotLocked);
+  EXPECT_EQ(dir_.read("f.ini"), "old");
+}
+
+}  // namespace
+}  // namespace px
