@@ -1,5 +1,7 @@
 #include "jmd/jmd.h"
 
+#include <sys/stat.h>
+
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -7,6 +9,7 @@
 #include <vector>
 
 #include "common/file_util.h"
+#include "jmd/engine/report.h"
 #include "jmd/jmd_reader.h"
 
 namespace px::jmd {
@@ -31,6 +34,21 @@ ColumnDefs make_columns(int slot) {
   }
   return columns;
 }
+
+// The table engine's reports during a load go to the load's reporter, so
+// that the operator learns why a record was refused (a record that could not
+// be written, or an equal unique key), not only that it was.
+class EngineReports : public engine::ReportSink {
+ public:
+  explicit EngineReports(Reporter& reporter) : reporter_(reporter) {}
+  void message(int n, const std::vector<std::string>& args) override {
+    reporter_.message(n, args);
+  }
+  void text(std::string_view text) override { reporter_.trace(text); }
+
+ private:
+  Reporter& reporter_;
+};
 
 struct FileCloser {
   void operator()(std::FILE* file) const { std::fclose(file); }
@@ -82,6 +100,13 @@ std::unique_ptr<Jmd> load_jmd(const std::string& path, Reporter& reporter) {
   reporter.trace("jmd.c: database initialized successfully");
 
   std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "r"));
+  struct stat status {};
+  if (file && fstat(fileno(file.get()), &status) == 0 && S_ISDIR(status.st_mode)) {
+    // A directory opens for reading but holds no lines: it cannot be read
+    // as a JMD, which is what the operator is told.
+    file.reset();
+    errno = EISDIR;
+  }
   if (!file) {
     reporter.trace("Open of jmd failed in jmd.c: errno " + std::to_string(errno));
     reporter.message(kMsgCannotOpen, {path});
@@ -91,6 +116,8 @@ std::unique_ptr<Jmd> load_jmd(const std::string& path, Reporter& reporter) {
   auto add = [&jmd](int slot, std::span<const char> record) {
     return jmd->table(slot).add_row(std::as_bytes(record), engine::kAddAppend) != 0;
   };
+  EngineReports engine_reports(reporter);
+  engine::ReportRoute route(engine_reports);
   if (!read_jmd(lines, path, reporter, add)) return nullptr;
   return jmd;
 }
