@@ -161,8 +161,13 @@ class Table {
   // Appends a record (mode must be kAddAppend); the new row number, or 0 when
   // refused (a unique key already present: -370) or failed.
   long add_row(std::span<const std::byte> record, int mode = kAddAppend);
-  // Replaces row's record, keeping every index in step; false (nothing
-  // changed) when a unique key would be duplicated or on failure.
+  // Replaces row's record, keeping every index in step: the row leaves the
+  // index of each column whose value changes and goes back in with the new
+  // value. False when refused (a unique key would be repeated: -370) or on a
+  // failure (-357). A refused or failed update is undone: the old record is
+  // written back and the row put back into the indexes it left, so it reads
+  // and lists as before (only when that fails too, reported, does the row
+  // stay out of those indexes).
   bool update_row(long row, std::span<const std::byte> record);
   // Reads row into out (at least record_size() bytes); row 0 is the header
   // record. False when row is above the row count or cannot be read.
