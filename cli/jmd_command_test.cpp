@@ -5,6 +5,7 @@
 
 #include "cli/pxctl_test_fixture.h"
 #include "common/file_util.h"
+#include "tests/support/file_size_limit.h"
 
 namespace px {
 namespace {
@@ -17,7 +18,9 @@ class PxctlJmdTest : public PxctlFixture {
     ini_ = dir_.write("test.ini",
                       "[Titles]\n!f1=# Jobs: form printer mdf\n!x1=# Tasks\n!x2=\n!x3=# hidden\n"
                       "[Messages]\n"
+                      "Msg357=30 table trouble\n"
                       "Msg361=20 cut to @P1\n"
+                      "Msg370=30 repeated @P2\n"
                       "Msg384=30 not a JMD: @P1\n"
                       "Msg386=30 cannot open @P1\n"
                       "Msg387=30 refused: @P1\n"
@@ -66,7 +69,24 @@ TEST_F(PxctlJmdTest, FailuresShowTheirMessage) {
   ProgramResult dup = pxctl({"jmd", "check", bad});
   EXPECT_EQ(dup.status, 1);
   EXPECT_EQ(dup.out, "");
-  EXPECT_NE(dup.err.find("[-387]refused: !p Laser B d *\n"), std::string::npos) << dup.err;
+  EXPECT_EQ(dup.err, "[-370]repeated PrinterName\n[-387]refused: !p Laser B d *\n");
+
+  // A job row that cannot be written (a file-size limit) is refused for that.
+  std::string jobs = kHead;
+  for (int k = 0; k < 3000; ++k) jobs += "!f F" + std::to_string(k) + " L m * 0 Y T N N N *\n";
+  std::string big = dir_.write("big.jmd", jobs);
+  ProgramResult limited;
+  {
+    FileSizeLimit limit(256 * 1024);
+    ASSERT_TRUE(limit.set());
+    limited = pxctl({"jmd", "save", big, dir_.file("big-out.jmd")});
+  }
+  EXPECT_EQ(limited.status, 1);
+  EXPECT_EQ(limited.err.rfind("[-357]table trouble\n[-387]refused: !f F", 0), 0u) << limited.err;
+  EXPECT_EQ(limited.err.find("[-370]"), std::string::npos) << limited.err;
+
+  // A directory is no file to open.
+  EXPECT_EQ(pxctl({"jmd", "check", dir_.path()}).err, "[-386]cannot open " + dir_.path() + "\n");
 
   ProgramResult missing = pxctl({"jmd", "list", dir_.file("none.jmd"), "jobs"});
   EXPECT_EQ(missing.status, 1);

@@ -1,5 +1,7 @@
 #include "jmd/jmd.h"
 
+#include <sys/stat.h>
+
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -8,6 +10,7 @@
 
 #include "common/file_util.h"
 #include "common/readable_file.h"
+#include "jmd/engine/report.h"
 #include "jmd/jmd_reader.h"
 
 namespace px::jmd {
@@ -32,6 +35,21 @@ ColumnDefs make_columns(int slot) {
   }
   return columns;
 }
+
+// The table engine's reports during a load go to the load's reporter, so
+// that the operator learns why a record was refused (a record that could not
+// be written, or an equal unique key), not only that it was.
+class EngineReports : public engine::ReportSink {
+ public:
+  explicit EngineReports(Reporter& reporter) : reporter_(reporter) {}
+  void message(int n, const std::vector<std::string>& args) override {
+    reporter_.message(n, args);
+  }
+  void text(std::string_view text) override { reporter_.trace(text); }
+
+ private:
+  Reporter& reporter_;
+};
 
 // Opens the four tables in fresh temporary files; false after tracing the
 // failure (the tables opened so far are closed with the handle).
@@ -88,6 +106,8 @@ std::unique_ptr<Jmd> load_jmd(const std::string& path, Reporter& reporter) {
   auto add = [&jmd](int slot, std::span<const char> record) {
     return jmd->table(slot).add_row(std::as_bytes(record), engine::kAddAppend) != 0;
   };
+  EngineReports engine_reports(reporter);
+  engine::ReportRoute route(engine_reports);
   if (!read_jmd(lines, path, reporter, add)) return nullptr;
   return jmd;
 }

@@ -40,7 +40,10 @@ std::span<const engine::ColumnDef> column_definitions(int slot);
 //   the file cannot be opened       trace "Open of jmd failed in jmd.c:
 //                                   errno %d", then kMsgCannotOpen
 //   the file is empty or its header is wrong   kMsgBadHeader
-//   a record is refused (an equal unique key)  kMsgRecordRefused
+//   a record is refused                 the table engine's reason (-357 a
+//                                       record that could not be written,
+//                                       -370 an equal unique key), then
+//                                       kMsgRecordRefused
 //   the handle cannot be had        kMsgNoMemory
 // A value cut to its field is reported with kMsgValueCut and the load goes
 // on. Traces "jmd.c: database initialized successfully" once the tables are

@@ -3,11 +3,13 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "common/ini_profile.h"
 #include "jmd/jmd_writer.h"
 #include "jmd/recording_reporter.h"
+#include "tests/support/file_size_limit.h"
 #include "tests/support/test_dir.h"
 
 namespace px::jmd {
@@ -132,15 +134,57 @@ TEST_F(JmdTest, PrinterCommentTravelsButIsNoColumn) {
 
 TEST_F(JmdTest, EqualUniqueKeyWithoutRegardToCaseFailsTheWholeLoad) {
   EXPECT_FALSE(load(kHead + "!f J1\n!p LASER L1 d1 x 1\n!p laser L2 \"d 2\" y 2\n!f J2\n"));
-  EXPECT_EQ(reporter_.messages(), (std::vector<Entry>{{kMsgRecordRefused, {"!p laser L2 d 2 y"}}}));
+  // The table's own reason comes first: the repeated key, with the column.
+  std::vector<Entry> messages = reporter_.messages();
+  ASSERT_EQ(messages.size(), 2u);
+  EXPECT_EQ(messages[0].number, -370);
+  ASSERT_EQ(messages[0].args.size(), 2u);
+  EXPECT_EQ(messages[0].args[1], "PrinterName");
+  EXPECT_EQ(messages[1], (Entry{kMsgRecordRefused, {"!p laser L2 d 2 y"}}));
   EXPECT_EQ(table_files(), 0u);
 
   for (std::string_view lines : {"!x T1 a\n!x t1 b\n", "!m M1 1\n!m m1 2\n"}) {
     RecordingReporter reporter;
     EXPECT_FALSE(load_jmd(dir_.write("dup.jmd", kHead + std::string(lines)), reporter));
-    ASSERT_EQ(reporter.messages().size(), 1u);
-    EXPECT_EQ(reporter.messages()[0].number, kMsgRecordRefused);
+    ASSERT_EQ(reporter.messages().size(), 2u);
+    EXPECT_EQ(reporter.messages()[0].number, -370);
+    EXPECT_EQ(reporter.messages()[1].number, kMsgRecordRefused);
   }
+  EXPECT_EQ(table_files(), 0u);
+}
+
+// A job row has no unique key: when one is refused because its record
+// cannot be written (here a file-size limit), that is what the operator is
+// told before the refusal, not a repeated key.
+TEST_F(JmdTest, ARecordThatCannotBeWrittenIsRefusedAsAWriteFailure) {
+  std::string text = kHead;
+  for (int k = 0; k < 3000; ++k) text += "!f FORM" + std::to_string(k) + " LASER m.mdf * 0 Y T1 N N N *\n";
+  std::string path = dir_.write("big.jmd", text);
+  {
+    FileSizeLimit limit(256 * 1024);  // the job table needs 1.5 MB
+    ASSERT_TRUE(limit.set());
+    EXPECT_FALSE(load_jmd(path, reporter_));
+  }
+  std::vector<Entry> messages = reporter_.messages();
+  ASSERT_EQ(messages.size(), 2u);
+  EXPECT_EQ(messages[0].number, -357);
+  EXPECT_EQ(messages[1].number, kMsgRecordRefused);
+  ASSERT_EQ(messages[1].args.size(), 1u);
+  EXPECT_EQ(messages[1].args[0].rfind("!f FORM", 0), 0u) << messages[1].args[0];
+  std::vector<std::string> traces = reporter_.traces();
+  EXPECT_TRUE(std::any_of(traces.begin(), traces.end(), [](const std::string& t) {
+    return t.rfind("VLPut failed - Name '", 0) == 0;
+  }));
+  EXPECT_EQ(table_files(), 0u);
+}
+
+// A directory opens for reading on Linux but is no file to load.
+TEST_F(JmdTest, ADirectoryCannotBeOpenedAsAJmd) {
+  EXPECT_FALSE(load_jmd(tables_, reporter_));
+  EXPECT_EQ(reporter_.messages(), (std::vector<Entry>{{kMsgCannotOpen, {tables_}}}));
+  std::vector<std::string> traces = reporter_.traces();
+  EXPECT_NE(std::find(traces.begin(), traces.end(), "Open of jmd failed in jmd.c: errno 21"),
+            traces.end());
   EXPECT_EQ(table_files(), 0u);
 }
 

@@ -10,6 +10,7 @@
 #include <new>
 #include <span>
 
+#include "jmd/engine/node_cache.h"
 #include "jmd/engine/report.h"
 
 namespace px::engine {
@@ -60,10 +61,10 @@ bool BTree::close() {
   for (CursorState* c : cursors_) c->tree = nullptr;
   cursors_.clear();
   if (file_) {
-    if (!(file_->mode() & kVListCreate)) write_dirty_nodes();
+    NodeCache::drop(*this, !(file_->mode() & kVListCreate), __LINE__);
     file_->close();
+    file_.reset();
   }
-  mirror_.clear();
   return true;
 }
 
@@ -73,27 +74,7 @@ bool BTree::flush() {
   return file_->flush() && ok;
 }
 
-bool BTree::write_dirty_nodes() {
-  bool ok = true;
-  for (size_t t = 0; t < mirror_.size(); ++t) {
-    if (!mirror_[t]) continue;
-    for (long c = 0; c < kChunkTable; ++c) {
-      MirrorChunk* chunk = (*mirror_[t])[c].get();
-      if (chunk == nullptr || chunk->dirty.none()) continue;
-      long first = (static_cast<long>(t) * kChunkTable + c) * kMirrorChunk;
-      for (long i = 0; i < kMirrorChunk; ++i) {
-        if (!chunk->dirty[i]) continue;
-        if (!file_->put(first + i, bytes_of(chunk->nodes[i]))) {
-          report(true, __LINE__, first + i);
-          ok = false;
-          continue;
-        }
-        chunk->dirty[i] = false;
-      }
-    }
-  }
-  return ok;
-}
+bool BTree::write_dirty_nodes() { return NodeCache::write_back(*this, __LINE__); }
 
 long BTree::node_count() const { return file_ ? file_->record_count() : 0; }
 
@@ -108,90 +89,69 @@ void BTree::report(bool write, int line, long n) const {
   report_text(text);
 }
 
-BTree::MirrorChunk* BTree::chunk_of(long n) const {
-  if (n < 0) return nullptr;
-  size_t t = static_cast<size_t>(n / (kMirrorChunk * kChunkTable));
-  if (t >= mirror_.size() || !mirror_[t]) return nullptr;
-  return (*mirror_[t])[(n / kMirrorChunk) % kChunkTable].get();
-}
+BTreeNode* BTree::kept(long n) { return NodeCache::find(*this, static_cast<int32_t>(n)); }
 
-BTreeNode* BTree::kept(long n) {
-  MirrorChunk* chunk = chunk_of(n);
-  if (chunk == nullptr || !chunk->kept[n % kMirrorChunk]) return nullptr;
-  return &chunk->nodes[n % kMirrorChunk];
-}
+void BTree::mark_dirty(long n) { NodeCache::mark_dirty(*this, static_cast<int32_t>(n)); }
 
-bool BTree::remember(long n, const BTreeNode& node, bool dirty) {
-  if (n < 0) return false;
-  MirrorChunk* chunk = chunk_of(n);
-  if (chunk == nullptr) {
-    size_t t = static_cast<size_t>(n / (kMirrorChunk * kChunkTable));
-    try {
-      if (mirror_.size() <= t) mirror_.resize(t + 1);
-      if (!mirror_[t]) mirror_[t] = std::make_unique<ChunkTable>();
-      auto& slot = (*mirror_[t])[(n / kMirrorChunk) % kChunkTable];
-      slot = std::make_unique<MirrorChunk>();
-      chunk = slot.get();
-    } catch (const std::bad_alloc&) {
-      return false;
-    }
+void BTree::forget_node(long n) { NodeCache::forget(*this, static_cast<int32_t>(n)); }
+
+bool BTree::store(int32_t n, const BTreeNode& node, int line) {
+  BTreeNode copy = node;
+  if (!valid_node(n) || !file_->put(n, bytes_of(copy))) {
+    report(true, line, n);
+    return false;
   }
-  chunk->nodes[n % kMirrorChunk] = node;
-  chunk->kept[n % kMirrorChunk] = true;
-  chunk->dirty[n % kMirrorChunk] = dirty;
   return true;
 }
 
-void BTree::mark_dirty(long n) { chunk_of(n)->dirty[n % kMirrorChunk] = true; }
-
-void BTree::forget_node(long n) {
-  if (MirrorChunk* chunk = chunk_of(n)) {
-    chunk->kept[n % kMirrorChunk] = false;
-    chunk->dirty[n % kMirrorChunk] = false;
+// A node that does not hold together (a damaged or freed one) is not used.
+bool BTree::sound(long n, const BTreeNode& node) const {
+  bool ok = node.count >= 0 && node.count <= kNodeCapacity &&
+            (node.kind == kNodeLeaf || node.kind == kNodeInner) &&
+            (node.next == 0 || valid_node(node.next)) && (node.prev == 0 || valid_node(node.prev));
+  for (int i = 0; ok && node.kind == kNodeInner && i < node.count; ++i) {
+    int32_t child = node.entries[i].child;
+    ok = valid_node(child) && child != kRootNode && child != n;
   }
+  return ok;
 }
 
 const BTreeNode* BTree::view(long n, int line) {
-  if (valid_node(n)) {
-    if (const BTreeNode* node = kept(n)) return node;
+  if (!valid_node(n)) {
+    report(false, line, n);
+    return nullptr;
   }
-  BTreeNode node;
-  return read(n, node, line) ? kept(n) : nullptr;
+  int32_t node = static_cast<int32_t>(n);
+  if (const BTreeNode* cached = NodeCache::find(*this, node)) return cached;
+  BTreeNode* slot = NodeCache::claim(*this, node, line);
+  if (slot == nullptr) return nullptr;  // a write-back failed and was reported
+  if (!file_->get(n, bytes_of(*slot)) || !sound(n, *slot)) {
+    NodeCache::forget(*this, node);
+    report(false, line, n);
+    return nullptr;
+  }
+  return slot;
 }
 
 bool BTree::read(long n, BTreeNode& out, int line) {
-  if (valid_node(n)) {
-    if (const BTreeNode* node = kept(n)) {
-      out = *node;
-      return true;
-    }
-  }
-  if (!valid_node(n) || !file_->get(n, bytes_of(out))) {
-    report(false, line, n);
-    return false;
-  }
-  // A node that does not hold together (a damaged or freed one) is not used.
-  bool sound = out.count >= 0 && out.count <= kNodeCapacity &&
-               (out.kind == kNodeLeaf || out.kind == kNodeInner) &&
-               (out.next == 0 || valid_node(out.next)) && (out.prev == 0 || valid_node(out.prev));
-  for (int i = 0; sound && out.kind == kNodeInner && i < out.count; ++i) {
-    int32_t child = out.entries[i].child;
-    sound = valid_node(child) && child != kRootNode && child != n;
-  }
-  if (!sound || !remember(n, out, false)) {
-    report(false, line, n);
-    return false;
-  }
+  const BTreeNode* node = view(n, line);
+  if (node == nullptr) return false;
+  out = *node;
   return true;
 }
 
 bool BTree::read_node(long n, BTreeNode& out, int line) { return read(n, out, line); }
 
 bool BTree::write(long n, const BTreeNode& node, int line) {
-  if (!valid_node(n) || !remember(n, node, true)) {
+  if (!valid_node(n)) {
     report(true, line, n);
     return false;
   }
+  int32_t number = static_cast<int32_t>(n);
+  BTreeNode* slot = NodeCache::find(*this, number);
+  if (slot == nullptr && (slot = NodeCache::claim(*this, number, line)) == nullptr) return false;
+  *slot = node;
+  NodeCache::mark_dirty(*this, number);
   return true;
 }
 

@@ -23,13 +23,22 @@
 // head at offset 8. Every node number read from the file is checked against
 // the number of nodes before it is followed; a bad one fails the operation.
 //
+// Node cache: the trees do their work on copies of their nodes held in one
+// cache that all open trees share, of at most kNodeCacheNodes nodes (4 MiB of
+// node data and 24 bytes of bookkeeping per node), whatever the number and
+// size of the trees. A node not in it is read from the tree's file through
+// the record store (and its block cache); when the cache is full, the least
+// recently used node gives its place up, written to its file first when it
+// was changed. Changed nodes also reach the file on flush and on close (a
+// file that close deletes is spared them).
+//
 // Node reads and writes that fail report "btget failed: list %p line_num %d
 // node_num %ld" / "btput failed: ..." as message -400, with the source line
-// of the calling statement.
+// of the calling statement. A node write fails when a changed node cannot be
+// written back to make room, or on flush.
 #pragma once
 
 #include <array>
-#include <bitset>
 #include <cstdint>
 #include <memory>
 #include <string_view>
@@ -47,6 +56,8 @@ inline constexpr int kNodeInner = 1;
 inline constexpr int kRootNode = 1;
 inline constexpr int kBTreeCacheParameter = 5;
 inline constexpr int kMaxDepth = 64;  // a deeper path means a damaged file
+inline constexpr int kNodeCacheNodes = 4096;  // nodes the shared node cache holds
+inline constexpr int kNodeCacheMinimum = 8;   // the fewest it can be set to
 
 struct BTreeEntry {
   int32_t key = 0;
@@ -173,16 +184,26 @@ class BTree {
 
  private:
   friend class BTreeCursor;
+  friend class NodeCache;
   BTree() = default;
 
   // Node input and output; line is the caller's source line for the report.
   bool read(long n, BTreeNode& out, int line);
-  // The node's kept copy itself, without copying; the pointer stays valid
-  // until the tree is closed (what it shows changes with later writes).
+  // The node's cached copy itself, without copying. The pointer stays valid
+  // until kNodeCacheMinimum - 1 other nodes have been brought into the node
+  // cache (what it shows changes with later writes).
   const BTreeNode* view(long n, int line);
+  // The cached copy of node n, or nullptr when it is not cached; for
+  // changing a node in place (then mark_dirty()).
+  BTreeNode* kept(long n);
+  void mark_dirty(long n);
+  void forget_node(long n);
+  bool write_dirty_nodes();
   bool write(long n, const BTreeNode& node, int line);
   void report(bool write, int line, long n) const;
   bool valid_node(long n) const { return n > 0 && n < node_count(); }
+  // Whether node n, as read from the file, holds together.
+  bool sound(long n, const BTreeNode& node) const;
   // The header's free-list head, and storing a new one.
   bool read_free_head(int32_t& head, int line);
   bool write_free_head(int32_t head, int line);
@@ -215,35 +236,24 @@ class BTree {
   void move_cursors(int32_t from, int first, int last, int32_t to, int shift);
   void insert_entry(int32_t n, BTreeNode& node, int pos, const BTreeEntry& entry);
 
-  // Copies of the nodes read or written so far, so that the tree's work does
-  // not go through the block cache. Written nodes are marked dirty and reach
-  // the file, lowest node first, on flush and on close (a file that close
-  // deletes is spared them). The copies are kept in chunks of kMirrorChunk
-  // nodes, each made when a node in it is first kept, found through tables
-  // of kChunkTable chunks: a copy never moves, and node numbers far apart
-  // (as a damaged file gives) cost only the chunks and tables they touch.
-  static constexpr long kMirrorChunk = 128;
-  static constexpr long kChunkTable = 4096;
-  struct MirrorChunk {
-    std::array<BTreeNode, kMirrorChunk> nodes;
-    std::bitset<kMirrorChunk> kept;
-    std::bitset<kMirrorChunk> dirty;
-  };
-  using ChunkTable = std::array<std::unique_ptr<MirrorChunk>, kChunkTable>;
-  std::vector<std::unique_ptr<ChunkTable>> mirror_;
-  // The chunk that holds node n; nullptr when there is none yet.
-  MirrorChunk* chunk_of(long n) const;
-  // The kept copy of node n; nullptr when there is none.
-  BTreeNode* kept(long n);
-  // Keeps a copy of node n, dirty or clean; false when memory runs out.
-  bool remember(long n, const BTreeNode& node, bool dirty);
-  void mark_dirty(long n);
-  void forget_node(long n);
-  bool write_dirty_nodes();
+  // Writes node n to the file (for the node cache, whose slot it leaves);
+  // reports btput with line on failure.
+  bool store(int32_t n, const BTreeNode& node, int line);
 
   std::unique_ptr<VList> file_;
   BTreeComparator* compare_ = nullptr;
   std::vector<CursorState*> cursors_;  // every open cursor of this tree
 };
+
+// The shared node cache. Exposed for tests and for diagnosis.
+namespace node_cache {
+// The most nodes it holds.
+int capacity();
+// Nodes held now, by all trees.
+int nodes_in_use();
+// Sets the capacity (at least kNodeCacheMinimum) while no node is held, as
+// tests do to make a small tree overflow it; false otherwise.
+bool set_capacity(int nodes);
+}  // namespace node_cache
 
 }  // namespace px::engine

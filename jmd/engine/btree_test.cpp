@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "jmd/engine/engine_test_log.h"
+#include "tests/support/file_size_limit.h"
 #include "tests/support/test_dir.h"
 
 namespace px::engine {
@@ -97,6 +98,8 @@ class BTreeTest : public ::testing::Test {
   MessageCapture log_{dir_};
   IntCompare compare_;
   std::unique_ptr<BTree> tree_;
+
+  void random_inserts_and_deletes();
 };
 
 TEST_F(BTreeTest, EmptyTreeHasHeaderAndEmptyRootLeaf) {
@@ -291,7 +294,21 @@ TEST_F(BTreeTest, CursorsFollowTheirEntriesThroughSplitsAndDeletes) {
   EXPECT_FALSE(at_10.next(e));  // a closed tree's cursor reports the end
 }
 
-TEST_F(BTreeTest, RandomInsertsAndDeletesMatchAMultiset) {
+// Sets the shared node cache's capacity for one test, and back after it.
+class SmallNodeCache {
+ public:
+  explicit SmallNodeCache(int nodes) : before_(node_cache::capacity()) {
+    set_ = node_cache::set_capacity(nodes);
+  }
+  ~SmallNodeCache() { node_cache::set_capacity(before_); }
+  bool set() const { return set_; }
+
+ private:
+  int before_;
+  bool set_ = false;
+};
+
+void BTreeTest::random_inserts_and_deletes() {
   open();
   std::mt19937 rng(20240611);
   std::set<Pair> model;
@@ -366,6 +383,66 @@ TEST_F(BTreeTest, RandomInsertsAndDeletesMatchAMultiset) {
     n = freed.next;
   }
   EXPECT_EQ(free_nodes, tree_->node_count() - 2);
+}
+
+TEST_F(BTreeTest, RandomInsertsAndDeletesMatchAMultiset) { random_inserts_and_deletes(); }
+
+// The same work through a node cache far smaller than the tree: nodes leave
+// it and come back from the file all the time.
+TEST_F(BTreeTest, RandomInsertsAndDeletesMatchAMultisetThroughASmallNodeCache) {
+  SmallNodeCache small(kNodeCacheMinimum);
+  ASSERT_TRUE(small.set());
+  random_inserts_and_deletes();
+  EXPECT_LE(node_cache::nodes_in_use(), kNodeCacheMinimum);
+}
+
+// A tree larger than the node cache keeps only the cache's nodes in memory,
+// and the rest reach its file: closed and opened again, it holds every entry.
+TEST_F(BTreeTest, ATreeLargerThanTheNodeCacheLivesInItsFile) {
+  SmallNodeCache small(kNodeCacheMinimum);
+  ASSERT_TRUE(small.set());
+  std::string path = dir_.file("large.i01");
+  std::mt19937 rng(7);
+  std::set<Pair> model;
+  {
+    auto tree = BTree::open(path, kVListCreateIfMissing, compare_);
+    ASSERT_TRUE(tree);
+    for (int k = 0; k < 20000; ++k) {
+      Pair p(static_cast<int32_t>(rng() % 1000000), k);
+      ASSERT_EQ(tree->insert(p.first, p.second), BTree::Insert::kInserted) << k;
+      model.insert(p);
+      ASSERT_LE(node_cache::nodes_in_use(), kNodeCacheMinimum);
+    }
+    EXPECT_GT(tree->node_count(), 20000 / kNodeCapacity);
+  }
+  EXPECT_EQ(node_cache::nodes_in_use(), 0);  // a closed tree gives its nodes back
+  auto tree = BTree::open(path, kVListCreateIfMissing, compare_);
+  ASSERT_TRUE(tree);
+  EXPECT_EQ(walk_forward(*tree), std::vector<Pair>(model.begin(), model.end()));
+  int leaf_depth = -1;
+  check_structure(*tree, kRootNode, nullptr, 0, leaf_depth);
+}
+
+// A changed node that must leave the node cache but cannot be written to its
+// file fails the insert that needed the room, reported as a node write.
+TEST_F(BTreeTest, ANodeThatCannotBeWrittenBackFailsAsANodeWrite) {
+  SmallNodeCache small(kNodeCacheMinimum);
+  ASSERT_TRUE(small.set());
+  auto tree = BTree::open(dir_.file("limited.i01"), kVListCreateIfMissing, compare_);
+  ASSERT_TRUE(tree);
+  BTree::Insert result = BTree::Insert::kInserted;
+  {
+    // The block cache takes 90 nodes before it writes any; the file may
+    // grow by 64 more.
+    FileSizeLimit limit(64 * 1024);
+    ASSERT_TRUE(limit.set());
+    for (int k = 0; k < 100000 && result == BTree::Insert::kInserted; ++k) {
+      result = tree->insert(k, k);
+    }
+  }
+  EXPECT_EQ(result, BTree::Insert::kFailed);
+  EXPECT_TRUE(log_.contains("btput failed: list ")) << log_.text();
+  EXPECT_TRUE(log_.contains("VLPut failed - Name '")) << log_.text();
 }
 
 TEST_F(BTreeTest, DamagedNodesFailWithTheirReport) {

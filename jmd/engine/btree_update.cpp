@@ -94,10 +94,12 @@ BTree::Insert BTree::insert_into(int32_t n, const BTreeEntry& entry, int depth, 
       if (r == kCompareError) return Insert::kFailed;
       if (r == 0) return Insert::kDuplicate;
     }
-    // A leaf with room takes the entry in its kept copy, the node view()
+    // A leaf with room takes the entry in its cached copy, the node view()
     // showed, which is then marked for writing.
     if (v->count < kNodeCapacity) {
-      insert_entry(n, *kept(n), pos, entry);
+      BTreeNode* node = kept(n);  // still cached: one node was brought in since
+      if (node == nullptr) return Insert::kFailed;
+      insert_entry(n, *node, pos, entry);
       mark_dirty(n);
       return Insert::kInserted;
     }

@@ -7,7 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "jmd/engine/btree.h"
 #include "jmd/engine/table.h"
+#include "jmd/engine/table_internal.h"
 #include "jmd/engine/table_test_support.h"
 
 namespace px::engine {
@@ -65,11 +67,56 @@ Item item(unsigned k) {
   return it;
 }
 
-class IndexBuildTest : public EngineTest {};
+class IndexBuildTest : public EngineTest {
+ protected:
+  void check_built_orders_as_kept();
+};
+
+// Limits on the engine's memory for one test, and back after it.
+class MemoryLimits {
+ public:
+  MemoryLimits(size_t sort_run, size_t value_budget, int nodes)
+      : run_(sort_run_entries()), budget_(value_budget::budget()), nodes_(node_cache::capacity()) {
+    set_sort_run_entries(sort_run);
+    value_budget::set_budget(value_budget);
+    node_cache::set_capacity(nodes);
+  }
+  ~MemoryLimits() {
+    set_sort_run_entries(run_);
+    value_budget::set_budget(budget_);
+    node_cache::set_capacity(nodes_);
+  }
+
+ private:
+  size_t run_;
+  size_t budget_;
+  int nodes_;
+};
 
 // An index built over a full table must order rows exactly as one that took
 // every row as it was added, for every kind of column.
-TEST_F(IndexBuildTest, BuiltIndexOrdersAsOneKeptSinceTheFirstRow) {
+TEST_F(IndexBuildTest, BuiltIndexOrdersAsOneKeptSinceTheFirstRow) { check_built_orders_as_kept(); }
+
+// The same when the build sorts in runs of a few rows, when no value copy
+// fits the budget (comparisons read the records) and when the node cache is
+// far smaller than the indexes: the engine's memory stays within its limits.
+TEST_F(IndexBuildTest, LimitsOnMemoryChangeNoOrder) {
+  {
+    MemoryLimits limits(7, kValueCopyBudget, kNodeCacheNodes);
+    check_built_orders_as_kept();
+  }
+  {
+    MemoryLimits limits(kSortRunEntries, 2000, kNodeCacheMinimum);
+    ASSERT_EQ(node_cache::capacity(), kNodeCacheMinimum);
+    check_built_orders_as_kept();
+  }
+  {
+    MemoryLimits limits(50, 0, kNodeCacheMinimum);
+    check_built_orders_as_kept();
+  }
+}
+
+void IndexBuildTest::check_built_orders_as_kept() {
   Table built = Table::open("built.tmp", sizeof(Item), kOpenNew, kItemColumns);
   Table kept = Table::open("kept.tmp", sizeof(Item), kOpenNew, kItemColumns);
   ASSERT_TRUE(built && kept);
@@ -103,6 +150,8 @@ TEST_F(IndexBuildTest, BuiltIndexOrdersAsOneKeptSinceTheFirstRow) {
   }
   EXPECT_EQ(rows_of(built, 0, Value("SHARED BEGINNING OF A LONG TEXT A"), true),
             rows_of(kept, 0, Value("shared beginning of a long text a"), true));
+  EXPECT_LE(value_budget::bytes_in_use(), value_budget::budget());
+  EXPECT_LE(node_cache::nodes_in_use(), node_cache::capacity());
 }
 
 // Values kept from the start, or from when asked, build the same index as

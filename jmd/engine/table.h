@@ -19,6 +19,16 @@
 // could not be read or written, -370 duplicate key in a unique index, -385 out
 // of memory) and the operation returns 0 / false / an empty handle.
 //
+// Memory: an open table holds its records in its file, read and written
+// through the record store's block cache (vlist.h), and its indexes in their
+// files, through the B-tree node cache (btree.h); both have a fixed size. The
+// copies of column values that index comparisons and keep_values() use are
+// bounded by kValueCopyBudget bytes for all tables together: a copy that
+// would go over it is dropped, and comparisons over that column read the
+// records from then on (slower, not wrong). An index add sorts its entries in
+// runs of at most kSortRunEntries entries (24 bytes each). Beyond that, a
+// table holds three record buffers and its handles, whatever its row count.
+//
 // Trace: when key GDBTraceFile in section Debug of the default INI file names
 // a file at the first table open, every operation writes its line(s) there
 // after it has finished, flushed at once.
@@ -52,6 +62,20 @@ enum ColumnType : int32_t {
   kTypeTextNoCase = 14,    // case-insensitive, not hashed
   kTypeCustom = 15,        // the column's compare function
 };
+
+// The bytes that all copies of column values together may reserve.
+inline constexpr size_t kValueCopyBudget = size_t{32} << 20;
+// The most entries an index add sorts at once (24 bytes each: 24 MiB).
+inline constexpr size_t kSortRunEntries = size_t{1} << 20;
+
+// The value copies' budget, exposed for tests and diagnosis.
+namespace value_budget {
+// Bytes reserved by all copies now.
+size_t bytes_in_use();
+size_t budget();
+// Sets the budget (tests use a small one to see a copy dropped).
+void set_budget(size_t bytes);
+}  // namespace value_budget
 
 // Column flag bits.
 inline constexpr int32_t kIndexAtOpen = 1;  // build the index when the table opens
@@ -137,8 +161,13 @@ class Table {
   // Appends a record (mode must be kAddAppend); the new row number, or 0 when
   // refused (a unique key already present: -370) or failed.
   long add_row(std::span<const std::byte> record, int mode = kAddAppend);
-  // Replaces row's record, keeping every index in step; false (nothing
-  // changed) when a unique key would be duplicated or on failure.
+  // Replaces row's record, keeping every index in step: the row leaves the
+  // index of each column whose value changes and goes back in with the new
+  // value. False when refused (a unique key would be repeated: -370) or on a
+  // failure (-357). A refused or failed update is undone: the old record is
+  // written back and the row put back into the indexes it left, so it reads
+  // and lists as before (only when that fails too, reported, does the row
+  // stay out of those indexes).
   bool update_row(long row, std::span<const std::byte> record);
   // Reads row into out (at least record_size() bytes); row 0 is the header
   // record. False when row is above the row count or cannot be read.

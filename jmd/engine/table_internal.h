@@ -31,18 +31,24 @@ struct TableState;
 // every value in one array, and the whole value only of those that run on
 // past them. Most comparisons are settled by the first bytes, so an index
 // build over many rows touches little memory.
+//
+// All the value caches of the process together reserve at most
+// kValueCopyBudget bytes (table.h). A cache that would go over it gives up:
+// it frees its copies, serves no value from then on, and comparisons read
+// the records instead.
 class ValueCache {
  public:
   static constexpr uint32_t kPrefixWidth = 16;
 
   void reset(const ColumnDef& column);
   bool active() const { return width_ > 0; }
-  // Stores the value as it lies in a record. When memory for a copy runs
-  // out the cache gives up: from then on it serves no value, and callers
-  // read the records.
+  // Whether the cache gave up (over the budget, or out of memory).
+  bool failed() const { return failed_; }
+  // Stores the value as it lies in a record; gives up when the copy would
+  // go over the budget or memory runs out.
   void store(long row, const std::byte* value);
-  // Makes room for rows 0 to rows at once (a hint: nothing when memory is
-  // short, store() then grows as it goes).
+  // Makes room for rows 0 to rows at once (a hint: nothing when the budget
+  // or memory is short, store() then grows as it goes).
   void reserve(long rows);
   // The stored value of row, whole; a text kept only by its first bytes is
   // put together in scratch. nullptr when the cache is not active or does
@@ -62,8 +68,30 @@ class ValueCache {
   void clear() { *this = ValueCache(); }
 
  private:
+  // The bytes a cache has reserved, counted against the budget; given back
+  // when the cache is cleared or destroyed.
+  class Charge {
+   public:
+    Charge() = default;
+    Charge(Charge&& other) noexcept;
+    Charge& operator=(Charge&& other) noexcept;
+    ~Charge();
+    // Changes the charge to bytes; false (unchanged) when that would go
+    // over the budget.
+    bool set(size_t bytes);
+
+   private:
+    size_t bytes_ = 0;
+  };
   static constexpr uint32_t kNoWhole = UINT32_MAX;
-  void store_value(long row, const std::byte* value);  // may throw std::bad_alloc
+  // Whether the value fitted (false: over the budget); may throw
+  // std::bad_alloc.
+  bool store_value(long row, const std::byte* value);
+  // Reserves room for n elements of v within the budget; false when over it.
+  template <class T>
+  bool room(std::vector<T>& v, size_t n);
+  size_t held() const;
+  void give_up();
   const ColumnDef* column_ = nullptr;
   uint32_t width_ = 0;
   uint32_t prefix_width_ = 0;
@@ -72,7 +100,8 @@ class ValueCache {
   std::vector<std::byte> prefixes_;  // texts: the first bytes of every row's value
   std::vector<uint32_t> whole_at_;   // texts: the row's place in bytes_, or
                                      // kNoWhole (a place is kept for good)
-  bool failed_ = false;              // a copy could not be made
+  bool failed_ = false;              // gave up: serves no value
+  Charge charge_;
 };
 
 // The index comparison of one column of one table: entries are (key, row);
@@ -205,6 +234,10 @@ enum class OrderedBuild {
 // types without a strict order, duplicates in a unique column, unreadable
 // rows and a lack of memory.
 OrderedBuild add_index_in_key_order(TableState& t, int c);
+// The most entries sorted at once: kSortRunEntries unless set (tests set
+// fewer to build in several runs).
+size_t sort_run_entries();
+void set_sort_run_entries(size_t entries);
 
 // ---- trace (table_trace.cpp) ----
 

@@ -83,6 +83,20 @@ long append_row(TableState& t, std::span<const std::byte> record, int mode) {
   return header_written ? row : 0;
 }
 
+// Puts a row whose update was refused back as it was: its old record, and
+// its entries in the indexes it was taken out of. False when that fails too
+// (reported); the row then stays out of those indexes.
+bool restore_row(TableState& t, long row, const std::vector<std::byte>& old,
+                 const std::vector<int>& changed) {
+  if (!t.records->put(row, old)) return fail(t);
+  remember_values(t, row, old.data());
+  bool ok = true;
+  for (int c : changed) {
+    if (!insert_row_entry(t, row, c, old.data())) ok = false;
+  }
+  return ok;
+}
+
 bool replace_row(TableState& t, long row, std::span<const std::byte> record) {
   if (record.size() < static_cast<size_t>(t.record_size) || row < 1 || row > t.row_count) {
     return fail(t);
@@ -100,12 +114,17 @@ bool replace_row(TableState& t, long row, std::span<const std::byte> record) {
     if (r == kCompareError || !delete_row_entry(t, row, c, old.data())) return false;
     changed.push_back(c);
   }
-  if (!t.records->put(row, record)) return fail(t);
+  if (!t.records->put(row, record)) {
+    fail(t);
+    restore_row(t, row, old, changed);
+    return false;
+  }
   remember_values(t, row, record.data());
   t.dirty = true;
   for (size_t i = 0; i < changed.size(); ++i) {
     if (!insert_row_entry(t, row, changed[i], record.data())) {
       for (size_t j = 0; j < i; ++j) delete_row_entry(t, row, changed[j], record.data());
+      restore_row(t, row, old, changed);
       return false;
     }
   }

@@ -121,6 +121,34 @@ TEST_F(TableTest, UpdateKeepsIndexesInStepAndRefusesDuplicates) {
   EXPECT_FALSE(t.update_row(0, record_bytes(printer("Q", "Y", 3))));
 }
 
+// A refused update changes nothing: the row reads, lists and updates as
+// before, in the indexes of the columns it was to change (Deleted, before
+// the refusing unique name, and PrinterId, after it) and the others.
+TEST_F(TableTest, ARefusedUpdateLeavesTheRowAsItWas) {
+  Table t = open_printers(true);
+  ASSERT_EQ(t.add_row(record_bytes(printer("A", "X", 1))), 1);
+  ASSERT_EQ(t.add_row(record_bytes(printer("B", "Y", 2))), 2);
+  ASSERT_TRUE(t.add_index(2));
+  ASSERT_TRUE(t.add_index(3));
+  Printer changed = printer("a", "W", 2);
+  changed.deleted = 'T';
+  log_.clear();
+  EXPECT_FALSE(t.update_row(2, record_bytes(changed)));
+  EXPECT_TRUE(log_.contains("[-370]"));
+  Printer p{};
+  ASSERT_TRUE(t.get_row(2, record_bytes(p)));
+  EXPECT_STREQ(p.name, "B");
+  EXPECT_STREQ(p.id, "Y");
+  EXPECT_EQ(p.deleted, 'F');
+  for (int c = 0; c < 4; ++c) {
+    EXPECT_EQ(rows_of(t, c), (std::vector<long>{1, 2})) << c;
+  }
+  EXPECT_EQ(rows_of(t, 1, Value("b"), true), (std::vector<long>{2}));
+  EXPECT_EQ(rows_of(t, 2, Value("W"), true), (std::vector<long>{}));
+  EXPECT_TRUE(t.update_row(2, record_bytes(printer("C", "W", 2))));
+  EXPECT_EQ(rows_of(t, 2), (std::vector<long>{2, 1}));
+}
+
 TEST_F(TableTest, DeletingFromColumnOneHidesTheRowFromThatIndexOnly) {
   Table t = open_printers();
   ASSERT_EQ(t.add_row(record_bytes(printer("A", "X", 1))), 1);

@@ -1,0 +1,58 @@
+// Runs a program and prints what it took: wall-clock seconds, its maximum
+// resident size (kB, as the kernel counts it: the pages of files it maps
+// included) and the peak of its anonymous memory (kB: what it allocated
+// itself), sampled from /proc every millisecond. For bench/run_jmd_memory.
+// Usage: peak_memory PROGRAM [ARGS...]; exit status 1 when the program fails.
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <thread>
+
+namespace {
+
+// RssAnon of process pid in kB; -1 when it cannot be read.
+long anonymous_kb(pid_t pid) {
+  std::ifstream status("/proc/" + std::to_string(pid) + "/status");
+  std::string line;
+  while (std::getline(status, line)) {
+    if (line.rfind("RssAnon:", 0) == 0) return std::strtol(line.c_str() + 8, nullptr, 10);
+  }
+  return -1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc < 2) {
+    std::fprintf(stderr, "usage: peak_memory PROGRAM [ARGS...]\n");
+    return 2;
+  }
+  auto start = std::chrono::steady_clock::now();
+  pid_t pid = fork();
+  if (pid < 0) return 1;
+  if (pid == 0) {
+    execvp(argv[1], argv + 1);
+    std::perror(argv[1]);
+    _exit(127);
+  }
+  long peak = 0;
+  int status = 0;
+  rusage usage{};
+  for (;;) {
+    pid_t done = wait4(pid, &status, WNOHANG, &usage);
+    if (done == pid) break;
+    if (done < 0) return 1;
+    long now = anonymous_kb(pid);
+    if (now > peak) peak = now;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  std::printf("%.2f %ld %ld\n", seconds, usage.ru_maxrss, peak);
+  return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? 0 : 1;
+}

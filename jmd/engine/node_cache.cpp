@@ -1,0 +1,222 @@
+#include "jmd/engine/node_cache.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <new>
+#include <utility>
+#include <vector>
+
+namespace px::engine {
+
+namespace {
+
+struct Slot {
+  const BTree* owner = nullptr;  // nullptr: unused
+  int32_t node = 0;
+  bool dirty = false;
+  int hash_next = -1;  // next in the bucket chain, or on the unused list
+  int lru_prev = -1;   // towards the most recently used
+  int lru_next = -1;   // towards the least recently used
+};
+
+struct CacheState {
+  int capacity = kNodeCacheNodes;
+  bool reserved = false;
+  std::vector<Slot> slots;        // reserved once; grows up to capacity
+  std::vector<BTreeNode> nodes;   // the copies, parallel to slots
+  std::vector<int> buckets;       // a power of two, at least twice the capacity
+  int unused_head = -1;
+  int lru_head = -1;
+  int lru_tail = -1;
+  int in_use = 0;
+  int last_found = -1;  // the slot find() gave last: most lookups ask for it again
+  std::vector<std::pair<int32_t, int>> order;  // reused by write_back
+};
+
+CacheState g_cache;
+
+size_t bucket_of(const BTree* owner, int32_t n) {
+  auto mix = reinterpret_cast<uintptr_t>(owner) >> 4;
+  uint64_t h = (static_cast<uint64_t>(static_cast<uint32_t>(n)) ^ (mix * 0x9E3779B97F4A7C15ull)) *
+               0xD6E8FEB86659FD93ull;
+  return static_cast<size_t>(h >> 32) & (g_cache.buckets.size() - 1);
+}
+
+// Reserves the slots and the buckets at the first use; false when memory
+// for them cannot be had (no node can be had then: tree operations fail).
+bool reserve() {
+  CacheState& c = g_cache;
+  if (c.reserved) return c.buckets.size() > 0;
+  c.reserved = true;
+  try {
+    c.slots.reserve(static_cast<size_t>(c.capacity));
+    c.nodes.reserve(static_cast<size_t>(c.capacity));
+    size_t buckets = 1;
+    while (buckets < 2 * static_cast<size_t>(c.capacity)) buckets *= 2;
+    c.buckets.assign(buckets, -1);
+  } catch (const std::bad_alloc&) {
+    c.slots = {};
+    c.nodes = {};
+    c.buckets = {};
+    c.capacity = 0;
+    return false;
+  }
+  return true;
+}
+
+int find_slot(const BTree* owner, int32_t n) {
+  CacheState& c = g_cache;
+  if (c.buckets.empty()) return -1;
+  for (int i = c.buckets[bucket_of(owner, n)]; i >= 0; i = c.slots[i].hash_next) {
+    if (c.slots[i].owner == owner && c.slots[i].node == n) return i;
+  }
+  return -1;
+}
+
+void lru_unlink(int i) {
+  CacheState& c = g_cache;
+  Slot& s = c.slots[i];
+  if (s.lru_prev >= 0) c.slots[s.lru_prev].lru_next = s.lru_next; else c.lru_head = s.lru_next;
+  if (s.lru_next >= 0) c.slots[s.lru_next].lru_prev = s.lru_prev; else c.lru_tail = s.lru_prev;
+  s.lru_prev = s.lru_next = -1;
+}
+
+void lru_push_front(int i) {
+  CacheState& c = g_cache;
+  Slot& s = c.slots[i];
+  s.lru_prev = -1;
+  s.lru_next = c.lru_head;
+  if (c.lru_head >= 0) c.slots[c.lru_head].lru_prev = i;
+  c.lru_head = i;
+  if (c.lru_tail < 0) c.lru_tail = i;
+}
+
+void bucket_unlink(int i) {
+  CacheState& c = g_cache;
+  Slot& s = c.slots[i];
+  int* link = &c.buckets[bucket_of(s.owner, s.node)];
+  while (*link != i) link = &c.slots[*link].hash_next;
+  *link = s.hash_next;
+  s.hash_next = -1;
+}
+
+// Takes slot i out of use and puts it on the unused list.
+void release(int i) {
+  CacheState& c = g_cache;
+  bucket_unlink(i);
+  lru_unlink(i);
+  Slot& s = c.slots[i];
+  s.owner = nullptr;
+  s.dirty = false;
+  s.hash_next = c.unused_head;
+  c.unused_head = i;
+  --c.in_use;
+}
+
+}  // namespace
+
+BTreeNode* NodeCache::find(const BTree& tree, int32_t n) {
+  CacheState& c = g_cache;
+  int i = c.last_found;
+  if (i < 0 || c.slots[i].owner != &tree || c.slots[i].node != n) {
+    i = find_slot(&tree, n);
+    if (i < 0) return nullptr;
+    c.last_found = i;
+  }
+  if (c.lru_head != i) {
+    lru_unlink(i);
+    lru_push_front(i);
+  }
+  return &c.nodes[static_cast<size_t>(i)];
+}
+
+BTreeNode* NodeCache::claim(BTree& tree, int32_t n, int line) {
+  CacheState& c = g_cache;
+  if (!reserve()) return nullptr;
+  int i = c.unused_head;
+  if (i >= 0) {
+    c.unused_head = c.slots[i].hash_next;
+  } else if (static_cast<int>(c.slots.size()) < c.capacity) {
+    c.slots.emplace_back();
+    c.nodes.emplace_back();
+    i = static_cast<int>(c.slots.size()) - 1;
+  } else {
+    i = c.lru_tail;
+    if (i < 0) return nullptr;
+    Slot& victim = c.slots[i];
+    // The owner is a tree that is open: a tree gives its slots back when it
+    // closes.
+    BTree& owner = const_cast<BTree&>(*victim.owner);
+    if (victim.dirty && !owner.store(victim.node, c.nodes[static_cast<size_t>(i)], line)) {
+      return nullptr;
+    }
+    release(i);
+    c.unused_head = c.slots[i].hash_next;
+  }
+  Slot& s = c.slots[i];
+  s.owner = &tree;
+  s.node = n;
+  s.dirty = false;
+  size_t b = bucket_of(&tree, n);
+  s.hash_next = c.buckets[b];
+  c.buckets[b] = i;
+  lru_push_front(i);
+  ++c.in_use;
+  return &c.nodes[static_cast<size_t>(i)];
+}
+
+void NodeCache::mark_dirty(const BTree& tree, int32_t n) {
+  int i = find_slot(&tree, n);
+  if (i >= 0) g_cache.slots[i].dirty = true;
+}
+
+void NodeCache::forget(const BTree& tree, int32_t n) {
+  int i = find_slot(&tree, n);
+  if (i >= 0) release(i);
+}
+
+bool NodeCache::write_back(BTree& tree, int line) {
+  CacheState& c = g_cache;
+  auto& order = c.order;
+  order.clear();
+  for (int i = 0; i < static_cast<int>(c.slots.size()); ++i) {
+    if (c.slots[i].owner == &tree && c.slots[i].dirty) order.emplace_back(c.slots[i].node, i);
+  }
+  std::sort(order.begin(), order.end());
+  bool ok = true;
+  for (auto [node, i] : order) {
+    if (tree.store(node, c.nodes[static_cast<size_t>(i)], line)) {
+      c.slots[i].dirty = false;
+    } else {
+      ok = false;
+    }
+  }
+  return ok;
+}
+
+bool NodeCache::drop(BTree& tree, bool write_back_dirty, int line) {
+  CacheState& c = g_cache;
+  bool ok = !write_back_dirty || write_back(tree, line);
+  for (int i = 0; i < static_cast<int>(c.slots.size()); ++i) {
+    if (c.slots[i].owner == &tree) release(i);
+  }
+  return ok;
+}
+
+namespace node_cache {
+
+int capacity() { return g_cache.capacity; }
+
+int nodes_in_use() { return g_cache.in_use; }
+
+bool set_capacity(int nodes) {
+  CacheState& c = g_cache;
+  if (c.in_use > 0 || nodes < kNodeCacheMinimum) return false;
+  c = CacheState{};
+  c.capacity = nodes;
+  return true;
+}
+
+}  // namespace node_cache
+
+}  // namespace px::engine
