@@ -46,6 +46,9 @@ class LogIndex {
 
   // Lines in the log when it was last indexed.
   int64_t line_count() const;
+  // Those of them that end with a line feed (a last line may still be
+  // being written).
+  int64_t complete_lines() const { return line_ends_; }
   // Checkpoint k is the offset where line 100 x k begins, for each such
   // line that exists.
   std::span<const uint64_t> checkpoints() const;
