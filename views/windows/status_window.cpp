@@ -1,0 +1,113 @@
+#include "views/windows/status_window.h"
+
+#include <algorithm>
+
+#include "toolkit/resources/resource_ids.h"
+#include "views/status_queue.h"
+#include "views/view_messages.h"
+
+namespace px::views {
+
+namespace {
+
+// The one status and queue window of the process, by id (0: none).
+tk::WindowId& the_view() {
+  static tk::WindowId view = 0;
+  return view;
+}
+
+// Refills the list. With keep_selection the selected row stays selected
+// when it is still listed, else the same position is selected; otherwise
+// row 0 is.
+void fill(tk::Window w, bool keep_selection) {
+  tk::Control list = w.control(tk::kStatusList);
+  int old_index = list.selected();
+  std::string old_row = old_index >= 0 ? list.row(old_index) : std::string();
+  w.toolkit().show_busy_cursor();
+  std::vector<std::string> rows = status_queue_rows();
+  list.suspend();
+  list.clear_rows();
+  for (const std::string& row : rows) list.add(row);
+  list.resume();
+  int index = 0;
+  if (keep_selection && old_index >= 0) {
+    auto same = std::find(rows.begin(), rows.end(), old_row);
+    index = same != rows.end() ? static_cast<int>(same - rows.begin())
+                               : std::min(old_index, static_cast<int>(rows.size()) - 1);
+  }
+  if (!rows.empty()) list.select(std::max(index, 0));
+}
+
+void place_controls(tk::Window w, tk::Size client) {
+  tk::Control list = w.control(tk::kStatusList);
+  tk::Rect area = list.rect();
+  area.width = std::max(1, client.width - 50 - area.x);
+  area.height = std::max(1, client.height - 5 - area.y);
+  list.set_rect(area);
+  tk::Control close = w.control(tk::kStatusClose);
+  tk::Rect button = close.rect();
+  button.x = area.x + area.width + 10;
+  button.y = area.y + area.height / 2 - 55;
+  close.set_rect(button);
+}
+
+void handle(const ViewHost& host, const tk::Event& e) {
+  tk::Window w = e.window;
+  switch (e.type) {
+    case tk::EventType::kCreate:
+      host.help_on(w, kViewsHelpTopic);
+      w.control(tk::kStatusList).set_font(tk::font_by_family("courier", 10));
+      w.start_timer(refresh_period_ms());
+      fill(w, false);
+      w.control(tk::kStatusList).focus();
+      break;
+    case tk::EventType::kDestroy:
+      host.help_off(w);
+      if (the_view() == w.id()) the_view() = 0;
+      break;
+    case tk::EventType::kResize:
+      place_controls(w, e.size);
+      break;
+    case tk::EventType::kPaint:
+      w.clear(tk::kLightGrey);
+      w.set_draw_font(tk::font_by_family("courier", 10));
+      w.draw_text({5, 20}, kStatusHeader);
+      break;
+    case tk::EventType::kClose:
+      w.destroy();
+      break;
+    case tk::EventType::kControl:
+      if (e.is_control(tk::kStatusClose, tk::Notice::kClicked)) w.destroy();
+      break;
+    case tk::EventType::kTimer:
+      fill(w, true);
+      break;
+    default:
+      break;
+  }
+}
+
+}  // namespace
+
+tk::Window status_queue_window(tk::Toolkit& toolkit) {
+  tk::Window w(&toolkit, the_view());
+  return w.exists() && w.resource_id() == tk::kStatusQueueWindow ? w : tk::Window();
+}
+
+void show_status_queue(const ViewHost& host) {
+  tk::Window open = status_queue_window(host.toolkit);
+  if (open.exists()) {
+    fill(open, true);
+    open.control(tk::kStatusList).focus();
+    return;
+  }
+  tk::Window w = host.toolkit.create_window(
+      tk::kStatusQueueWindow, [host](const tk::Event& e) { handle(host, e); });
+  if (w.id() == 0) {
+    host.op.show(msg::kWindowNotOpened);
+    return;
+  }
+  if (w.exists()) the_view() = w.id();
+}
+
+}  // namespace px::views

@@ -1,0 +1,30 @@
+// "Nexa Status and Queue" (window 137): every instance's status line and
+// waiting files, refilled by its timer every QueueRefreshCycle seconds. At
+// most one exists; opening it again refills it at once. A refill keeps the
+// operator's selected row (the same row text, else the same position).
+//
+//   0 create    help; fixed-pitch list font; the refresh timer; fill; focus
+//   1 destroy   help dropped; the view is forgotten
+//   3 resize    the list takes the client area less 50 at the right and 5
+//               at the bottom (at least 1 each way); "Close" 10 right of
+//               it, its top 55 above the list's vertical middle
+//   4 paint     light grey, the header text at (5, 20)
+//   5 close, control 1 ("Close")   destroy
+//   16 timer    refill
+#pragma once
+
+#include "views/windows/view_host.h"
+
+namespace px::views {
+
+inline constexpr const char* kStatusHeader =
+    "Instance name / Collector directory              Status / File list";
+
+// Shows the view: refills and focuses an open one, else opens it (message
+// 100 when it cannot be created).
+void show_status_queue(const ViewHost& host);
+
+// The open status and queue window; an invalid Window when none is open.
+tk::Window status_queue_window(tk::Toolkit& toolkit);
+
+}  // namespace px::views
