@@ -69,21 +69,22 @@ void handle_files(const ViewHost& host, const tk::Event& e, bool rejects) {
   }
 }
 
-void open_files_window(const ViewHost& host, int resource, long app_value, bool rejects) {
+tk::Window open_files_window(const ViewHost& host, int resource, long app_value, bool rejects) {
   tk::Window w = host.toolkit.create_window(
       resource, [host, rejects](const tk::Event& e) { handle_files(host, e, rejects); }, app_value);
   // A window that closed itself while being created has shown why.
   if (w.id() == 0) host.op.show(msg::kWindowNotOpened);
+  return w.exists() ? w : tk::Window();
 }
 
 }  // namespace
 
-void open_rejects(const ViewHost& host, bool email) {
-  open_files_window(host, tk::kRejectsWindow, email ? 1 : 0, true);
+tk::Window open_rejects(const ViewHost& host, bool email) {
+  return open_files_window(host, tk::kRejectsWindow, email ? 1 : 0, true);
 }
 
-void open_email_queue(const ViewHost& host) {
-  open_files_window(host, tk::kEmailQueueWindow, 0, false);
+tk::Window open_email_queue(const ViewHost& host) {
+  return open_files_window(host, tk::kEmailQueueWindow, 0, false);
 }
 
 }  // namespace px::views

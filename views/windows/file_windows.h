@@ -19,11 +19,12 @@
 namespace px::views {
 
 // Opens the server's (email false) or the E-mail Agent's rejects window;
-// message 100 when it cannot be created.
-void open_rejects(const ViewHost& host, bool email);
+// message 100 when it cannot be created. The window, or an invalid one
+// when it was not opened or closed itself.
+tk::Window open_rejects(const ViewHost& host, bool email);
 
 // Opens the E-mail Agent queue window; message 100 when it cannot be
-// created.
-void open_email_queue(const ViewHost& host);
+// created. The window, as open_rejects.
+tk::Window open_email_queue(const ViewHost& host);
 
 }  // namespace px::views

@@ -272,11 +272,12 @@ void handle_text(TextView& view, const tk::Event& e) {
   }
 }
 
-void open_text_window(std::shared_ptr<TextView> view, long app_value) {
+tk::Window open_text_window(std::shared_ptr<TextView> view, long app_value) {
   const ViewHost& host = view->host;
   tk::Window w = host.toolkit.create_window(
       tk::kLogWindow, [view](const tk::Event& e) { handle_text(*view, e); }, app_value);
   if (w.id() == 0) view->host.op.show(msg::kWindowNotOpened);
+  return w.exists() ? w : tk::Window();
 }
 
 // Dialog 113: the processes by name, the first selected; OK or a double
@@ -334,24 +335,24 @@ bool cjk_locale() {
   return value.starts_with("ja") || value.starts_with("zh") || value.starts_with("ko");
 }
 
-void open_process_log(const ViewHost& host, const std::string& section) {
+tk::Window open_process_log(const ViewHost& host, const std::string& section) {
   auto view = std::make_shared<TextView>(host);
   view->section = section;
-  open_text_window(view, 0);
+  return open_text_window(view, 0);
 }
 
-void open_email_log(const ViewHost& host) {
+tk::Window open_email_log(const ViewHost& host) {
   auto view = std::make_shared<TextView>(host);
   view->email = true;
-  open_text_window(view, 1);
+  return open_text_window(view, 1);
 }
 
-void open_reject_file(const ViewHost& host, bool email, const std::string& name) {
+tk::Window open_reject_file(const ViewHost& host, bool email, const std::string& name) {
   auto view = std::make_shared<TextView>(host);
   view->reject_file = true;
   view->email = email;
   view->file_name = name;
-  open_text_window(view, email ? 1 : 0);
+  return open_text_window(view, email ? 1 : 0);
 }
 
 void open_server_log(const ViewHost& host) {

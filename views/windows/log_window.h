@@ -39,15 +39,16 @@ inline constexpr int kFollowPeriodMs = 1000;
 void open_server_log(const ViewHost& host);
 
 // "E-Mail Agent Log": window 120 with application value 1.
-void open_email_log(const ViewHost& host);
+tk::Window open_email_log(const ViewHost& host);
 
 // Window 120 on the log of the process in section (message 100 when it
-// cannot be created).
-void open_process_log(const ViewHost& host, const std::string& section);
+// cannot be created). The windows opened by these three, or an invalid one
+// when none was opened or it closed itself after its message.
+tk::Window open_process_log(const ViewHost& host, const std::string& section);
 
 // The rejected-file view of the file name in the server's (email false) or
 // the E-mail Agent's error directory.
-void open_reject_file(const ViewHost& host, bool email, const std::string& name);
+tk::Window open_reject_file(const ViewHost& host, bool email, const std::string& name);
 
 // True when the locale (LC_ALL, LC_CTYPE or LANG, the first one set) is
 // Japanese, Chinese or Korean: the log view then uses the "system" font.

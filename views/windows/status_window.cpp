@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "toolkit/resources/catalog.h"
 #include "toolkit/resources/resource_ids.h"
 #include "views/status_queue.h"
 #include "views/view_messages.h"
@@ -38,16 +39,41 @@ void fill(tk::Window w, bool keep_selection) {
   if (!rows.empty()) list.select(std::max(index, 0));
 }
 
+// Pixels per resource unit, each way, as the back end built the "Close"
+// button from its definition.
+struct Scale {
+  double x = 1;
+  double y = 1;
+};
+
+Scale unit_scale(tk::Window w) {
+  Scale scale;
+  const tk::WindowDef* def = tk::find_window_def(tk::kStatusQueueWindow);
+  tk::Rect button = w.control(tk::kStatusClose).rect();
+  for (const tk::ControlDef& c : def != nullptr ? def->controls : std::span<const tk::ControlDef>{}) {
+    if (c.id != tk::kStatusClose || c.box.width <= 0 || c.box.height <= 0) continue;
+    scale.x = static_cast<double>(button.width) / c.box.width;
+    scale.y = static_cast<double>(button.height) / c.box.height;
+  }
+  return scale;
+}
+
+// The list takes the client area less 50 units at the right and 5 at the
+// bottom; "Close" sits 10 units right of it, its top 55 units above the
+// list's vertical middle.
 void place_controls(tk::Window w, tk::Size client) {
+  Scale unit = unit_scale(w);
+  auto across = [&](int units) { return static_cast<int>(units * unit.x); };
+  auto down = [&](int units) { return static_cast<int>(units * unit.y); };
   tk::Control list = w.control(tk::kStatusList);
   tk::Rect area = list.rect();
-  area.width = std::max(1, client.width - 50 - area.x);
-  area.height = std::max(1, client.height - 5 - area.y);
+  area.width = std::max(1, client.width - across(50) - area.x);
+  area.height = std::max(1, client.height - down(5) - area.y);
   list.set_rect(area);
   tk::Control close = w.control(tk::kStatusClose);
   tk::Rect button = close.rect();
-  button.x = area.x + area.width + 10;
-  button.y = area.y + area.height / 2 - 55;
+  button.x = area.x + area.width + across(10);
+  button.y = area.y + area.height / 2 - down(55);
   close.set_rect(button);
 }
 
@@ -56,6 +82,9 @@ void handle(const ViewHost& host, const tk::Event& e) {
   switch (e.type) {
     case tk::EventType::kCreate:
       host.help_on(w, kViewsHelpTopic);
+      // The header is drawn by paint; the static keeps its text but would
+      // cover the drawing.
+      w.control(tk::kStatusHeader).set_visible(false);
       w.control(tk::kStatusList).set_font(tk::font_by_family("courier", 10));
       w.start_timer(refresh_period_ms());
       fill(w, false);
@@ -94,20 +123,21 @@ tk::Window status_queue_window(tk::Toolkit& toolkit) {
   return w.exists() && w.resource_id() == tk::kStatusQueueWindow ? w : tk::Window();
 }
 
-void show_status_queue(const ViewHost& host) {
+tk::Window show_status_queue(const ViewHost& host) {
   tk::Window open = status_queue_window(host.toolkit);
   if (open.exists()) {
     fill(open, true);
     open.control(tk::kStatusList).focus();
-    return;
+    return open;
   }
   tk::Window w = host.toolkit.create_window(
       tk::kStatusQueueWindow, [host](const tk::Event& e) { handle(host, e); });
   if (w.id() == 0) {
     host.op.show(msg::kWindowNotOpened);
-    return;
+    return tk::Window();
   }
   if (w.exists()) the_view() = w.id();
+  return status_queue_window(host.toolkit);
 }
 
 }  // namespace px::views

@@ -21,8 +21,8 @@ inline constexpr const char* kStatusHeader =
     "Instance name / Collector directory              Status / File list";
 
 // Shows the view: refills and focuses an open one, else opens it (message
-// 100 when it cannot be created).
-void show_status_queue(const ViewHost& host);
+// 100 when it cannot be created). The window, or an invalid one.
+tk::Window show_status_queue(const ViewHost& host);
 
 // The open status and queue window; an invalid Window when none is open.
 tk::Window status_queue_window(tk::Toolkit& toolkit);
