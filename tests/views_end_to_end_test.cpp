@@ -263,3 +263,27 @@ TEST_F(ViewsEndToEnd, FollowPrintsAppendedLinesAndSurvivesRotation) {
 
 }  // namespace
 }  // namespace px
+
+namespace px {
+namespace {
+
+// With --feed the simulator keeps adding work, so a repeated status shows
+// the queue change: files arrive, and a running server takes them.
+TEST_F(ViewsEndToEnd, StatusShowsTheWorkTheSimulatorFeeds) {
+  // North takes one file every 5 seconds (its PauseTime) and is fed one a
+  // second; south is not running and is not fed.
+  ASSERT_TRUE(live.start_simulator({"--port", "0", "--feed", "1", "--stopped", "south", "north",
+                                    "south"}))
+      << live.simulator_log();
+  auto fed_files = [&] {
+    std::string out = live.run_pxctl({"status"}).out;
+    size_t count = 0;
+    for (size_t at = out.find("FEED"); at != std::string::npos; at = out.find("FEED", at + 1)) ++count;
+    return count;
+  };
+  EXPECT_TRUE(eventually([&] { return fed_files() >= 2; })) << live.run_pxctl({"status"}).out;
+  EXPECT_TRUE(live.run_pxctl({"--instance", "south", "status"}).out.find("[174]") != std::string::npos);
+}
+
+}  // namespace
+}  // namespace px
