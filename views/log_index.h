@@ -15,6 +15,7 @@
 #include <sys/types.h>
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -81,6 +82,7 @@ class LogIndex {
   int64_t line_ends_ = 0;       // "\n" seen
   uint64_t last_line_start_ = 0;
   std::vector<uint64_t> starts_;  // offset of line 100 x k, for 100 x k <= line_ends_
+  std::unique_ptr<char[]> buffer_;  // the scan's read buffer, made on first use
 };
 
 }  // namespace px::views
