@@ -32,7 +32,7 @@ Outcome (*control_action(int command))(const ControlContext&) {
 
 // The monitoring windows' view of the console.
 views::ViewHost view_host(Console& console) {
-  return {console.toolkit(), console.op(),
+  return {console.toolkit(), console.op(), console.control_context().clock,
           [&console](tk::WindowId w, const std::string& topic) {
             console.help().associate(w, 0, topic, HelpKind::kWindow);
           },

@@ -111,7 +111,8 @@ int main(int argc, char** argv) {
   px::select_default_instance(op);
 
   auto toolkit = px::tk::make_qt_toolkit(argc, argv);
-  px::views::ViewHost host{*toolkit, op, {}, {}};
+  px::SystemClock clock;
+  px::views::ViewHost host{*toolkit, op, clock, {}, {}};
   bool ok = true;
   auto shoot = [&](px::tk::Window w, const std::string& name) {
     px::tk::run_events_for(200);

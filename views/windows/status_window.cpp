@@ -1,6 +1,8 @@
 #include "views/windows/status_window.h"
 
 #include <algorithm>
+#include <ctime>
+#include <string>
 
 #include "toolkit/resources/catalog.h"
 #include "toolkit/resources/resource_ids.h"
@@ -11,16 +13,22 @@ namespace px::views {
 
 namespace {
 
-// The one status and queue window of the process, by id (0: none).
-tk::WindowId& the_view() {
-  static tk::WindowId view = 0;
+// The one status and queue window of the process, by id (0: none), and
+// when its list was last filled ("HH:MM:SS").
+struct StatusView {
+  tk::WindowId window = 0;
+  std::string updated;
+};
+
+StatusView& the_view() {
+  static StatusView view;
   return view;
 }
 
 // Refills the list. With keep_selection the selected row stays selected
 // when it is still listed, else the same position is selected; otherwise
 // row 0 is.
-void fill(tk::Window w, bool keep_selection) {
+void fill(tk::Window w, bool keep_selection, Clock& clock) {
   tk::Control list = w.control(tk::kStatusList);
   int old_index = list.selected();
   std::string old_row = old_index >= 0 ? list.row(old_index) : std::string();
@@ -37,6 +45,11 @@ void fill(tk::Window w, bool keep_selection) {
                                : std::min(old_index, static_cast<int>(rows.size()) - 1);
   }
   if (!rows.empty()) list.select(std::max(index, 0));
+  std::tm now = clock.now();
+  char stamp[16];
+  std::strftime(stamp, sizeof stamp, "%H:%M:%S", &now);
+  the_view().updated = stamp;
+  w.invalidate();
 }
 
 // Pixels per resource unit, each way, as the back end built the "Close"
@@ -87,12 +100,12 @@ void handle(const ViewHost& host, const tk::Event& e) {
       w.control(tk::kStatusHeader).set_visible(false);
       w.control(tk::kStatusList).set_font(tk::font_by_family("courier", 10));
       w.start_timer(refresh_period_ms());
-      fill(w, false);
+      fill(w, false, host.clock);
       w.control(tk::kStatusList).focus();
       break;
     case tk::EventType::kDestroy:
       host.help_off(w);
-      if (the_view() == w.id()) the_view() = 0;
+      if (the_view().window == w.id()) the_view() = {};
       break;
     case tk::EventType::kResize:
       place_controls(w, e.size);
@@ -100,7 +113,7 @@ void handle(const ViewHost& host, const tk::Event& e) {
     case tk::EventType::kPaint:
       w.clear(tk::kLightGrey);
       w.set_draw_font(tk::font_by_family("courier", 10));
-      w.draw_text({5, 20}, kStatusHeader);
+      w.draw_text({5, 20}, status_header(the_view().updated));
       break;
     case tk::EventType::kClose:
       w.destroy();
@@ -109,7 +122,7 @@ void handle(const ViewHost& host, const tk::Event& e) {
       if (e.is_control(tk::kStatusClose, tk::Notice::kClicked)) w.destroy();
       break;
     case tk::EventType::kTimer:
-      fill(w, true);
+      fill(w, true, host.clock);
       break;
     default:
       break;
@@ -118,15 +131,21 @@ void handle(const ViewHost& host, const tk::Event& e) {
 
 }  // namespace
 
+std::string status_header(const std::string& updated) {
+  std::string header = kStatusHeader;
+  if (!updated.empty()) header += "    last updated " + updated;
+  return header;
+}
+
 tk::Window status_queue_window(tk::Toolkit& toolkit) {
-  tk::Window w(&toolkit, the_view());
+  tk::Window w(&toolkit, the_view().window);
   return w.exists() && w.resource_id() == tk::kStatusQueueWindow ? w : tk::Window();
 }
 
 tk::Window show_status_queue(const ViewHost& host) {
   tk::Window open = status_queue_window(host.toolkit);
   if (open.exists()) {
-    fill(open, true);
+    fill(open, true, host.clock);
     open.control(tk::kStatusList).focus();
     return open;
   }
@@ -136,7 +155,7 @@ tk::Window show_status_queue(const ViewHost& host) {
     host.op.show(msg::kWindowNotOpened);
     return tk::Window();
   }
-  if (w.exists()) the_view() = w.id();
+  if (w.exists()) the_view().window = w.id();
   return status_queue_window(host.toolkit);
 }
 

@@ -8,10 +8,13 @@
 //   3 resize    the list takes the client area less 50 at the right and 5
 //               at the bottom (at least 1 each way); "Close" 10 right of
 //               it, its top 55 above the list's vertical middle
-//   4 paint     light grey, the header text at (5, 20)
+//   4 paint     light grey, the header text at (5, 20), followed on its
+//               line by "last updated HH:MM:SS", the time of the last fill
 //   5 close, control 1 ("Close")   destroy
 //   16 timer    refill
 #pragma once
+
+#include <string>
 
 #include "views/windows/view_host.h"
 
@@ -19,6 +22,10 @@ namespace px::views {
 
 inline constexpr const char* kStatusHeader =
     "Instance name / Collector directory              Status / File list";
+
+// The header line as paint draws it: the header text, then "    last
+// updated " and updated when that is not empty.
+std::string status_header(const std::string& updated);
 
 // Shows the view: refills and focuses an open one, else opens it (message
 // 100 when it cannot be created). The window, or an invalid one.

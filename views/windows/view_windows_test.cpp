@@ -32,6 +32,14 @@ std::string numbered(int from, int to) {
   return text;
 }
 
+std::tm clock_time(int hour, int minute, int second) {
+  std::tm moment{};
+  moment.tm_hour = hour;
+  moment.tm_min = minute;
+  moment.tm_sec = second;
+  return moment;
+}
+
 std::vector<std::string> rows_of(tk::Control list) {
   std::vector<std::string> rows;
   for (int i = 0; i < list.count(); ++i) rows.push_back(list.row(i));
@@ -98,7 +106,8 @@ class ViewWindowsTest : public ::testing::Test {
   std::string config;
   tk::HeadlessToolkit tk;
   RecordingOperator op;
-  ViewHost host{tk, op, {}, {}};
+  FixedClock clock{clock_time(14, 41, 9)};
+  ViewHost host{tk, op, clock, {}, {}};
   std::vector<std::string> failures;
 };
 
@@ -132,7 +141,11 @@ TEST_F(ViewWindowsTest, StatusViewRefreshesOnItsTimerAndKeepsTheSelectedRow) {
   EXPECT_EQ(list.count(), 4);
   EXPECT_TRUE(list.row(list.selected()).ends_with("  C.DAT"));
 
-  EXPECT_EQ(tk.paint(w), std::vector<std::string>{kStatusHeader});
+  EXPECT_EQ(tk.paint(w),
+            std::vector<std::string>{std::string(kStatusHeader) + "    last updated 14:41:09"});
+  clock.set(clock_time(9, 0, 0));
+  tk.advance_time(10000);
+  EXPECT_EQ(tk.paint(w).front(), std::string(kStatusHeader) + "    last updated 09:00:00");
   tk.resize(w, {600, 400});
   tk::Rect area = list.rect();  // the headless toolkit: 2 pixels a unit
   EXPECT_EQ(area.x + area.width, 500);
