@@ -114,6 +114,24 @@ std::vector<std::string> status_queue_rows() {
   return rows;
 }
 
+StatusSources status_queue_sources() {
+  StatusSources sources;
+  InstanceEnumerator instances;
+  if (instances.begin()) {
+    Instance instance;
+    while (instances.next(instance)) {
+      load_directory_map(instance.name);
+      std::string directory = path_setting("Paths", "DataPath", instance.config_file);
+      if (!directory.empty()) sources.directories.push_back(directory);
+      std::string status = path_setting("Plexar", "StatusFile", instance.config_file);
+      if (!status.empty()) sources.files.push_back(status);
+    }
+  }
+  instances.end();
+  load_directory_map(current_instance().name);
+  return sources;
+}
+
 int refresh_period_ms() {
   int seconds = ini::get_int("Options", "QueueRefreshCycle", kDefaultRefreshSeconds);
   return (seconds < 1 ? kDefaultRefreshSeconds : seconds) * 1000;

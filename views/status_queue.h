@@ -43,6 +43,14 @@ std::vector<std::string> status_queue_rows();
 // (196) or a file that does not open (173).
 std::string status_line(const std::string& status_file);
 
+// What the rows are made from, for watching: every instance's collector
+// directory and status file (those that are set).
+struct StatusSources {
+  std::vector<std::string> directories;
+  std::vector<std::string> files;
+};
+StatusSources status_queue_sources();
+
 // QueueRefreshCycle in milliseconds (10 seconds when absent or below 1).
 int refresh_period_ms();
 

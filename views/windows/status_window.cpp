@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <ctime>
+#include <memory>
 #include <string>
 
 #include "toolkit/resources/catalog.h"
 #include "toolkit/resources/resource_ids.h"
+#include "views/change_watch.h"
 #include "views/status_queue.h"
 #include "views/view_messages.h"
 
@@ -18,7 +20,16 @@ namespace {
 struct StatusView {
   tk::WindowId window = 0;
   std::string updated;
+  std::unique_ptr<ChangeWatch> watch;  // the collector directories and status files
+  long watch_timer = 0;
 };
+
+// Watches what the rows are made from, as the configuration says now.
+void watch_sources(StatusView& view) {
+  if (!view.watch) return;
+  StatusSources sources = status_queue_sources();
+  view.watch->watch(sources.directories, sources.files);
+}
 
 StatusView& the_view() {
   static StatusView view;
@@ -99,7 +110,12 @@ void handle(const ViewHost& host, const tk::Event& e) {
       // cover the drawing.
       w.control(tk::kStatusHeader).set_visible(false);
       w.control(tk::kStatusList).set_font(tk::font_by_family("courier", 10));
+      the_view() = {};
+      the_view().window = w.id();
       w.start_timer(refresh_period_ms());
+      the_view().watch = std::make_unique<ChangeWatch>();
+      watch_sources(the_view());
+      the_view().watch_timer = w.start_timer(kWatchPeriodMs);
       fill(w, false, host.clock);
       w.control(tk::kStatusList).focus();
       break;
@@ -122,7 +138,12 @@ void handle(const ViewHost& host, const tk::Event& e) {
       if (e.is_control(tk::kStatusClose, tk::Notice::kClicked)) w.destroy();
       break;
     case tk::EventType::kTimer:
-      fill(w, true, host.clock);
+      if (e.timer != the_view().watch_timer) {
+        fill(w, true, host.clock);
+        watch_sources(the_view());
+      } else if (the_view().watch && the_view().watch->changed()) {
+        fill(w, true, host.clock);
+      }
       break;
     default:
       break;
@@ -155,7 +176,6 @@ tk::Window show_status_queue(const ViewHost& host) {
     host.op.show(msg::kWindowNotOpened);
     return tk::Window();
   }
-  if (w.exists()) the_view().window = w.id();
   return status_queue_window(host.toolkit);
 }
 

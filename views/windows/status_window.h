@@ -1,7 +1,9 @@
 // "Nexa Status and Queue" (window 137): every instance's status line and
-// waiting files, refilled by its timer every QueueRefreshCycle seconds. At
-// most one exists; opening it again refills it at once. A refill keeps the
-// operator's selected row (the same row text, else the same position).
+// waiting files, refilled by its timer every QueueRefreshCycle seconds, and
+// within half a second when a collector directory or a status file changes
+// (inotify). At most one exists; opening it again refills it at once. A
+// refill keeps the operator's selected row (the same row text, else the
+// same position).
 //
 //   0 create    help; fixed-pitch list font; the refresh timer; fill; focus
 //   1 destroy   help dropped; the view is forgotten
@@ -11,7 +13,8 @@
 //   4 paint     light grey, the header text at (5, 20), followed on its
 //               line by "last updated HH:MM:SS", the time of the last fill
 //   5 close, control 1 ("Close")   destroy
-//   16 timer    refill
+//   16 timer    refill (the refresh timer), or refill when something
+//               watched changed (the watch timer)
 #pragma once
 
 #include <string>
@@ -19,6 +22,8 @@
 #include "views/windows/view_host.h"
 
 namespace px::views {
+
+inline constexpr int kWatchPeriodMs = 500;
 
 inline constexpr const char* kStatusHeader =
     "Instance name / Collector directory              Status / File list";

@@ -125,11 +125,18 @@ TEST_F(ViewWindowsTest, StatusViewRefreshesOnItsTimerAndKeepsTheSelectedRow) {
   EXPECT_EQ(list.selected(), 0);
   EXPECT_TRUE(list.has_focus());
 
+  // With nothing changed on disk, only the timer refills the list.
+  EXPECT_EQ(tk.paint(w),
+            std::vector<std::string>{std::string(kStatusHeader) + "    last updated 14:41:09"});
+  clock.set(clock_time(9, 0, 0));
+  tk.advance_time(9999);
+  EXPECT_EQ(tk.paint(w).front(), std::string(kStatusHeader) + "    last updated 14:41:09");
+  tk.advance_time(1);
+  EXPECT_EQ(tk.paint(w).front(), std::string(kStatusHeader) + "    last updated 09:00:00");
+
   ASSERT_TRUE(tk.click_row(w, tk::kStatusList, 3));  // C.DAT
   queued("data/A.DAT", 100);                           // an older file comes first
-  tk.advance_time(9999);
-  EXPECT_EQ(list.count(), 4);
-  tk.advance_time(1);
+  tk.advance_time(10000);
   ASSERT_EQ(list.count(), 5);
   EXPECT_TRUE(list.row(2).ends_with("  A.DAT"));
   EXPECT_TRUE(list.row(list.selected()).ends_with("  C.DAT"));
@@ -140,12 +147,6 @@ TEST_F(ViewWindowsTest, StatusViewRefreshesOnItsTimerAndKeepsTheSelectedRow) {
   EXPECT_EQ(tk.open_windows().size(), 1u);
   EXPECT_EQ(list.count(), 4);
   EXPECT_TRUE(list.row(list.selected()).ends_with("  C.DAT"));
-
-  EXPECT_EQ(tk.paint(w),
-            std::vector<std::string>{std::string(kStatusHeader) + "    last updated 14:41:09"});
-  clock.set(clock_time(9, 0, 0));
-  tk.advance_time(10000);
-  EXPECT_EQ(tk.paint(w).front(), std::string(kStatusHeader) + "    last updated 09:00:00");
   tk.resize(w, {600, 400});
   tk::Rect area = list.rect();  // the headless toolkit: 2 pixels a unit
   EXPECT_EQ(area.x + area.width, 500);
@@ -157,6 +158,24 @@ TEST_F(ViewWindowsTest, StatusViewRefreshesOnItsTimerAndKeepsTheSelectedRow) {
   ASSERT_TRUE(tk.click(w, tk::kStatusClose));
   EXPECT_FALSE(status_queue_window(tk).exists());
   EXPECT_TRUE(op.shown().empty());
+}
+
+TEST_F(ViewWindowsTest, StatusViewRefreshesAtOnceWhenAQueueOrStatusChanges) {
+  install("");
+  show_status_queue(host);
+  tk::Control list = status_queue_window(tk).control(tk::kStatusList);
+  tk.advance_time(kWatchPeriodMs);
+  EXPECT_EQ(list.count(), 3);
+  queued("data/A.DAT", 100);
+  tk.advance_time(kWatchPeriodMs);
+  EXPECT_TRUE(list.row(2).ends_with("  A.DAT")) << list.row(2);
+  dir.write("north.sts", "Nexa is paused\n");
+  tk.advance_time(kWatchPeriodMs);
+  EXPECT_EQ(list.row(1), "  - Nexa is paused");
+  dir.write("unwatched.txt", "x");
+  dir.write("north.sts", "Nexa is paused\n");  // the same text: a refill shows the same rows
+  tk.advance_time(kWatchPeriodMs);
+  EXPECT_EQ(list.count(), 3);
 }
 
 TEST_F(ViewWindowsTest, StatusViewTakesItsPeriodFromQueueRefreshCycle) {
