@@ -42,10 +42,10 @@ void append_file_rows(const std::string& directory, const std::vector<std::strin
 
 }  // namespace
 
-std::string status_line(const std::string& status_file) {
+std::optional<std::string> read_status_line(const std::string& status_file) {
   std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(status_file.c_str(), "r"),
                                                        std::fclose);
-  if (!file) return message_row(msg::kStatusNotOpened, {display_path(status_file)});
+  if (!file) return std::nullopt;
   std::string line;
   for (int c; line.size() < kStatusLineLength && (c = std::fgetc(file.get())) != EOF;) {
     line.push_back(static_cast<char>(c));
@@ -53,82 +53,98 @@ std::string status_line(const std::string& status_file) {
   }
   if (line.ends_with('\n')) line.pop_back();
   if (line.ends_with('\r')) line.pop_back();
-  if (line.empty()) return message_row(msg::kEmptyStatus);
   return line;
 }
 
-std::vector<std::string> instance_block(const Instance& instance) {
-  std::vector<std::string> rows;
+std::string status_line(const std::string& status_file) {
+  auto line = read_status_line(status_file);
+  if (!line) return message_row(msg::kStatusNotOpened, {display_path(status_file)});
+  if (line->empty()) return message_row(msg::kEmptyStatus);
+  return *line;
+}
+
+BlockPlan plan_block(const Instance& instance) {
+  BlockPlan plan;
   load_directory_map(instance.name);
   const std::string& config = instance.config_file;
   const std::string& title = instance.window_title;
 
   std::string spec = setting("Options", "FileSpec", "", kFileSpecSize, config);
   if (spec.size() <= 1) {
-    rows.push_back(padded_row(title, message_row(msg::kSettingMissing,
-                                                 {"Options", display_path(config), "FileSpec"})));
-    return rows;
+    plan.only_row = padded_row(title, message_row(msg::kSettingMissing,
+                                                  {"Options", display_path(config), "FileSpec"}));
+    return plan;
   }
-  spec = spec.substr(0, spec.find(';'));
-
-  std::string directory = path_setting("Paths", "DataPath", config);
-  if (directory.empty()) {
-    rows.push_back(padded_row(title, message_row(msg::kNotSet)));
-    return rows;
+  plan.pattern = spec.substr(0, spec.find(';'));
+  plan.directory = path_setting("Paths", "DataPath", config);
+  if (plan.directory.empty()) {
+    plan.only_row = padded_row(title, message_row(msg::kNotSet));
+    return plan;
   }
-  if (!directory_exists(directory)) {
-    rows.push_back(padded_row(title, message_row(msg::kDirectoryMissing, {display_path(directory)})));
-    return rows;
+  plan.missing_directory_row =
+      padded_row(title, message_row(msg::kDirectoryMissing, {display_path(plan.directory)}));
+  plan.title_row = title + " - ";
+  plan.status_file = path_setting("Plexar", "StatusFile", config);
+  plan.not_set_status = message_row(msg::kNotSet);
+  plan.unopened_status = message_row(msg::kStatusNotOpened, {display_path(plan.status_file)});
+  plan.empty_status = message_row(msg::kEmptyStatus);
+  plan.no_files = message_row(msg::kNoFiles);
+  return plan;
+}
+
+std::vector<std::string> list_block(const BlockPlan& plan) {
+  if (plan.only_row) return {*plan.only_row};
+  if (!directory_exists(plan.directory)) return {plan.missing_directory_row};
+  auto control_jobs = list_files(plan.directory, kControlJobPattern);
+  auto transactions = list_files(plan.directory, plan.pattern);
+
+  std::string status = plan.not_set_status;
+  if (!plan.status_file.empty()) {
+    auto line = read_status_line(plan.status_file);
+    status = !line ? plan.unopened_status : line->empty() ? plan.empty_status : *line;
   }
-  auto control_jobs = list_files(directory, kControlJobPattern);
-  auto transactions = list_files(directory, spec);
-
-  std::string status_file = path_setting("Plexar", "StatusFile", config);
-  std::string status = status_file.empty() ? message_row(msg::kNotSet) : status_line(status_file);
-  rows.push_back(title + " - ");
-  rows.push_back("  - " + status);
-
+  std::vector<std::string> rows = {plan.title_row, "  - " + status};
   std::vector<std::string> names;
   if (control_jobs) sort_by_age(std::move(*control_jobs), kServerStopFile, names);
   if (transactions) sort_by_age(std::move(*transactions), kServerStopFile, names);
-  if (names.empty()) {
-    append_file_rows(directory, {message_row(msg::kNoFiles)}, rows);
-  } else {
-    append_file_rows(directory, names, rows);
+  append_file_rows(plan.directory, names.empty() ? std::vector<std::string>{plan.no_files} : names,
+                   rows);
+  return rows;
+}
+
+std::vector<std::string> instance_block(const Instance& instance) {
+  return list_block(plan_block(instance));
+}
+
+std::vector<BlockPlan> plan_status_queue() {
+  std::vector<BlockPlan> plans;
+  InstanceEnumerator instances;
+  if (instances.begin()) {
+    Instance instance;
+    while (instances.next(instance)) plans.push_back(plan_block(instance));
+  }
+  instances.end();
+  load_directory_map(current_instance().name);
+  return plans;
+}
+
+std::vector<std::string> list_status_queue(const std::vector<BlockPlan>& plans) {
+  std::vector<std::string> rows;
+  for (const BlockPlan& plan : plans) {
+    std::vector<std::string> block = list_block(plan);
+    rows.insert(rows.end(), block.begin(), block.end());
   }
   return rows;
 }
 
-std::vector<std::string> status_queue_rows() {
-  std::vector<std::string> rows;
-  InstanceEnumerator instances;
-  if (instances.begin()) {
-    Instance instance;
-    while (instances.next(instance)) {
-      std::vector<std::string> block = instance_block(instance);
-      rows.insert(rows.end(), block.begin(), block.end());
-    }
-  }
-  instances.end();
-  load_directory_map(current_instance().name);
-  return rows;
-}
+std::vector<std::string> status_queue_rows() { return list_status_queue(plan_status_queue()); }
 
 StatusSources status_queue_sources() {
   StatusSources sources;
-  InstanceEnumerator instances;
-  if (instances.begin()) {
-    Instance instance;
-    while (instances.next(instance)) {
-      load_directory_map(instance.name);
-      std::string directory = path_setting("Paths", "DataPath", instance.config_file);
-      if (!directory.empty()) sources.directories.push_back(directory);
-      std::string status = path_setting("Plexar", "StatusFile", instance.config_file);
-      if (!status.empty()) sources.files.push_back(status);
-    }
+  for (const BlockPlan& plan : plan_status_queue()) {
+    if (!plan.directory.empty()) sources.directories.push_back(plan.directory);
+    if (!plan.status_file.empty()) sources.files.push_back(plan.status_file);
   }
-  instances.end();
-  load_directory_map(current_instance().name);
   return sources;
 }
 

@@ -20,6 +20,7 @@
 // the console's INI file) for the refresh period.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,17 +31,45 @@ namespace px::views {
 // The longest status line shown.
 inline constexpr size_t kStatusLineLength = 339;
 
-// The rows of one instance's block. Makes the instance the profile engine's
+// One instance's block as far as its settings tell, before any file is
+// looked at: made where the settings and messages are (the GUI thread),
+// then listed with files alone, on any thread, so that a slow or hung
+// network directory never holds up the window.
+struct BlockPlan {
+  std::optional<std::string> only_row;  // a settings problem: the whole block
+  std::string directory;                // the collector directory
+  std::string pattern;                  // FileSpec up to its first ";"
+  std::string status_file;              // empty when not set
+  std::string title_row;                // "%s - "
+  // The rows and status texts for what the files may turn out to be.
+  std::string missing_directory_row;
+  std::string not_set_status;
+  std::string unopened_status;
+  std::string empty_status;
+  std::string no_files;
+};
+
+// The plan of one instance's block. Makes the instance the profile engine's
 // active instance (its directory map is loaded) and leaves it so.
+BlockPlan plan_block(const Instance& instance);
+// The rows of a planned block; reads only the file system.
+std::vector<std::string> list_block(const BlockPlan& plan);
+// plan_block, then list_block.
 std::vector<std::string> instance_block(const Instance& instance);
 
-// Every instance's block in install-file order; afterwards the current
+// Every instance's plan in install-file order; afterwards the current
 // instance is the active one again.
+std::vector<BlockPlan> plan_status_queue();
+// The rows of every planned block, in order; reads only the file system.
+std::vector<std::string> list_status_queue(const std::vector<BlockPlan>& plans);
+// Every instance's block: plan_status_queue, then list_status_queue.
 std::vector<std::string> status_queue_rows();
 
-// The status shown for a status file: its first line (at most 339
-// characters, the line end removed), or the message row for an empty line
-// (196) or a file that does not open (173).
+// The first line of a status file (at most 339 characters, the line end
+// removed); nullopt when it does not open.
+std::optional<std::string> read_status_line(const std::string& status_file);
+// The status shown for a status file: its first line, or the message row
+// for an empty line (196) or a file that does not open (173).
 std::string status_line(const std::string& status_file);
 
 // What the rows are made from, for watching: every instance's collector

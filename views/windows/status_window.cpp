@@ -1,12 +1,14 @@
 #include "views/windows/status_window.h"
 
 #include <algorithm>
+#include <chrono>
 #include <ctime>
 #include <memory>
 #include <string>
 
 #include "toolkit/resources/catalog.h"
 #include "toolkit/resources/resource_ids.h"
+#include "views/background_listing.h"
 #include "views/change_watch.h"
 #include "views/status_queue.h"
 #include "views/view_messages.h"
@@ -22,6 +24,8 @@ struct StatusView {
   std::string updated;
   std::unique_ptr<ChangeWatch> watch;  // the collector directories and status files
   long watch_timer = 0;
+  BackgroundListing listing;           // the refill under way
+  bool keep_selection = false;         // what the refill under way is to do
 };
 
 // Watches what the rows are made from, as the configuration says now.
@@ -36,15 +40,14 @@ StatusView& the_view() {
   return view;
 }
 
-// Refills the list. With keep_selection the selected row stays selected
-// when it is still listed, else the same position is selected; otherwise
-// row 0 is.
-void fill(tk::Window w, bool keep_selection, Clock& clock) {
+// Shows rows in the list. With keep_selection the selected row stays
+// selected when it is still listed, else the same position is selected;
+// otherwise row 0 is.
+void show_rows(tk::Window w, const std::vector<std::string>& rows, bool keep_selection,
+               Clock& clock) {
   tk::Control list = w.control(tk::kStatusList);
   int old_index = list.selected();
   std::string old_row = old_index >= 0 ? list.row(old_index) : std::string();
-  w.toolkit().show_busy_cursor();
-  std::vector<std::string> rows = status_queue_rows();
   list.suspend();
   list.clear_rows();
   for (const std::string& row : rows) list.add(row);
@@ -61,6 +64,27 @@ void fill(tk::Window w, bool keep_selection, Clock& clock) {
   std::strftime(stamp, sizeof stamp, "%H:%M:%S", &now);
   the_view().updated = stamp;
   w.invalidate();
+}
+
+// Shows the rows of a finished listing, waiting for it at most wait.
+void show_finished(tk::Window w, Clock& clock, std::chrono::milliseconds wait = {}) {
+  StatusView& view = the_view();
+  if (auto rows = view.listing.take(wait)) show_rows(w, *rows, view.keep_selection, clock);
+}
+
+// Refills the list: the settings are read here, the files are listed on a
+// thread of their own. A listing that takes longer than a moment is shown
+// when it ends (the watch timer looks); while one is out, no other starts.
+void fill(tk::Window w, bool keep_selection, Clock& clock) {
+  StatusView& view = the_view();
+  if (view.listing.busy()) {
+    view.keep_selection = view.keep_selection && keep_selection;
+    return;
+  }
+  w.toolkit().show_busy_cursor();
+  view.keep_selection = keep_selection;
+  view.listing.start(plan_status_queue());
+  show_finished(w, clock, std::chrono::milliseconds(kListingWaitMs));
 }
 
 // Pixels per resource unit, each way, as the back end built the "Close"
@@ -141,6 +165,8 @@ void handle(const ViewHost& host, const tk::Event& e) {
       if (e.timer != the_view().watch_timer) {
         fill(w, true, host.clock);
         watch_sources(the_view());
+      } else if (the_view().listing.busy()) {
+        show_finished(w, host.clock);
       } else if (the_view().watch && the_view().watch->changed()) {
         fill(w, true, host.clock);
       }

@@ -1,7 +1,9 @@
 // "Nexa Status and Queue" (window 137): every instance's status line and
 // waiting files, refilled by its timer every QueueRefreshCycle seconds, and
 // within half a second when a collector directory or a status file changes
-// (inotify). At most one exists; opening it again refills it at once. A
+// (inotify). The files are listed on a thread of their own: a directory
+// that hangs leaves the window answering, and its rows come when the
+// listing ends. At most one exists; opening it again refills it at once. A
 // refill keeps the operator's selected row (the same row text, else the
 // same position).
 //
@@ -24,6 +26,9 @@
 namespace px::views {
 
 inline constexpr int kWatchPeriodMs = 500;
+// How long a refill waits for its listing before leaving it to finish on
+// its own thread (a slow or hung network directory).
+inline constexpr int kListingWaitMs = 250;
 
 inline constexpr const char* kStatusHeader =
     "Instance name / Collector directory              Status / File list";

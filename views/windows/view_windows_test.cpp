@@ -1,10 +1,14 @@
 // The monitoring windows on the headless toolkit, over an installation in a
 // temporary directory with the shipped message catalogue.
 #include <gtest/gtest.h>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstdio>
+#include <chrono>
 #include <fstream>
+#include <functional>
 
 #include "common/directory_map.h"
 #include "common/expand.h"
@@ -50,6 +54,15 @@ std::vector<std::string> paragraphs_of(tk::Control text) {
   std::vector<std::string> rows;
   for (int i = 0; i < text.paragraph_count(); ++i) rows.push_back(text.paragraph(i));
   return rows;
+}
+
+// Polls shown every 20 ms for up to five seconds.
+bool eventually_shown(const std::function<bool()>& shown) {
+  for (int i = 0; i < 250; ++i) {
+    if (shown()) return true;
+    ::usleep(20000);
+  }
+  return false;
 }
 
 class ViewWindowsTest : public ::testing::Test {
@@ -176,6 +189,35 @@ TEST_F(ViewWindowsTest, StatusViewRefreshesAtOnceWhenAQueueOrStatusChanges) {
   dir.write("north.sts", "Nexa is paused\n");  // the same text: a refill shows the same rows
   tk.advance_time(kWatchPeriodMs);
   EXPECT_EQ(list.count(), 3);
+}
+
+// A status file that is a FIFO without a writer blocks its reader, as a
+// hung network file system would: the window stays usable and shows the
+// rows when the listing ends.
+TEST_F(ViewWindowsTest, AHungListingLeavesTheStatusViewAnswering) {
+  install("");
+  std::string fifo = dir.file("north.sts");
+  std::remove(fifo.c_str());
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  auto before = std::chrono::steady_clock::now();
+  tk::Window w = show_status_queue(host);
+  EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(2));
+  ASSERT_TRUE(w.exists());
+  tk::Control list = w.control(tk::kStatusList);
+  EXPECT_EQ(list.count(), 0);
+  tk.advance_time(10000);  // the refresh timer starts no second listing
+  EXPECT_EQ(list.count(), 0);
+  EXPECT_EQ(tk.paint(w).size(), 1u);
+
+  int writer = ::open(fifo.c_str(), O_WRONLY);  // the hung open goes through
+  ASSERT_GE(writer, 0);
+  ASSERT_EQ(::write(writer, "Nexa is running\n", 16), 16);
+  ::close(writer);
+  EXPECT_TRUE(eventually_shown([&] {
+    tk.advance_time(kWatchPeriodMs);
+    return list.count() == 3;
+  }));
+  EXPECT_EQ(list.row(1), "  - Nexa is running");
 }
 
 TEST_F(ViewWindowsTest, StatusViewTakesItsPeriodFromQueueRefreshCycle) {
