@@ -37,6 +37,9 @@ void report(int n, const std::vector<std::string>& args = {});
 // Reports a usage error for command with its synopsis; returns kExitUsage.
 int usage_error(const std::string& command, const std::string& synopsis);
 
+// Prints each line on standard output with a line feed.
+void print_lines(const std::vector<std::string>& lines);
+
 int run_ini(const Invocation& call);
 int run_msg(const Invocation& call);
 int run_args(const Invocation& call);
@@ -56,6 +59,12 @@ int run_start_email(const Invocation& call);
 int run_stop_email(const Invocation& call);
 int run_kick(const Invocation& call);
 int run_location(const Invocation& call);
+// The monitoring views: the rows or text each window shows.
+int run_status(const Invocation& call);
+int run_queue(const Invocation& call);
+int run_rejects(const Invocation& call);
+int run_log(const Invocation& call);
+int run_reject_file(const Invocation& call);
 // Prints the Usage section of the INI file, or the built-in summary.
 int run_help(const Invocation& call);
 

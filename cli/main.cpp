@@ -82,6 +82,11 @@ int dispatch(const Invocation& call) {
   if (call.command == "stop-email") return px::cli::run_stop_email(call);
   if (call.command == "kick") return px::cli::run_kick(call);
   if (call.command == "location") return px::cli::run_location(call);
+  if (call.command == "status") return px::cli::run_status(call);
+  if (call.command == "queue") return px::cli::run_queue(call);
+  if (call.command == "rejects") return px::cli::run_rejects(call);
+  if (call.command == "log") return px::cli::run_log(call);
+  if (call.command == "reject-file") return px::cli::run_reject_file(call);
   if (call.command == "--help" || call.command == "-h" || call.command == "help") {
     return px::cli::run_help(call);
   }

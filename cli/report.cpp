@@ -17,4 +17,12 @@ int usage_error(const std::string& command, const std::string& synopsis) {
   return kExitUsage;
 }
 
+void print_lines(const std::vector<std::string>& lines) {
+  for (const std::string& line : lines) {
+    std::fwrite(line.data(), 1, line.size(), stdout);
+    std::fputc('\n', stdout);
+  }
+  std::fflush(stdout);
+}
+
 }  // namespace px::cli

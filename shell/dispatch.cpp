@@ -7,6 +7,9 @@
 #include "shell/may_end.h"
 #include "shell/select_instance_dialog.h"
 #include "toolkit/resources/resource_ids.h"
+#include "views/windows/file_windows.h"
+#include "views/windows/log_window.h"
+#include "views/windows/status_window.h"
 
 namespace px::shell {
 
@@ -25,6 +28,15 @@ Outcome (*control_action(int command))(const ControlContext&) {
     case tk::kCmdPauseServer: return &pause_server;
     default: return nullptr;
   }
+}
+
+// The monitoring windows' view of the console.
+views::ViewHost view_host(Console& console) {
+  return {console.toolkit(), console.op(), console.control_context().clock,
+          [&console](tk::WindowId w, const std::string& topic) {
+            console.help().associate(w, 0, topic, HelpKind::kWindow);
+          },
+          [&console](tk::WindowId w) { console.help().forget(w); }};
 }
 
 }  // namespace
@@ -52,6 +64,24 @@ bool dispatch_command(Console& console, const tk::Event& event) {
       return true;
     case tk::kCmdSave:
       save_database(console);
+      return true;
+    case tk::kCmdStatusQueue:
+      views::show_status_queue(view_host(console));
+      return true;
+    case tk::kCmdServerLog:
+      views::open_server_log(view_host(console));
+      return true;
+    case tk::kCmdEmailLog:
+      views::open_email_log(view_host(console));
+      return true;
+    case tk::kCmdServerRejects:
+      views::open_rejects(view_host(console), false);
+      return true;
+    case tk::kCmdEmailRejects:
+      views::open_rejects(view_host(console), true);
+      return true;
+    case tk::kCmdEmailQueue:
+      views::open_email_queue(view_host(console));
       return true;
     default:
       return false;

@@ -9,6 +9,9 @@
 //   1023 1024 1025 1026 1037   the control jobs Shut Down Server, Printer
 //                          Reload, Job Table Reload, Resume and Pause Server
 //   1031 About, 1039 the manual, 1040 the knowledge-base page, 1047 Save
+//   1016 1017 1048 1019 1020 1021   the monitoring views: status and queue,
+//                          Nexa Log, E-Mail Agent Log, the rejects of the
+//                          server and the E-mail Agent, the agent's queue
 #pragma once
 
 #include "shell/console.h"

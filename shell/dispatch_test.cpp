@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 
+#include <fstream>
+
 #include "shell/about_dialog.h"
 #include "shell/dispatch.h"
 #include "shell/documentation.h"
@@ -137,6 +139,34 @@ TEST_F(CommandTest, SaveWritesTheEditedJmd) {
   tk.choose_menu(task(), tk::kCmdSave);
   EXPECT_FALSE(jmd_service().modified());
   EXPECT_TRUE(std::filesystem::exists(dir.file("north/pxjmd.JBK")));
+}
+
+}  // namespace
+}  // namespace px::shell
+
+namespace px::shell {
+namespace {
+
+// The Display menu on the live demo installation: each item opens its view.
+TEST_F(LiveDispatchTest, DisplayMenuOpensTheMonitoringViews) {
+  live.signal_simulator(SIGCONT);
+  ASSERT_TRUE(tk.choose_menu(task(), tk::kCmdStatusQueue));
+  tk::Window status = tk.find_window(tk::kStatusQueueWindow);
+  ASSERT_TRUE(status.exists());
+  EXPECT_THAT(status.control(tk::kStatusList).row(0), HasSubstr("Nexa North"));
+  ASSERT_TRUE(tk.choose_menu(task(), tk::kCmdStatusQueue));  // the same window, refilled
+  EXPECT_EQ(tk.find_window(tk::kStatusQueueWindow).id(), status.id());
+
+  ASSERT_TRUE(tk.choose_menu(task(), tk::kCmdServerRejects));
+  EXPECT_TRUE(tk.find_window(tk::kRejectsWindow).exists());
+  ASSERT_TRUE(tk.choose_menu(task(), tk::kCmdEmailQueue));
+  EXPECT_TRUE(tk.find_window(tk::kEmailQueueWindow).exists());
+  std::ofstream(live.path("north/logs/pxemio.log")) << "mail\n";
+  ASSERT_TRUE(tk.choose_menu(task(), tk::kCmdEmailLog));
+  tk::Window log = tk.find_window(tk::kLogWindow);
+  ASSERT_TRUE(log.exists());
+  EXPECT_EQ(log.control(tk::kLogText).paragraph(0), "mail");
+  EXPECT_TRUE(tk.boxes().empty());
 }
 
 }  // namespace

@@ -27,7 +27,8 @@ constexpr const char* kHelp =
     "It is not the server: it only behaves enough like one for the console, pxctl,\n"
     "the demo installation and the end-to-end tests.\n"
     "\n"
-    "Usage: pxserver-sim [-aiiFILE] [-allFILE] [--port N] [--stopped NAME]... [NAME...]\n"
+    "Usage: pxserver-sim [-aiiFILE] [-allFILE] [--port N] [--stopped NAME]...\n"
+    "                    [--feed SECONDS] [NAME...]\n"
     "\n"
     "  NAME            an instance of the install file to serve (default: all of them)\n"
     "  -aiiFILE        the console's INI file; its Install key names the install file\n"
@@ -36,6 +37,9 @@ constexpr const char* kHelp =
     "  --port N        loopback UDP port for \"^start\"/\"^kick\" datagrams (default 1706,\n"
     "                  0 for none)\n"
     "  --stopped NAME  serve NAME but leave it not running until it is started\n"
+    "  --feed SECONDS  every SECONDS, drop a new transaction file (FEEDnnnnnn) into\n"
+    "                  the DataPath of each server that runs (or is paused); every\n"
+    "                  seventh has no job line\n"
     "\n"
     "For each instance it listens on $PLEXAR_PIPE_DIR/NAME.ctr and\n"
     "$PLEXAR_PIPE_DIR/NAME.em/PxEmio.ctr (default directory /tmp/Plexar), serves the\n"
@@ -69,6 +73,13 @@ bool parse_options(const std::vector<std::string>& args, px::sim::SimOptions& op
       options.datagram_port = px::parse_int(value);
       if (options.datagram_port < 0 || options.datagram_port > 65535 ||
           value.find_first_not_of("0123456789") != std::string::npos) {
+        bad = value;
+        return false;
+      }
+    } else if (arg == "--feed" && has_value) {
+      const std::string& value = args[++i];
+      options.feed_seconds = px::parse_int(value);
+      if (options.feed_seconds < 1 || value.find_first_not_of("0123456789") != std::string::npos) {
         bad = value;
         return false;
       }

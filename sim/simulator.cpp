@@ -9,6 +9,7 @@
 
 #include "common/platform.h"
 #include "common/text.h"
+#include "sim/feeder.h"
 #include "sim/sim_report.h"
 #include "sim/stop_signal.h"
 
@@ -224,6 +225,11 @@ void Simulator::run_timers() {
       served->next_scan = now + std::chrono::seconds(served->server.settings().pause_seconds);
       after_server_work(*served);
     }
+    if (options_.feed_seconds > 0 && served->server.running() && now >= served->next_feed) {
+      const ServerSettings& settings = served->server.settings();
+      feed_transaction(settings.data_path, settings.file_pattern, ++fed_);
+      served->next_feed = now + std::chrono::seconds(options_.feed_seconds);
+    }
     if (served->agent && served->agent->running() && now >= served->next_cycle) {
       served->agent->cycle();
       served->next_cycle = now + std::chrono::seconds(served->agent->settings().cycle_seconds);
@@ -240,6 +246,7 @@ int Simulator::wait_milliseconds() const {
   for (const auto& served : served_) {
     if (served->server.running()) next = std::min(next, served->next_scan);
     if (served->agent && served->agent->running()) next = std::min(next, served->next_cycle);
+    if (options_.feed_seconds > 0) next = std::min(next, served->next_feed);
     events = events || served->server_event || served->agent_event;
   }
   for (const LauncherClient& client : launcher_clients_) next = std::min(next, client.deadline);

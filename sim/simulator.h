@@ -26,6 +26,7 @@ struct SimOptions {
   std::vector<std::string> instances;  // empty: every instance of the install file
   std::vector<std::string> stopped;    // served, but not started at first
   int datagram_port = kDefaultDatagramPort;  // 0: no datagram port
+  int feed_seconds = 0;  // a new transaction file for each running server this often; 0: none
 };
 
 class Simulator {
@@ -58,6 +59,7 @@ class Simulator {
     std::optional<NamedEvent> agent_event;
     Clock::time_point next_scan;
     Clock::time_point next_cycle;
+    Clock::time_point next_feed;
   };
 
   struct LauncherClient {
@@ -88,6 +90,7 @@ class Simulator {
   void stop_everything();
 
   SimOptions options_;
+  int fed_ = 0;  // transaction files fed so far
   std::vector<std::unique_ptr<Served>> served_;
   std::optional<UnixListener> launcher_;
   std::vector<LauncherClient> launcher_clients_;

@@ -1,0 +1,244 @@
+#include "views/log_index.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "common/unique_fd.h"
+
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
+
+namespace px::views {
+
+namespace {
+
+constexpr size_t kScanBuffer = 256 << 10;  // fits the second-level cache
+constexpr size_t kHeadBytes = 64;
+
+// Reads up to size bytes at offset, retrying interrupted reads; the count
+// read, or -1.
+ssize_t read_at(int fd, char* data, size_t size, uint64_t offset) {
+  for (;;) {
+    ssize_t n = ::pread(fd, data, size, static_cast<off_t>(offset));
+    if (n >= 0 || errno != EINTR) return n;
+  }
+}
+
+std::string read_head(int fd, size_t size) {
+  std::string head(size, '\0');
+  ssize_t n = read_at(fd, head.data(), size, 0);
+  head.resize(n > 0 ? static_cast<size_t>(n) : 0);
+  return head;
+}
+
+#if defined(__x86_64__)
+// One bit per byte of the 64 at data that is a line feed: with 16-byte
+// compares everywhere, with 32-byte ones where the processor has AVX2.
+inline uint64_t line_feed_mask_sse2(const char* data) {
+  const __m128i feed = _mm_set1_epi8('\n');
+  uint64_t mask = 0;
+  for (int part = 0; part < 4; ++part) {
+    __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(data + 16 * part));
+    uint64_t bits = static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, feed)));
+    mask |= bits << (16 * part);
+  }
+  return mask;
+}
+
+__attribute__((target("avx2"))) inline uint64_t line_feed_mask_avx2(const char* data) {
+  const __m256i feed = _mm256_set1_epi8('\n');
+  __m256i low = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(data));
+  __m256i high = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(data + 32));
+  uint64_t low_bits = static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(low, feed)));
+  uint64_t high_bits = static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(high, feed)));
+  return low_bits | (high_bits << 32);
+}
+
+// Counts the line feeds of [data, data + size) sixty-four bytes at a time
+// (the bytes after the last whole block are left; returns the bytes done).
+// A block whose line feeds do not reach the next checkpoint is only
+// counted; the last line's start is worked out once, from the last block
+// that had a line feed. The counts live in locals while the loop runs.
+template <uint64_t (*kMask)(const char*)>
+inline __attribute__((always_inline)) size_t scan_blocks(const char* data, size_t size,
+                                                         uint64_t base, int64_t& line_ends,
+                                                         uint64_t& last_line_start,
+                                                         std::vector<uint64_t>& starts) {
+  int64_t ends = line_ends;
+  int64_t until_checkpoint = kCheckpointLines - ends % kCheckpointLines;
+  uint64_t last_mask = 0;
+  size_t last_block = 0;
+  size_t i = 0;
+  for (; i + 64 <= size; i += 64) {
+    uint64_t mask = kMask(data + i);
+    if (mask == 0) continue;
+    last_mask = mask;
+    last_block = i;
+    int64_t found = __builtin_popcountll(mask);
+    if (found < until_checkpoint) {
+      until_checkpoint -= found;
+      ends += found;
+      continue;
+    }
+    for (; mask != 0; mask &= mask - 1) {
+      if (++ends % kCheckpointLines == 0) {
+        starts.push_back(base + i + static_cast<uint64_t>(__builtin_ctzll(mask)) + 1);
+      }
+    }
+    until_checkpoint = kCheckpointLines - ends % kCheckpointLines;
+  }
+  line_ends = ends;
+  if (last_mask != 0) {
+    last_line_start = base + last_block + 64 - static_cast<uint64_t>(__builtin_clzll(last_mask));
+  }
+  return i;
+}
+
+// The loop compiled whole for each instruction set, so that the compares
+// are inlined into it (a call per block into AVX2 code costs more than the
+// compare itself).
+__attribute__((target("avx2,popcnt"))) size_t scan_blocks_avx2(
+    const char* data, size_t size, uint64_t base, int64_t& line_ends, uint64_t& last_line_start,
+    std::vector<uint64_t>& starts) {
+  return scan_blocks<line_feed_mask_avx2>(data, size, base, line_ends, last_line_start, starts);
+}
+
+size_t scan_blocks_sse2(const char* data, size_t size, uint64_t base, int64_t& line_ends,
+                        uint64_t& last_line_start, std::vector<uint64_t>& starts) {
+  return scan_blocks<line_feed_mask_sse2>(data, size, base, line_ends, last_line_start, starts);
+}
+
+bool has_avx2() {
+  static const bool avx2 = __builtin_cpu_supports("avx2");
+  return avx2;
+}
+#endif
+
+}  // namespace
+
+void LogIndex::reset() {
+  device_ = 0;
+  inode_ = 0;
+  head_.clear();
+  scanned_ = 0;
+  line_ends_ = 0;
+  last_line_start_ = 0;
+  starts_.assign(1, 0);
+}
+
+void LogIndex::note_line_end(uint64_t offset_after) {
+  ++line_ends_;
+  last_line_start_ = offset_after;
+  if (line_ends_ % kCheckpointLines == 0) starts_.push_back(offset_after);
+}
+
+void LogIndex::scan_block(const char* data, size_t size, uint64_t base) {
+  size_t i = 0;
+#if defined(__x86_64__)
+  i = has_avx2() ? scan_blocks_avx2(data, size, base, line_ends_, last_line_start_, starts_)
+                 : scan_blocks_sse2(data, size, base, line_ends_, last_line_start_, starts_);
+#endif
+  for (; i < size; ++i) {
+    if (data[i] == '\n') note_line_end(base + i + 1);
+  }
+}
+
+// Holes of a sparse log hold zero bytes and so no line ends: the scan
+// steps over them instead of reading them.
+bool LogIndex::skip_hole(int fd) {
+  off_t data = ::lseek(fd, static_cast<off_t>(scanned_), SEEK_DATA);
+  if (data >= 0) {
+    scanned_ = std::max(scanned_, static_cast<uint64_t>(data));
+    return true;
+  }
+  struct stat info {};
+  if (errno != ENXIO || ::fstat(fd, &info) != 0) return true;  // read on as usual
+  scanned_ = std::max(scanned_, static_cast<uint64_t>(info.st_size));
+  return false;  // nothing but a hole up to the end
+}
+
+bool LogIndex::scan(int fd) {
+  struct stat info {};
+  if (::fstat(fd, &info) != 0) return false;
+  const uint64_t size = static_cast<uint64_t>(info.st_size);
+  // Only a file with fewer blocks than bytes can have holes to step over.
+  const bool sparse = static_cast<uint64_t>(info.st_blocks) * 512 < size;
+  ::posix_fadvise(fd, static_cast<off_t>(scanned_), 0, POSIX_FADV_SEQUENTIAL);
+  // Kept between scans: a fresh buffer would cost page faults on every
+  // small extension.
+  if (!buffer_) buffer_ = std::make_unique_for_overwrite<char[]>(kScanBuffer);
+  // Up to the size seen now; what is appended meanwhile is for the next
+  // update.
+  while (scanned_ < size) {
+    if (sparse && !skip_hole(fd)) return true;
+    size_t want = static_cast<size_t>(std::min<uint64_t>(kScanBuffer, size - scanned_));
+    ssize_t n = read_at(fd, buffer_.get(), want, scanned_);
+    if (n < 0) return false;
+    if (n == 0) return true;  // shrank while being read; the next update sees it
+    scan_block(buffer_.get(), static_cast<size_t>(n), scanned_);
+    scanned_ += static_cast<uint64_t>(n);
+  }
+  return true;
+}
+
+bool LogIndex::build() {
+  reset();
+  UniqueFd fd(::open(path_.c_str(), O_RDONLY | O_CLOEXEC));
+  struct stat info {};
+  if (!fd.valid() || ::fstat(fd.get(), &info) != 0) return false;
+  device_ = info.st_dev;
+  inode_ = info.st_ino;
+  head_ = read_head(fd.get(), kHeadBytes);
+  return scan(fd.get());
+}
+
+LogIndex::Change LogIndex::update() {
+  UniqueFd fd(::open(path_.c_str(), O_RDONLY | O_CLOEXEC));
+  struct stat info {};
+  if (!fd.valid() || ::fstat(fd.get(), &info) != 0) return Change::kFailed;
+  const uint64_t size = static_cast<uint64_t>(info.st_size);
+  bool same_file = info.st_dev == device_ && info.st_ino == inode_ && size >= scanned_ &&
+                   read_head(fd.get(), head_.size()) == head_;
+  if (!same_file) return build() ? Change::kRestarted : Change::kFailed;
+  if (size == scanned_) return Change::kNone;
+  if (head_.size() < kHeadBytes) head_ = read_head(fd.get(), kHeadBytes);
+  return scan(fd.get()) ? Change::kGrew : Change::kFailed;
+}
+
+int64_t LogIndex::line_count() const {
+  return line_ends_ + (scanned_ > last_line_start_ ? 1 : 0);
+}
+
+std::span<const uint64_t> LogIndex::checkpoints() const {
+  if (starts_.empty()) return {};
+  size_t valid = static_cast<size_t>((line_count() + kCheckpointLines - 1) / kCheckpointLines);
+  return std::span<const uint64_t>(starts_).first(std::min(valid, starts_.size()));
+}
+
+std::optional<LineReader> LogIndex::open_at_line(int64_t line) const {
+  if (line < 0 || line > line_count() || starts_.empty()) return std::nullopt;
+  size_t k = std::min(static_cast<size_t>(line / kCheckpointLines), starts_.size() - 1);
+  LineReader reader(path_, starts_[k]);
+  if (!reader.ok()) return std::nullopt;
+  reader.skip(line - static_cast<int64_t>(k) * kCheckpointLines);
+  return reader;
+}
+
+std::optional<std::vector<std::string>> LogIndex::read_lines(int64_t first, int64_t count) const {
+  std::vector<std::string> lines;
+  first = std::max<int64_t>(first, 0);
+  count = std::min(count, line_count() - first);
+  if (count <= 0) return lines;
+  auto reader = open_at_line(first);
+  if (!reader) return std::nullopt;
+  std::string line;
+  while (static_cast<int64_t>(lines.size()) < count && reader->next(line)) lines.push_back(line);
+  return lines;
+}
+
+}  // namespace px::views

@@ -1,0 +1,156 @@
+#include "views/status_queue.h"
+
+#include <cstdio>
+#include <memory>
+
+#include "common/directory_map.h"
+#include "common/ini_profile.h"
+#include "config/operator.h"
+#include "config/settings.h"
+#include "views/file_listing.h"
+#include "views/view_messages.h"
+
+namespace px::views {
+
+namespace {
+
+constexpr int kDefaultRefreshSeconds = 10;
+constexpr size_t kFileSpecSize = 256;
+constexpr std::string_view kControlJobPattern = "px*.msg";
+
+std::string padded_row(std::string_view title, std::string_view text) {
+  std::string row(title);
+  if (row.size() < 30) row.append(30 - row.size(), ' ');
+  row.append(text);
+  return row;
+}
+
+// "  %-28s  %s" for the first name, "%30s  %s" under it for the others.
+void append_file_rows(const std::string& directory, const std::vector<std::string>& names,
+                      std::vector<std::string>& rows) {
+  for (size_t i = 0; i < names.size(); ++i) {
+    std::string row;
+    if (i == 0) {
+      row = "  " + directory;
+      if (directory.size() < 28) row.append(28 - directory.size(), ' ');
+    } else {
+      row.assign(30, ' ');
+    }
+    rows.push_back(row + "  " + names[i]);
+  }
+}
+
+}  // namespace
+
+std::optional<std::string> read_status_line(const std::string& status_file) {
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(status_file.c_str(), "r"),
+                                                       std::fclose);
+  if (!file) return std::nullopt;
+  std::string line;
+  for (int c; line.size() < kStatusLineLength && (c = std::fgetc(file.get())) != EOF;) {
+    line.push_back(static_cast<char>(c));
+    if (c == '\n') break;
+  }
+  if (line.ends_with('\n')) line.pop_back();
+  if (line.ends_with('\r')) line.pop_back();
+  return line;
+}
+
+std::string status_line(const std::string& status_file) {
+  auto line = read_status_line(status_file);
+  if (!line) return message_row(msg::kStatusNotOpened, {display_path(status_file)});
+  if (line->empty()) return message_row(msg::kEmptyStatus);
+  return *line;
+}
+
+BlockPlan plan_block(const Instance& instance) {
+  BlockPlan plan;
+  load_directory_map(instance.name);
+  const std::string& config = instance.config_file;
+  const std::string& title = instance.window_title;
+
+  std::string spec = setting("Options", "FileSpec", "", kFileSpecSize, config);
+  if (spec.size() <= 1) {
+    plan.only_row = padded_row(title, message_row(msg::kSettingMissing,
+                                                  {"Options", display_path(config), "FileSpec"}));
+    return plan;
+  }
+  plan.pattern = spec.substr(0, spec.find(';'));
+  plan.directory = path_setting("Paths", "DataPath", config);
+  if (plan.directory.empty()) {
+    plan.only_row = padded_row(title, message_row(msg::kNotSet));
+    return plan;
+  }
+  plan.missing_directory_row =
+      padded_row(title, message_row(msg::kDirectoryMissing, {display_path(plan.directory)}));
+  plan.title_row = title + " - ";
+  plan.status_file = path_setting("Plexar", "StatusFile", config);
+  plan.not_set_status = message_row(msg::kNotSet);
+  plan.unopened_status = message_row(msg::kStatusNotOpened, {display_path(plan.status_file)});
+  plan.empty_status = message_row(msg::kEmptyStatus);
+  plan.no_files = message_row(msg::kNoFiles);
+  return plan;
+}
+
+std::vector<std::string> list_block(const BlockPlan& plan) {
+  if (plan.only_row) return {*plan.only_row};
+  if (!directory_exists(plan.directory)) return {plan.missing_directory_row};
+  auto control_jobs = list_files(plan.directory, kControlJobPattern);
+  auto transactions = list_files(plan.directory, plan.pattern);
+
+  std::string status = plan.not_set_status;
+  if (!plan.status_file.empty()) {
+    auto line = read_status_line(plan.status_file);
+    status = !line ? plan.unopened_status : line->empty() ? plan.empty_status : *line;
+  }
+  std::vector<std::string> rows = {plan.title_row, "  - " + status};
+  std::vector<std::string> names;
+  if (control_jobs) sort_by_age(std::move(*control_jobs), kServerStopFile, names);
+  if (transactions) sort_by_age(std::move(*transactions), kServerStopFile, names);
+  append_file_rows(plan.directory, names.empty() ? std::vector<std::string>{plan.no_files} : names,
+                   rows);
+  return rows;
+}
+
+std::vector<std::string> instance_block(const Instance& instance) {
+  return list_block(plan_block(instance));
+}
+
+std::vector<BlockPlan> plan_status_queue() {
+  std::vector<BlockPlan> plans;
+  InstanceEnumerator instances;
+  if (instances.begin()) {
+    Instance instance;
+    while (instances.next(instance)) plans.push_back(plan_block(instance));
+  }
+  instances.end();
+  load_directory_map(current_instance().name);
+  return plans;
+}
+
+std::vector<std::string> list_status_queue(const std::vector<BlockPlan>& plans) {
+  std::vector<std::string> rows;
+  for (const BlockPlan& plan : plans) {
+    std::vector<std::string> block = list_block(plan);
+    rows.insert(rows.end(), block.begin(), block.end());
+  }
+  return rows;
+}
+
+std::vector<std::string> status_queue_rows() { return list_status_queue(plan_status_queue()); }
+
+StatusSources status_queue_sources() {
+  StatusSources sources;
+  for (const BlockPlan& plan : plan_status_queue()) {
+    if (!plan.directory.empty()) sources.directories.push_back(plan.directory);
+    if (!plan.status_file.empty()) sources.files.push_back(plan.status_file);
+  }
+  return sources;
+}
+
+int refresh_period_ms() {
+  int seconds = ini::get_int("Options", "QueueRefreshCycle", kDefaultRefreshSeconds);
+  return (seconds < 1 ? kDefaultRefreshSeconds : seconds) * 1000;
+}
+
+}  // namespace px::views

@@ -1,0 +1,369 @@
+#include "views/windows/log_window.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+#include "common/file_util.h"
+#include "config/instances.h"
+#include "toolkit/resources/resource_ids.h"
+#include "views/file_lists.h"
+#include "views/log_follow.h"
+#include "views/log_source.h"
+#include "views/log_text.h"
+#include "views/view_messages.h"
+
+namespace px::views {
+
+namespace {
+
+constexpr int kColumnStep = 10;
+constexpr const char* kAgentTitle = "Nexa E-Mail Agent";
+
+// What one log or rejected-file window shows; owned by its handler.
+struct TextView {
+  explicit TextView(const ViewHost& h) : host(h) {}
+
+  ViewHost host;
+  bool reject_file = false;     // the rejected-file view rather than a log
+  bool email = false;           // the E-mail Agent's log or rejects
+  std::string section;          // the process whose log is shown
+  std::string file_name;        // the rejected file
+  std::unique_ptr<LogIndex> index;
+  std::unique_ptr<LogFollower> follower;
+  bool paged = false;           // a large log shown a page at a time
+  int64_t first_line = 0;       // paged: the first line shown
+  int widest = 0;               // the longest paragraph shown
+};
+
+tk::Control text_of(tk::Window w) { return w.control(tk::kLogText); }
+
+// Adds rows as paragraphs; 178 and false when the text edit is full.
+bool add_rows(tk::Window w, TextView& view, const std::vector<std::string>& rows) {
+  tk::Control text = text_of(w);
+  text.suspend();
+  bool all = true;
+  for (const std::string& row : rows) {
+    if (!text.add_paragraph(row)) {
+      view.host.op.show(msg::kTextFull);
+      all = false;
+      break;
+    }
+    view.widest = std::max(view.widest, static_cast<int>(row.size()));
+  }
+  text.resume();
+  return all;
+}
+
+// Sets both scroll bars from what the text edit shows.
+void sync_scroll_bars(tk::Window w, const TextView& view) {
+  tk::Control text = text_of(w);
+  tk::Control vertical = w.control(tk::kLogVScroll);
+  if (view.paged) {
+    vertical.set_range(0, static_cast<int>(last_page(*view.index)));
+    vertical.set_page(static_cast<int>(kPageLines));
+    vertical.set_position(static_cast<int>(view.first_line));
+  } else {
+    vertical.set_range(0, std::max(0, text.paragraph_count() - 1));
+    vertical.set_page(std::max(1, text.visible_lines()));
+    vertical.set_position(text.origin().line);
+  }
+  tk::Control horizontal = w.control(tk::kLogHScroll);
+  horizontal.set_range(0, view.widest);
+  horizontal.set_position(text.origin().column);
+}
+
+// Shows the 30 lines from line first (within the log); 177 when the log
+// does not open.
+void show_page(tk::Window w, TextView& view, int64_t first) {
+  first = std::clamp<int64_t>(first, 0, last_page(*view.index));
+  auto lines = view.index->read_lines(first, kPageLines);
+  if (!lines) {
+    view.host.op.show(msg::kFileNotOpened, {display_path(view.index->path())});
+    return;
+  }
+  text_of(w).clear_paragraphs();
+  view.widest = 0;
+  add_rows(w, view, *lines);
+  view.first_line = first;
+  sync_scroll_bars(w, view);
+}
+
+// Shows the indexed log as it opens: whole and at its end, or its last page.
+void load_log(tk::Window w, TextView& view) {
+  tk::Control text = text_of(w);
+  view.paged = !shown_whole(*view.index);
+  view.follower = std::make_unique<LogFollower>(*view.index);
+  if (view.paged) {
+    show_page(w, view, last_page(*view.index));
+    return;
+  }
+  text.clear_paragraphs();
+  view.widest = 0;
+  auto rows = whole_log(view.index->path(), wrap_settings());
+  if (!rows) {
+    view.host.op.show(msg::kFileNotOpened, {display_path(view.index->path())});
+    return;
+  }
+  add_rows(w, view, *rows);
+  if (text.paragraph_count() > 0) text.show_paragraph(text.paragraph_count() - 1);
+  sync_scroll_bars(w, view);
+}
+
+bool at_end(tk::Window w, const TextView& view) {
+  if (view.paged) return view.first_line >= last_page(*view.index);
+  tk::Control text = text_of(w);
+  return text.origin().line + text.visible_lines() >= text.paragraph_count();
+}
+
+// The timer: shows what was appended when the operator is at the end, and
+// loads a truncated or replaced log again.
+void follow(tk::Window w, TextView& view) {
+  if (!view.follower) return;
+  bool was_at_end = at_end(w, view);
+  auto poll = view.follower->poll();
+  if (!poll) return;
+  if (poll->restarted) {
+    load_log(w, view);
+    return;
+  }
+  if (poll->lines.empty()) return;
+  if (view.paged) {
+    if (was_at_end) {
+      show_page(w, view, last_page(*view.index));
+    } else {
+      sync_scroll_bars(w, view);
+    }
+    return;
+  }
+  std::vector<std::string> rows;
+  Wrap wrap = wrap_settings();
+  for (const std::string& line : poll->lines) wrap_line(line, wrap, rows);
+  add_rows(w, view, rows);
+  tk::Control text = text_of(w);
+  if (was_at_end) text.show_paragraph(text.paragraph_count() - 1);
+  sync_scroll_bars(w, view);
+}
+
+// The step a scroll action asks for from position now, with page the
+// bar's page; the thumb goes to position.
+int scroll_target(const tk::Event& e, int now, int line, int page) {
+  switch (e.scroll) {
+    case tk::ScrollAction::kLineUp: return now - line;
+    case tk::ScrollAction::kLineDown: return now + line;
+    case tk::ScrollAction::kPageUp: return now - page;
+    case tk::ScrollAction::kPageDown: return now + page;
+    case tk::ScrollAction::kThumb:
+    case tk::ScrollAction::kThumbTrack: return e.position;
+    case tk::ScrollAction::kNone: break;
+  }
+  return now;
+}
+
+void scroll(tk::Window w, TextView& view, const tk::Event& e) {
+  tk::Control text = text_of(w);
+  tk::TextOrigin origin = text.origin();
+  if (e.control == tk::kLogVScroll) {
+    int page = std::max(1, w.control(tk::kLogVScroll).page());
+    if (view.paged) {
+      int64_t target = scroll_target(e, static_cast<int>(view.first_line), 1, page);
+      if (target != view.first_line) show_page(w, view, target);
+    } else {
+      int target = scroll_target(e, origin.line, 1, page);
+      origin.line = std::clamp(target, 0, std::max(0, text.paragraph_count() - 1));
+      text.set_origin(origin);
+    }
+  } else {
+    int page = std::max(1, w.control(tk::kLogHScroll).page());
+    int target = scroll_target(e, origin.column, kColumnStep, kColumnStep * page);
+    origin.column = std::clamp(target, 0, view.widest);
+    text.set_origin(origin);
+  }
+  sync_scroll_bars(w, view);
+}
+
+// The caption over the text, and the text and the bars filling the rest.
+void place_controls(tk::Window w, tk::Size client) {
+  tk::Control text = text_of(w);
+  tk::Control vertical = w.control(tk::kLogVScroll);
+  tk::Control horizontal = w.control(tk::kLogHScroll);
+  tk::Rect area = text.rect();
+  int bar_width = std::max(1, vertical.rect().width);
+  int bar_height = std::max(1, horizontal.rect().height);
+  area.width = std::max(1, client.width - area.x - bar_width - area.x);
+  area.height = std::max(1, client.height - area.y - bar_height - 4);
+  text.set_rect(area);
+  vertical.set_rect({area.x + area.width, area.y, bar_width, area.height});
+  horizontal.set_rect({area.x, area.y + area.height, area.width, bar_height});
+}
+
+tk::Font view_font() { return tk::font_by_family(cjk_locale() ? "system" : "courier", 10); }
+
+// Window 120's create for a log; false when the window is to close.
+bool create_log(tk::Window w, TextView& view) {
+  const Instance& instance = current_instance();
+  w.set_title(message_label(msg::kLogTitle) + " " +
+              (view.email ? std::string(kAgentTitle) : instance.window_title));
+  text_of(w).set_font(view_font());
+  auto path = view.email ? agent_log_file(instance.config_file, view.host.op)
+                         : process_log_file(instance.config_file, view.section, view.host.op);
+  if (!path) return false;
+  view.index = std::make_unique<LogIndex>(*path);
+  if (!index_log(*view.index, view.host.op)) return false;
+  text_of(w).clear_paragraphs();
+  load_log(w, view);
+  w.control(tk::kLogCaption).set_text(message_label(msg::kLogCaption) + " " + *path);
+  w.start_timer(kFollowPeriodMs);
+  return true;
+}
+
+// Window 120's create for a rejected file; false when the window is to close.
+bool create_reject_file(tk::Window w, TextView& view) {
+  const Instance& instance = current_instance();
+  w.set_title(message_label(msg::kRejectTitle) + " " + instance.window_title);
+  if (!text_of(w).exists()) {
+    view.host.op.show(msg::kNoTextEdit);
+    return false;
+  }
+  text_of(w).set_font(view_font());
+  auto directory = error_directory(instance.config_file, view.email, view.host.op);
+  if (!directory) return false;
+  auto lines = file_lines(join_path(view.file_name, *directory), view.host.op);
+  if (!lines) return false;
+  w.control(tk::kLogCaption).set_text(message_label(msg::kRejectCaption) + " " + view.file_name);
+  add_rows(w, view, *lines);
+  sync_scroll_bars(w, view);
+  return true;
+}
+
+void handle_text(TextView& view, const tk::Event& e) {
+  tk::Window w = e.window;
+  switch (e.type) {
+    case tk::EventType::kCreate: {
+      view.host.help_on(w, kViewsHelpTopic);
+      view.host.toolkit.show_busy_cursor();
+      bool shown = view.reject_file ? create_reject_file(w, view) : create_log(w, view);
+      if (!shown) w.destroy();
+      break;
+    }
+    case tk::EventType::kDestroy:
+      view.host.help_off(w);
+      break;
+    case tk::EventType::kResize:
+      place_controls(w, e.size);
+      if (view.index || view.reject_file) sync_scroll_bars(w, view);
+      break;
+    case tk::EventType::kClose:
+      w.destroy();
+      break;
+    case tk::EventType::kControl:
+      if (e.notice == tk::Notice::kScrolled &&
+          (e.control == tk::kLogVScroll || e.control == tk::kLogHScroll)) {
+        scroll(w, view, e);
+      }
+      break;
+    case tk::EventType::kTimer:
+      follow(w, view);
+      break;
+    default:
+      break;
+  }
+}
+
+tk::Window open_text_window(std::shared_ptr<TextView> view, long app_value) {
+  const ViewHost& host = view->host;
+  tk::Window w = host.toolkit.create_window(
+      tk::kLogWindow, [view](const tk::Event& e) { handle_text(*view, e); }, app_value);
+  if (w.id() == 0) view->host.op.show(msg::kWindowNotOpened);
+  return w.exists() ? w : tk::Window();
+}
+
+// Dialog 113: the processes by name, the first selected; OK or a double
+// click chooses one.
+std::optional<std::string> choose_process(const ViewHost& host,
+                                          const std::vector<LogProcess>& processes) {
+  std::optional<std::string> chosen;
+  auto handler = [&](const tk::Event& e) {
+    tk::Window dialog = e.window;
+    tk::Control list = dialog.control(tk::kLogProcessList);
+    switch (e.type) {
+      case tk::EventType::kCreate:
+        host.help_on(dialog, kViewsHelpTopic);
+        for (const LogProcess& p : processes) list.add(p.name);
+        list.select(0);
+        list.focus();
+        break;
+      case tk::EventType::kDestroy:
+        host.help_off(dialog);
+        break;
+      case tk::EventType::kClose:
+        dialog.destroy();
+        break;
+      case tk::EventType::kControl:
+        if (e.is_control(tk::kOk, tk::Notice::kClicked) ||
+            (e.control == tk::kLogProcessList && e.double_click())) {
+          int row = list.selected();
+          if (row < 0) break;
+          chosen = processes[static_cast<size_t>(row)].section;
+          dialog.destroy();
+        } else if (e.is_control(tk::kCancel, tk::Notice::kClicked)) {
+          dialog.destroy();
+        }
+        break;
+      default:
+        break;
+    }
+  };
+  if (!host.toolkit.run_modal_dialog(tk::kLogProcessDialog, handler)) {
+    host.op.show(msg::kDialogNotOpened);
+  }
+  return chosen;
+}
+
+}  // namespace
+
+bool cjk_locale() {
+  const char* locale = nullptr;
+  for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+    locale = std::getenv(name);
+    if (locale != nullptr && *locale != '\0') break;
+  }
+  if (locale == nullptr) return false;
+  std::string_view value = locale;
+  return value.starts_with("ja") || value.starts_with("zh") || value.starts_with("ko");
+}
+
+tk::Window open_process_log(const ViewHost& host, const std::string& section) {
+  auto view = std::make_shared<TextView>(host);
+  view->section = section;
+  return open_text_window(view, 0);
+}
+
+tk::Window open_email_log(const ViewHost& host) {
+  auto view = std::make_shared<TextView>(host);
+  view->email = true;
+  return open_text_window(view, 1);
+}
+
+tk::Window open_reject_file(const ViewHost& host, bool email, const std::string& name) {
+  auto view = std::make_shared<TextView>(host);
+  view->reject_file = true;
+  view->email = email;
+  view->file_name = name;
+  return open_text_window(view, email ? 1 : 0);
+}
+
+void open_server_log(const ViewHost& host) {
+  host.toolkit.show_busy_cursor();
+  auto logs = log_processes(current_instance().config_file, host.op);
+  if (!logs || logs->processes.empty()) return;
+  if (logs->processes.size() == 1) {
+    open_process_log(host, logs->processes[0].section);
+    return;
+  }
+  if (auto section = choose_process(host, logs->processes)) open_process_log(host, *section);
+}
+
+}  // namespace px::views
