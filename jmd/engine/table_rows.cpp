@@ -106,6 +106,11 @@ bool replace_row(TableState& t, long row, std::span<const std::byte> record) {
   for (size_t i = 0; i < changed.size(); ++i) {
     if (!insert_row_entry(t, row, changed[i], record.data())) {
       for (size_t j = 0; j < i; ++j) delete_row_entry(t, row, changed[j], record.data());
+      // Refused (a unique key taken): the old record and its entries come
+      // back, so that nothing has changed.
+      t.records->put(row, old);
+      remember_values(t, row, old.data());
+      for (int c : changed) insert_row_entry(t, row, c, old.data());
       return false;
     }
   }
