@@ -92,7 +92,8 @@ TEST_F(PxctlJmdTest, FailuresShowTheirMessage) {
 // The demo installation's JMD is saved back byte for byte with the demo's
 // title lines.
 TEST(PxctlJmdDemoTest, DemoJmdSavesBackUnchanged) {
-  std::filesystem::path source = std::filesystem::path(__FILE__).parent_path().parent_path();
+  std::filesystem::path source =
+      std::filesystem::absolute(std::filesystem::path(__FILE__)).parent_path().parent_path();
   std::string demo = (source / "demo/data/pxjmd.jmd").string();
   TestDir dir;
   std::string ini = (source / "demo/pxcntrl.ini").string();
