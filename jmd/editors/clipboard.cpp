@@ -31,7 +31,7 @@ bool JmdEditor::copy(ListKind kind, const std::vector<long>& rows, bool cut) {
     clipboard_kind_ = kind;
     return !cut || delete_rows(kind, {rows.front()}) == 1;
   }
-  engine::Table* clip = service_.clipboard(op_);
+  engine::Table* clip = service_.clipboard(*op_);
   if (clip == nullptr) return false;
   engine::Table* jobs = table(ListKind::kSteps);
   if (jobs == nullptr) return false;
@@ -64,7 +64,7 @@ bool JmdEditor::can_paste(ListKind kind) const {
 std::vector<Record> JmdEditor::clipboard_steps() {
   std::vector<Record> steps;
   if (!holds_steps(clipboard_kind_)) return steps;
-  engine::Table* clip = service_.clipboard(op_);
+  engine::Table* clip = service_.clipboard(*op_);
   if (clip == nullptr) return steps;
   Record record = blank_record(*clip);
   for (long row = 1; row <= clip->row_count(); ++row) {

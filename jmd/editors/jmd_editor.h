@@ -43,10 +43,12 @@ struct OkResult {
 
 class JmdEditor {
  public:
-  JmdEditor(JmdService& service, Operator& op) : service_(service), op_(op) {}
+  JmdEditor(JmdService& service, Operator& op) : service_(service), op_(&op) {}
 
   JmdService& service() { return service_; }
-  Operator& op() { return op_; }
+  Operator& op() { return *op_; }
+  // Reports to op from now on (the console's operator can be replaced).
+  void set_operator(Operator& op) { op_ = &op; }
 
   // The table that a list of kind shows (the "jobname" table for kind 0);
   // nullptr after showing why it cannot be had.
@@ -133,7 +135,7 @@ class JmdEditor {
   void internal_error(const char* module, int line);
 
   JmdService& service_;
-  Operator& op_;
+  Operator* op_;
   std::optional<ListKind> clipboard_kind_;
   Record buffer_;  // the one-row buffer of kinds 1 to 3
 };

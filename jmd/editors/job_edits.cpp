@@ -18,12 +18,12 @@ constexpr size_t kJobNameLongest = 51;
 void JmdEditor::internal_error(const char* module, int line) {
   // The text's own quotes and comma come with the argument: a message word
   // ends only at a blank, "." or "(".
-  op_.show(msg::kInternalError, {"'" + std::string(module) + "', line " + std::to_string(line)});
+  op_->show(msg::kInternalError, {"'" + std::string(module) + "', line " + std::to_string(line)});
 }
 
 engine::Table* JmdEditor::table(ListKind kind) {
-  if (kind == ListKind::kJobNames) return service_.job_names(op_);
-  jmd::Jmd* database = service_.open(op_);
+  if (kind == ListKind::kJobNames) return service_.job_names(*op_);
+  jmd::Jmd* database = service_.open(*op_);
   return database ? &database->table(table_slot(kind)) : nullptr;
 }
 
@@ -34,7 +34,7 @@ long JmdEditor::find_row(ListKind kind, std::string_view key) {
   if (column < 0) return 0;
   engine::Query query = engine::Query::start(*rows, column, engine::Value(key), true);
   if (!query) {
-    op_.show(msg::kNullCursor, {"pxjmdedt  " + std::to_string(__LINE__)});
+    op_->show(msg::kNullCursor, {"pxjmdedt  " + std::to_string(__LINE__)});
     return 0;
   }
   return query.next();
@@ -56,11 +56,11 @@ int JmdEditor::check_new_job_name(std::string_view typed, std::string& name) {
   std::string_view candidate = trim_blanks(cut);
   if (candidate.empty() || candidate.front() == ' ') return msg::kJobNameEmpty;
   if (candidate.find_first_of(" \t") != std::string_view::npos) {
-    op_.show(msg::kJobNameHasBlank, {std::string(candidate)});
+    op_->show(msg::kJobNameHasBlank, {std::string(candidate)});
     return msg::kJobNameHasBlank;
   }
   if (job_exists(std::string(candidate))) {
-    op_.show(msg::kJobExists, {std::string(candidate)});
+    op_->show(msg::kJobExists, {std::string(candidate)});
     return msg::kJobExists;
   }
   name = std::string(candidate);

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <string_view>
 
+#include "common/expand.h"
 #include "common/messages.h"
 #include "jmd/jmd_schema.h"
 
@@ -56,13 +57,17 @@ int header_message(ListKind kind) {
   return k >= 0 && k <= 3 ? 278 + k : 0;
 }
 
-std::string header_text(ListKind kind) {
-  int n = header_message(kind);
-  if (n == 0) return {};
+std::string message_label(int n, const std::vector<std::string>& args) {
   std::string text = messages::message_text(n);
   const std::string number = "[" + std::to_string(n) + "]";
   if (text.starts_with(number)) text.erase(0, number.size());
-  return text;
+  set_message_arguments(args);
+  return expand(text);
+}
+
+std::string header_text(ListKind kind) {
+  int n = header_message(kind);
+  return n == 0 ? std::string() : message_label(n);
 }
 
 const char* key_column(ListKind kind) {

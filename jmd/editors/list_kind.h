@@ -17,6 +17,7 @@
 
 #include <span>
 #include <string>
+#include <vector>
 
 namespace px::editors {
 
@@ -34,6 +35,10 @@ int header_message(ListKind kind);
 
 // The header message's text, without the "[n]" number shown messages carry.
 std::string header_text(ListKind kind);
+
+// Message n's text with args as @P1, @P2, ..., without its "[n]" number: a
+// title, label or header rather than a report.
+std::string message_label(int n, const std::vector<std::string>& args = {});
 
 // The line of a row. record is a record of the kind's table (for kJobNames a
 // row of the job table's layout).

@@ -73,7 +73,7 @@ std::optional<RowForm> JmdEditor::paste_form(ListKind kind) {
 }
 
 OkResult JmdEditor::refuse(int message, int focus, std::vector<std::string> args) {
-  op_.show(message, args);
+  op_->show(message, args);
   OkResult result;
   result.message = message;
   result.focus = focus;
@@ -144,7 +144,7 @@ OkResult JmdEditor::ok_task(const RowForm& form, long row) {
   set_text(slot, record, "TaskParms", trimmed(form, 8));
   set_text(slot, record, "Comment", trimmed(form, 10));
   set_modified();
-  return store(*tasks, form, row, record, id, msg::kTaskExists, op_);
+  return store(*tasks, form, row, record, id, msg::kTaskExists, *op_);
 }
 
 OkResult JmdEditor::ok_printer(const RowForm& form, long row) {
@@ -170,7 +170,7 @@ OkResult JmdEditor::ok_printer(const RowForm& form, long row) {
              priority.empty() ? kDefaultPriority : static_cast<int32_t>(parse_long(priority)));
   set_text(slot, record, "Comment", trimmed(form, 16));
   set_modified();
-  return store(*printers, form, row, record, name, msg::kPrinterExists, op_);
+  return store(*printers, form, row, record, name, msg::kPrinterExists, *op_);
 }
 
 OkResult JmdEditor::ok_memory(const RowForm& form, long row) {
@@ -189,7 +189,7 @@ OkResult JmdEditor::ok_memory(const RowForm& form, long row) {
   set_number(slot, record, "Amount", parse_int(trimmed(form, 6)));
   set_text(slot, record, "Comment", trimmed(form, 8));
   set_modified();
-  return store(*memory, form, row, record, id, msg::kMemoryIdExists, op_);
+  return store(*memory, form, row, record, id, msg::kMemoryIdExists, *op_);
 }
 
 OkResult JmdEditor::ok_step(const RowForm& form, long row, const std::vector<long>& steps,
