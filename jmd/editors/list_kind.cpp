@@ -1,6 +1,6 @@
 #include "jmd/editors/list_kind.h"
 
-#include <cinttypes>
+#include <algorithm>
 #include <cstdio>
 #include <string_view>
 
@@ -28,18 +28,11 @@ std::string_view base_name(std::string_view path) {
   return separator == std::string_view::npos ? path : path.substr(separator + 1);
 }
 
-// Formats with printf rules; string_view arguments go through "%.*s" so the
-// widths and cuts are printf's own.
-template <class... Args>
-std::string printed(const char* format, Args... args) {
-  char line[256];
-  int n = std::snprintf(line, sizeof line, format, args...);
-  if (n < 0) return {};
-  return std::string(line, std::min(static_cast<size_t>(n), sizeof line - 1));
+// A field for "%-W.*s": its length cut to the column's width, so that the
+// text needs no terminating NUL and prints exactly as "%-W.Ws" would.
+int cut(std::string_view text, int width) {
+  return static_cast<int>(std::min(text.size(), static_cast<size_t>(width)));
 }
-
-// A field as a NUL-terminated copy, so that "%-9.9s" sees exactly its text.
-std::string c_text(std::string_view text) { return std::string(text); }
 
 }  // namespace
 
@@ -79,27 +72,52 @@ const char* key_column(ListKind kind) {
   }
 }
 
-std::string format_line(ListKind kind, std::span<const char> record) {
+void format_line(ListKind kind, std::span<const char> record, std::string& line) {
   int slot = table_slot(kind);
-  auto text = [&](std::string_view column) { return c_text(text_of(record, slot, column)); };
+  auto text = [&](std::string_view column) { return text_of(record, slot, column); };
+  char buffer[256];
+  int n = 0;
   switch (kind) {
-    case ListKind::kJobNames:
-      return printed("%-51.51s", text("FormName").c_str());
-    case ListKind::kTasks:
-      return printed("%-9.9s %-40.40s", text("TaskId").c_str(), text("TaskName").c_str());
-    case ListKind::kPrinters:
-      return printed("%-9.9s     %-8.8s   %-24.24s", text("PrinterName").c_str(),
-                     text("PrinterId").c_str(), text("PhysicalDev").c_str());
-    case ListKind::kMemory:
-      return printed("%-8.8s   %9ld  %-28.28s", text("PrinterId").c_str(),
-                     static_cast<long>(number_of(record, slot, "Amount")),
-                     text("Comment").c_str());
-    case ListKind::kSteps:
-      return printed("%-9.9s %-20.20s %-9.9s", text("TaskId").c_str(),
-                     c_text(base_name(text_of(record, slot, "MDFName"))).c_str(),
-                     text("PrinterName").c_str());
+    case ListKind::kJobNames: {
+      std::string_view name = text("FormName");
+      n = std::snprintf(buffer, sizeof buffer, "%-51.*s", cut(name, 51), name.data());
+      break;
+    }
+    case ListKind::kTasks: {
+      std::string_view id = text("TaskId"), program = text("TaskName");
+      n = std::snprintf(buffer, sizeof buffer, "%-9.*s %-40.*s", cut(id, 9), id.data(),
+                        cut(program, 40), program.data());
+      break;
+    }
+    case ListKind::kPrinters: {
+      std::string_view name = text("PrinterName"), id = text("PrinterId"),
+                       device = text("PhysicalDev");
+      n = std::snprintf(buffer, sizeof buffer, "%-9.*s     %-8.*s   %-24.*s", cut(name, 9),
+                        name.data(), cut(id, 8), id.data(), cut(device, 24), device.data());
+      break;
+    }
+    case ListKind::kMemory: {
+      std::string_view id = text("PrinterId"), comment = text("Comment");
+      n = std::snprintf(buffer, sizeof buffer, "%-8.*s   %9ld  %-28.*s", cut(id, 8), id.data(),
+                        static_cast<long>(number_of(record, slot, "Amount")), cut(comment, 28),
+                        comment.data());
+      break;
+    }
+    case ListKind::kSteps: {
+      std::string_view task = text("TaskId"), form = base_name(text("MDFName")),
+                       printer = text("PrinterName");
+      n = std::snprintf(buffer, sizeof buffer, "%-9.*s %-20.*s %-9.*s", cut(task, 9), task.data(),
+                        cut(form, 20), form.data(), cut(printer, 9), printer.data());
+      break;
+    }
   }
-  return {};
+  line.assign(buffer, static_cast<size_t>(std::clamp(n, 0, static_cast<int>(sizeof buffer) - 1)));
+}
+
+std::string format_line(ListKind kind, std::span<const char> record) {
+  std::string line;
+  format_line(kind, record, line);
+  return line;
 }
 
 }  // namespace px::editors

@@ -43,6 +43,8 @@ std::string message_label(int n, const std::vector<std::string>& args = {});
 // The line of a row. record is a record of the kind's table (for kJobNames a
 // row of the job table's layout).
 std::string format_line(ListKind kind, std::span<const char> record);
+// The same into line, reusing its storage.
+void format_line(ListKind kind, std::span<const char> record, std::string& line);
 
 // The key column of kinds 0 to 3 (FormName, TaskId, PrinterName, PrinterId);
 // the job name FormName for kSteps.

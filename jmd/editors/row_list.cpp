@@ -27,10 +27,16 @@ bool RowList::reload(engine::Table& table) {
   bool listed = list_rows(table, kind_, job_, rows_);
   if (listed && !filter_.empty()) {
     Record record = blank_record(table);
+    std::string line;
     std::vector<long> kept;
-    for (long row : rows_) {
-      if (!read_row(table, row, record)) continue;
-      if (ifind(format_line(kind_, record), filter_) != std::string::npos) kept.push_back(row);
+    // Rows a little ahead are announced to the table, so that their reads
+    // overlap.
+    constexpr size_t kAhead = 16;
+    for (size_t i = 0; i < rows_.size(); ++i) {
+      if (i + kAhead < rows_.size()) table.prefetch_row(rows_[i + kAhead]);
+      if (!read_row(table, rows_[i], record)) continue;
+      format_line(kind_, record, line);
+      if (ifind(line, filter_) != std::string::npos) kept.push_back(rows_[i]);
     }
     rows_ = std::move(kept);
   }
