@@ -7,7 +7,11 @@
 #include <vector>
 
 #include "cli/cli.h"
+#include "cli/console_operator.h"
 #include "cli/jmd_edit_support.h"
+#include "jmd/editors/editor_messages.h"
+#include "jmd/editors/jmd_file.h"
+#include "jmd/editors/references.h"
 #include "jmd/jmd.h"
 #include "jmd/jmd_writer.h"
 
@@ -39,15 +43,23 @@ int slot_named(const std::string& word) {
   return -1;
 }
 
+// Also warns (1507, 1508) of steps naming a printer or task that is not
+// there; the exit status stays that of the load.
 int jmd_check(const std::vector<std::string>& w) {
   if (w.size() != 2) return usage_error("jmd check", kSynopsis);
-  StderrReporter reporter;
-  std::unique_ptr<jmd::Jmd> jmd = jmd::load_jmd(w[1], reporter);
-  if (!jmd) return kExitFailed;
-  std::printf("jobs %ld printers %ld tasks %ld memory %ld\n", jmd->row_count(jmd::kJobTable),
-              jmd->row_count(jmd::kPrinterTable), jmd->row_count(jmd::kTaskTable),
-              jmd->row_count(jmd::kMemoryTable));
-  return jmd::close_jmd(std::move(jmd)) ? kExitOk : kExitFailed;
+  ConsoleOperator op;
+  editors::JmdFile file(w[1], op);
+  if (!file.load()) return kExitFailed;
+  jmd::Jmd& jmd = *file.editor().service().jmd();
+  std::printf("jobs %ld printers %ld tasks %ld memory %ld\n", jmd.row_count(jmd::kJobTable),
+              jmd.row_count(jmd::kPrinterTable), jmd.row_count(jmd::kTaskTable),
+              jmd.row_count(jmd::kMemoryTable));
+  std::fflush(stdout);
+  for (const editors::MissingReference& missing : editors::missing_references(file.editor())) {
+    op.show(missing.printer ? editors::msg::kMissingPrinter : editors::msg::kMissingTask,
+            {missing.job, std::to_string(missing.step), missing.name});
+  }
+  return kExitOk;
 }
 
 int jmd_save(const std::vector<std::string>& w) {

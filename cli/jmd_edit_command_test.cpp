@@ -28,7 +28,9 @@ class PxctlJmdEditTest : public PxctlFixture {
                       "Msg301=30 device @P1\n"
                       "Msg1500=30 no @P1 in @P2\n"
                       "Msg1502=30 job @P1 exists\n"
-                      "Msg1503=30 no step @P1 of @P2 (@P3 steps)\n");
+                      "Msg1503=30 no step @P1 of @P2 (@P3 steps)\n"
+                      "Msg1507=20 step @P2 of @P1 lacks printer @P3\n"
+                      "Msg1508=20 step @P2 of @P1 lacks task @P3\n");
     jmd_ = dir_.write("jobs.jmd", kJmd);
   }
   // Runs pxctl jmd with the words after FILE.
@@ -120,6 +122,18 @@ TEST_F(PxctlJmdEditTest, StepAndJobEditsKeepTheStepOrder) {
                         "!p LASER2 * LPT2 * 50 *\n"
                         "!x PXMERGE WClass pxmerge.exe * *\n"
                         "!m HP4 4096 \"four k\"\n");
+}
+
+TEST_F(PxctlJmdEditTest, CheckWarnsOfStepsNamingWhatIsNotThere) {
+  ASSERT_EQ(jmd("delete", {"printers", "LASER2"}).status, 0);
+  ASSERT_EQ(jmd("add-step", {"INVOICE", "TaskId=NOTASK", "PrinterName=*"}).status, 0);
+  ProgramResult check = pxctl({"jmd", "check", jmd_});
+  EXPECT_EQ(check.status, 0);
+  EXPECT_EQ(check.out, "jobs 4 printers 1 tasks 1 memory 1\n");
+  EXPECT_EQ(check.err,
+            "[1507]step 1 of CHEQUE lacks printer LASER2\n"
+            "[1507]step 2 of INVOICE lacks printer LASER2\n"
+            "[1508]step 3 of INVOICE lacks task NOTASK\n");
 }
 
 }  // namespace

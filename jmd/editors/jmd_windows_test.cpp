@@ -186,6 +186,19 @@ TEST_F(JmdWindowsTest, AJobOpensItsStepsAndNewStepsGoBeforeTheSelectedOne) {
   EXPECT_TRUE(names.enabled());
 }
 
+TEST_F(JmdWindowsTest, StepsNamingAMissingPrinterAreMarked) {
+  use_jmd(kSmallJmd);
+  tk::Window printers_list = open(ListKind::kPrinters);
+  tk.click_row(printers_list, tk::kJmdList, 1);
+  op.answer_next(0);
+  ASSERT_TRUE(tk.click(printers_list, tk::kJmdDelete));
+  windows().open_job("INVOICE", false);
+  std::vector<std::string> steps = rows(windows().window(ListKind::kSteps));
+  ASSERT_EQ(steps.size(), 3u);
+  EXPECT_FALSE(steps[0].ends_with(" !"));
+  EXPECT_EQ(steps[1], "PXMERGE   inv2.mdf             LASER2    !");
+}
+
 TEST_F(JmdWindowsTest, DeletingAsksFirst) {
   use_jmd(kSmallJmd);
   tk::Window names = open(ListKind::kJobNames);

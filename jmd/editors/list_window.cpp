@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "jmd/editors/editor_messages.h"
+#include "jmd/editors/references.h"
 #include "jmd/editors/row_dialog.h"
 #include "jmd/jmd_schema.h"
 #include "toolkit/resources/resource_ids.h"
@@ -16,6 +17,8 @@ constexpr size_t kDeleteAnswer = 0;
 // Pixels between a drawn line's baseline and the control below it.
 constexpr int kAboveControl = 4;
 constexpr int kLineHeight = 20;
+// After the line of a step that names a printer or task that is not there.
+constexpr const char* kMissingMark = " !";
 
 }  // namespace
 
@@ -45,7 +48,14 @@ void ListWindow::fill() {
   lines.clear_rows();
   engine::Table* rows = table();
   if (rows != nullptr) {
-    for (const std::string& line : list_.page_lines(*rows)) lines.add(line);
+    std::vector<std::string> page = list_.page_lines(*rows);
+    Record step = blank_record(jmd::kJobTable);
+    for (size_t i = 0; i < page.size(); ++i) {
+      // A step naming a printer or task that is not there is marked.
+      bool marked = kind() == ListKind::kSteps && read_row(*rows, list_.page()[i], step) &&
+                    names_missing_row(owner_.editor(), step);
+      lines.add(marked ? page[i] + kMissingMark : page[i]);
+    }
   }
   if (list_.trailing_empty_row()) lines.add("");
   lines.resume();
@@ -120,8 +130,12 @@ void ListWindow::edit_selected() {
   // The edited line is replaced where it stands, its selection kept.
   Record record = blank_record(table_slot(kind()));
   engine::Table* rows = table();
-  if (rows == nullptr || !read_row(*rows, row, record) ||
-      !window_.control(tk::kJmdList).set_row(lines.front(), format_line(kind(), record))) {
+  std::string line;
+  if (rows != nullptr && read_row(*rows, row, record)) {
+    line = format_line(kind(), record);
+    if (kind() == ListKind::kSteps && names_missing_row(editor, record)) line += kMissingMark;
+  }
+  if (line.empty() || !window_.control(tk::kJmdList).set_row(lines.front(), line)) {
     editor.op().show(msg::kLineNotReplaced);
   }
 }
