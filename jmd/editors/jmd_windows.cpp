@@ -113,6 +113,12 @@ void JmdWindows::close_all() {
   }
   for (std::unique_ptr<ListWindow>& open : windows_) open.reset();
   closing_ = false;
+  // No JMD window: the Edit menu is as for an empty selection.
+  if (tk_ != nullptr) {
+    for (int item : {tk::kCmdCut, tk::kCmdCopy, tk::kCmdPaste, tk::kCmdDelete}) {
+      tk_->task_window().set_menu_enabled(item, false);
+    }
+  }
 }
 
 JmdWindows& jmd_windows() {

@@ -101,8 +101,21 @@ TEST_F(JmdWindowsTest, AThousandRowsShowNoPagingAndOneMoreShowsThePagingButtons)
   EXPECT_EQ(rows(list), std::vector<std::string>{"P01000        *          LPT1                    "});
   EXPECT_TRUE(list.control(tk::kJmdPrevious).enabled());
   EXPECT_FALSE(list.control(tk::kJmdNext).enabled());
+  EXPECT_EQ(list.control(tk::kJmdCount).text(), "1,001-1,001 of 1,001");
   ASSERT_TRUE(tk.click(list, tk::kJmdPrevious));
   EXPECT_EQ(list.control(tk::kJmdList).count(), 1000);
+}
+
+TEST_F(JmdWindowsTest, TheFilterNarrowsTheWholeTable) {
+  use_jmd(printers(2500));
+  tk::Window list = open(ListKind::kPrinters);
+  EXPECT_EQ(list.control(tk::kJmdCount).text(), "1-1,000 of 2,500");
+  ASSERT_TRUE(tk.type(list, tk::kJmdFilter, "p02"));
+  EXPECT_EQ(list.control(tk::kJmdCount).text(), "1-500 of 500");
+  EXPECT_EQ(rows(list).front().substr(0, 6), "P02000");
+  EXPECT_FALSE(list.control(tk::kJmdNext).visible());
+  ASSERT_TRUE(tk.replace_text(list, tk::kJmdFilter, "nothing"));
+  EXPECT_EQ(list.control(tk::kJmdCount).text(), "0 of 0");
 }
 
 TEST_F(JmdWindowsTest, TheNewPrinterDialogCutsBeepsAndRefusesADeviceName) {

@@ -20,7 +20,19 @@ constexpr int kLineHeight = 20;
 // After the line of a step that names a printer or task that is not there.
 constexpr const char* kMissingMark = " !";
 
+// 12345 as "12,345".
+std::string grouped(long number) {
+  std::string digits = std::to_string(number);
+  for (int at = static_cast<int>(digits.size()) - 3; at > 0; at -= 3) digits.insert(at, ",");
+  return digits;
+}
+
 }  // namespace
+
+std::string count_text(long first, long shown, long total) {
+  if (shown <= 0) return "0 of " + grouped(total);
+  return grouped(first + 1) + "-" + grouped(first + shown) + " of " + grouped(total);
+}
 
 ListWindow::ListWindow(JmdWindows& owner, ListKind kind, std::string job, bool new_job)
     : owner_(owner), list_(kind, std::move(job)), new_job_(new_job) {}
@@ -63,7 +75,10 @@ void ListWindow::fill() {
   window_.control(tk::kJmdNext).set_visible(list_.paged());
   window_.control(tk::kJmdPrevious).set_enabled(list_.has_previous());
   window_.control(tk::kJmdNext).set_enabled(list_.has_next());
-  if (kind() == ListKind::kSteps) {
+  if (kind() != ListKind::kSteps) {
+    window_.control(tk::kJmdCount).set_text(count_text(list_.page_first(), list_.shown(),
+                                                      list_.total()));
+  } else {
     window_.control(tk::kJobStepUp).set_enabled(list_.total() >= 2);
     window_.control(tk::kJobStepDown).set_enabled(list_.total() >= 2);
   }
@@ -274,6 +289,12 @@ void ListWindow::handle(const tk::Event& e) {
       }
       break;
     case tk::EventType::kControl:
+      if (e.control == tk::kJmdFilter && e.notice == tk::Notice::kChanged) {
+        list_.set_filter(window_.control(tk::kJmdFilter).text());
+        list_.show_from(0);
+        refill();
+        break;
+      }
       if (e.control == tk::kJmdList) {
         if (e.double_click()) {
           edit_selected();

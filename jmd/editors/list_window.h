@@ -10,6 +10,9 @@
 
 namespace px::editors {
 
+// The row count under a list: "1001-2000 of 12,345", "0 of 0".
+std::string count_text(long first, long shown, long total);
+
 class ListWindow {
  public:
   ListWindow(JmdWindows& owner, ListKind kind, std::string job = {}, bool new_job = false);

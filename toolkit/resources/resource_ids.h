@@ -103,6 +103,9 @@ inline constexpr int kJmdNext = 7;
 inline constexpr int kJobStepUp = 8;
 inline constexpr int kJobStepDown = 9;
 inline constexpr int kJobNameField = 10;
+// The list window's filter (the rows holding its text) and row count.
+inline constexpr int kJmdFilter = 11;
+inline constexpr int kJmdCount = 12;
 
 // Select Instance of Nexa (102).
 inline constexpr int kSelectInstanceList = 3;
