@@ -71,6 +71,11 @@ bool dispatch_command(Console& console, const tk::Event& event) {
       editors::jmd_windows().attach(console.toolkit(), console.op());
       editors::jmd_windows().open_list(jmd_list_kind(event.command));
       return true;
+    case tk::kCmdUndo:
+    case tk::kCmdRedo:
+      editors::jmd_windows().attach(console.toolkit(), console.op());
+      editors::jmd_windows().undo_command(event.command);
+      return true;
     case tk::kCmdCut:
     case tk::kCmdCopy:
     case tk::kCmdPaste:

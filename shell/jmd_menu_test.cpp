@@ -29,6 +29,25 @@ TEST_F(JmdMenuTest, TheSubmenuOpensOneListWindowPerTable) {
   EXPECT_FALSE(editors::jmd_windows().edit_command(tk::kCmdCut));
 }
 
+TEST_F(JmdMenuTest, UndoAndRedoTakeBackADeleteInTheOpenList) {
+  ASSERT_TRUE(tk.choose_menu(task(), tk::kCmdPrinters));
+  tk::Window printers = editors::jmd_windows().window(editors::ListKind::kPrinters);
+  int rows = printers.control(tk::kJmdList).count();
+  tk.activate(printers);
+  tk.click_row(printers, tk::kJmdList, 0);
+  tk.answer_ask(tk::Answer::kFirst, "[290]");
+  ASSERT_TRUE(tk.press_accelerator(task(), "Del"));
+  EXPECT_EQ(printers.control(tk::kJmdList).count(), rows - 1);
+  ASSERT_TRUE(tk.press_accelerator(task(), "Ctrl+Z"));
+  EXPECT_EQ(printers.control(tk::kJmdList).count(), rows);
+  ASSERT_TRUE(tk.press_accelerator(task(), "Ctrl+Y"));
+  EXPECT_EQ(printers.control(tk::kJmdList).count(), rows - 1);
+  ASSERT_TRUE(tk.choose_menu(task(), tk::kCmdSave));
+  tk.expect_note("[1509]");
+  ASSERT_TRUE(tk.choose_menu(task(), tk::kCmdUndo));
+  EXPECT_EQ(printers.control(tk::kJmdList).count(), rows - 1);
+}
+
 TEST_F(JmdMenuTest, ExitAsksAboutTheEditsAndClosesTheWindows) {
   ASSERT_TRUE(tk.choose_menu(task(), tk::kCmdManagedMemory));
   tk::Window memory = editors::jmd_windows().window(editors::ListKind::kMemory);

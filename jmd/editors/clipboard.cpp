@@ -17,6 +17,7 @@ bool holds_steps(std::optional<ListKind> kind) {
 bool JmdEditor::copy(ListKind kind, const std::vector<long>& rows, bool cut) {
   engine::Table* listed = table(kind);
   if (listed == nullptr || rows.empty()) return false;
+  Act act(*this);
   // Whatever the clipboard held goes: a copy replaces it.
   service_.empty_clipboard();
   clipboard_kind_.reset();
@@ -81,11 +82,12 @@ int JmdEditor::paste_job(std::string_view typed, std::string& name) {
   int refused = check_new_job_name(typed, name);
   if (refused != 0) return refused;
   engine::Table* jobs = table(ListKind::kSteps);
+  Act act(*this);
   if (jobs == nullptr || add_job_name(name) == 0) return msg::kInternalError;
   set_modified();
   for (Record& step : clipboard_steps()) {
     set_text(jmd::kJobTable, step, "FormName", name);
-    if (add_record(*jobs, step) == 0) {
+    if (add(*jobs, step) == 0) {
       internal_error("pxjmdedt", __LINE__);
       return msg::kInternalError;
     }
@@ -101,6 +103,7 @@ std::vector<long> JmdEditor::paste_steps(const std::string& job, const std::vect
     return {};
   }
   for (Record& record : records) set_text(jmd::kJobTable, record, "FormName", job);
+  Act act(*this);
   std::vector<long> placed = insert_steps(steps, before, records);
   if (placed.empty()) internal_error("pxjmdedt", __LINE__);
   return placed;

@@ -25,6 +25,7 @@
 
 #include "config/jmd_service.h"
 #include "config/operator.h"
+#include "jmd/editors/edit_journal.h"
 #include "jmd/editors/list_kind.h"
 #include "jmd/editors/record.h"
 #include "jmd/editors/row_form.h"
@@ -126,7 +127,16 @@ class JmdEditor {
   void set_modified() { service_.set_modified(true); }
   bool modified() { return service_.modified(); }
 
+  // Undo and redo of the acts above since the JMD was last saved (or
+  // opened). False when there is nothing to take back or do again.
+  bool can_undo();
+  bool can_redo();
+  bool undo();
+  bool redo();
+
  private:
+  OkResult store(engine::Table& table, const RowForm& form, long row, const Record& record,
+                 const std::string& key, int duplicate_message);
   OkResult ok_task(const RowForm& form, long row);
   OkResult ok_printer(const RowForm& form, long row);
   OkResult ok_memory(const RowForm& form, long row);
@@ -134,8 +144,32 @@ class JmdEditor {
   bool delete_job(engine::Table& jobs, const std::string& name);
   void internal_error(const char* module, int line);
 
+  // One operator's act: what it changes is one step of undo.
+  class Act {
+   public:
+    explicit Act(JmdEditor& editor);
+    ~Act();
+    Act(const Act&) = delete;
+    Act& operator=(const Act&) = delete;
+
+   private:
+    JmdEditor& editor_;
+  };
+  // The journal, emptied first when the JMD was saved or closed since it
+  // was written to.
+  EditJournal& journal();
+  // Row changes, through the journal.
+  long add(engine::Table& table, const Record& record) { return journal_.add(table, record); }
+  bool update(engine::Table& table, long row, const Record& record) {
+    return journal_.update(table, row, record);
+  }
+  bool remove(engine::Table& table, long row, int column) {
+    return journal_.remove(table, row, column);
+  }
+
   JmdService& service_;
   Operator* op_;
+  EditJournal journal_;
   std::optional<ListKind> clipboard_kind_;
   Record buffer_;  // the one-row buffer of kinds 1 to 3
 };

@@ -4,6 +4,7 @@
 
 #include "jmd/editors/editor_messages.h"
 #include "jmd/editors/editor_test_support.h"
+#include "jmd/jmd_writer.h"
 
 namespace px::editors {
 namespace {
@@ -265,6 +266,63 @@ TEST(Saving, ASaveAReloadAndASecondSaveGiveTheSameBytes) {
   EditorFixture again(first);
   ASSERT_TRUE(again.loaded());
   EXPECT_EQ(again.saved(), first);
+}
+
+}  // namespace
+}  // namespace px::editors
+
+namespace px::editors {
+namespace {
+
+// The tables' rows in save order, without writing the file.
+std::string rows_now(JmdEditor& editor) {
+  jmd::Jmd* database = editor.service().jmd();
+  std::string text;
+  for (int slot = 0; slot < jmd::kTableCount; ++slot) {
+    jmd::for_each_sorted(*database, slot, [&](std::span<const char> record) {
+      text += jmd::record_line(jmd::table_schema(slot), record);
+      return true;
+    });
+  }
+  return text;
+}
+
+TEST(Undo, EveryActIsTakenBackAndDoneAgainDownToTheLastSave) {
+  EditorFixture jmd;
+  JmdEditor& editor = jmd.editor();
+  EXPECT_FALSE(editor.can_undo());
+  std::vector<std::string> states{rows_now(editor)};
+  ASSERT_TRUE(editor.ok(typed_form(editor, ListKind::kPrinters, {{4, "NEW"}})).accepted());
+  states.push_back(rows_now(editor));
+  ASSERT_TRUE(editor.copy(ListKind::kJobNames, {editor.find_row(ListKind::kJobNames, "INVOICE")},
+                          true));
+  states.push_back(rows_now(editor));
+  std::string name;
+  ASSERT_EQ(editor.paste_job("COPY", name), 0);
+  states.push_back(rows_now(editor));
+  ASSERT_TRUE(editor.move_steps(editor.job_steps("COPY"), 0, 0, false));
+  states.push_back(rows_now(editor));
+  // A refused edit is no act.
+  EXPECT_FALSE(editor.ok(typed_form(editor, ListKind::kPrinters, {{4, "NEW"}})).accepted());
+
+  for (size_t k = states.size() - 1; k > 0; --k) {
+    ASSERT_TRUE(editor.undo()) << k;
+    EXPECT_EQ(rows_now(editor), states[k - 1]) << k;
+  }
+  EXPECT_FALSE(editor.undo());
+  for (size_t k = 1; k < states.size(); ++k) {
+    ASSERT_TRUE(editor.redo()) << k;
+    EXPECT_EQ(rows_now(editor), states[k]) << k;
+  }
+  EXPECT_FALSE(editor.redo());
+  // A new act after an undo drops what could have been done again.
+  ASSERT_TRUE(editor.undo());
+  ASSERT_EQ(editor.delete_rows(ListKind::kTasks, {editor.find_row(ListKind::kTasks, "PXMERGE")}),
+            1);
+  EXPECT_FALSE(editor.can_redo());
+  // A save ends the history.
+  jmd.saved();
+  EXPECT_FALSE(editor.can_undo());
 }
 
 }  // namespace

@@ -97,6 +97,15 @@ bool JmdWindows::edit_command(int command) {
   return true;
 }
 
+void JmdWindows::undo_command(int command) {
+  bool done = command == tk::kCmdUndo ? editor_.undo() : editor_.redo();
+  if (!done) {
+    editor_.op().show(msg::kNothingToUndo);
+    return;
+  }
+  for (size_t k = 0; k < windows_.size(); ++k) refresh(static_cast<ListKind>(k));
+}
+
 void JmdWindows::update_edit_menu(bool one_selected, bool any_selected, ListKind kind) {
   if (tk_ == nullptr) return;
   tk::Window task = tk_->task_window();

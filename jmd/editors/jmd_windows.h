@@ -41,6 +41,11 @@ class JmdWindows {
   // top-level window; false, with nothing done, when that is no JMD window.
   bool edit_command(int command);
 
+  // Undo (1500) or Redo (1501) of the unsaved edits, whichever window has
+  // the focus; the open lists show the result. Message 1509 when there is
+  // nothing to undo or redo.
+  void undo_command(int command);
+
   // Closes every JMD window (the JMD itself was closed).
   void close_all();
 

@@ -73,7 +73,8 @@ long JmdEditor::add_job_name(const std::string& name) {
   Record record = blank_record(jmd::kJobTable);
   set_char(jmd::kJobTable, record, "Deleted", jmd::kNotDeleted);
   set_text(jmd::kJobTable, record, "FormName", name);
-  return add_record(*names, record);
+  Act act(*this);
+  return add(*names, record);
 }
 
 bool JmdEditor::delete_job(engine::Table& jobs, const std::string& name) {
@@ -81,7 +82,7 @@ bool JmdEditor::delete_job(engine::Table& jobs, const std::string& name) {
   if (!list_rows(jobs, ListKind::kSteps, name, steps)) return false;
   int column = jobs.find_column(key_column(ListKind::kSteps));
   for (long step : steps) {
-    if (!jobs.delete_index_row(step, column)) return false;
+    if (!remove(jobs, step, column)) return false;
   }
   return true;
 }
@@ -91,6 +92,7 @@ long JmdEditor::delete_rows(ListKind kind, const std::vector<long>& rows) {
   if (listed == nullptr) return 0;
   engine::Table* jobs = kind == ListKind::kJobNames ? table(ListKind::kSteps) : nullptr;
   if (kind == ListKind::kJobNames && jobs == nullptr) return 0;
+  Act act(*this);
   set_modified();
   int column = listed->find_column(key_column(kind));
   Record record = blank_record(*listed);
@@ -100,7 +102,7 @@ long JmdEditor::delete_rows(ListKind kind, const std::vector<long>& rows) {
       if (!read_row(*listed, row, record)) break;
       if (!delete_job(*jobs, get_text(jmd::kJobTable, record, "FormName"))) break;
     }
-    if (!listed->delete_index_row(row, column)) break;
+    if (!remove(*listed, row, column)) break;
     ++deleted;
   }
   return deleted;
@@ -111,11 +113,12 @@ bool JmdEditor::move_steps(const std::vector<long>& page, size_t first, size_t l
   if (up ? first == 0 : last + 1 == page.size()) return false;
   engine::Table* jobs = table(ListKind::kSteps);
   if (jobs == nullptr) return false;
+  Act act(*this);
   Record a = blank_record(*jobs);
   Record b = blank_record(*jobs);
   auto swap_rows = [&](long x, long y) {
-    return read_row(*jobs, x, a) && read_row(*jobs, y, b) && update_record(*jobs, x, b) &&
-           update_record(*jobs, y, a);
+    return read_row(*jobs, x, a) && read_row(*jobs, y, b) && update(*jobs, x, b) &&
+           update(*jobs, y, a);
   };
   set_modified();
   if (up) {
@@ -145,18 +148,49 @@ std::vector<long> JmdEditor::insert_steps(const std::vector<long>& steps, size_t
     if (!read_row(*jobs, steps[k], record)) return {};
     contents.push_back(std::move(record));
   }
+  Act act(*this);
   set_modified();
   for (size_t k = 0; k < records.size(); ++k) {
     // A new row starts as a copy of the content it will end with when it
     // is past every moved step; otherwise it is overwritten below.
-    long row = add_record(*jobs, contents[targets.size()]);
+    long row = add(*jobs, contents[targets.size()]);
     if (row == 0) return {};
     targets.push_back(row);
   }
   for (size_t k = 0; k < contents.size(); ++k) {
-    if (!update_record(*jobs, targets[k], contents[k])) return {};
+    if (!update(*jobs, targets[k], contents[k])) return {};
   }
   return std::vector<long>(targets.begin(), targets.begin() + static_cast<long>(records.size()));
+}
+
+}  // namespace px::editors
+
+namespace px::editors {
+
+JmdEditor::Act::Act(JmdEditor& editor) : editor_(editor) { editor_.journal().begin(); }
+
+JmdEditor::Act::~Act() { editor_.journal_.end(); }
+
+EditJournal& JmdEditor::journal() {
+  // Nothing unsaved, nothing to take back: the tables the journal names may
+  // be gone.
+  if (!journal_.act_open() && !service_.modified()) journal_.clear();
+  return journal_;
+}
+
+bool JmdEditor::can_undo() { return journal().can_undo(); }
+bool JmdEditor::can_redo() { return journal().can_redo(); }
+
+bool JmdEditor::undo() {
+  if (!journal().undo()) return false;
+  set_modified();
+  return true;
+}
+
+bool JmdEditor::redo() {
+  if (!journal().redo()) return false;
+  set_modified();
+  return true;
 }
 
 }  // namespace px::editors

@@ -81,6 +81,7 @@ OkResult JmdEditor::refuse(int message, int focus, std::vector<std::string> args
 }
 
 OkResult JmdEditor::ok(const RowForm& form, long row) {
+  Act act(*this);
   switch (form.kind()) {
     case ListKind::kTasks: return ok_task(form, row);
     case ListKind::kPrinters: return ok_printer(form, row);
@@ -93,29 +94,15 @@ OkResult JmdEditor::ok(const RowForm& form, long row) {
 
 // Stores record as a new row, or over row in Edit mode; a refused unique key
 // gives duplicate_message.
-namespace {
-
-OkResult store(engine::Table& table, const RowForm& form, long row, const Record& record,
-               std::string key, int duplicate_message, Operator& op) {
+OkResult JmdEditor::store(engine::Table& table, const RowForm& form, long row,
+                          const Record& record, const std::string& key, int duplicate_message) {
   OkResult result;
   result.key = key;
-  if (form.mode() == FormMode::kEdit) {
-    if (!update_record(table, row, record)) {
-      op.show(duplicate_message, {key});
-      return OkResult{duplicate_message, 4, 0, key};
-    }
-    result.row = row;
-  } else {
-    result.row = add_record(table, record);
-    if (result.row == 0) {
-      op.show(duplicate_message, {key});
-      return OkResult{duplicate_message, 4, 0, key};
-    }
-  }
+  result.row = form.mode() == FormMode::kEdit ? (update(table, row, record) ? row : 0)
+                                              : add(table, record);
+  if (result.row == 0) return refuse(duplicate_message, 4, {key});
   return result;
 }
-
-}  // namespace
 
 OkResult JmdEditor::ok_task(const RowForm& form, long row) {
   constexpr int slot = jmd::kTaskTable;
@@ -144,7 +131,7 @@ OkResult JmdEditor::ok_task(const RowForm& form, long row) {
   set_text(slot, record, "TaskParms", trimmed(form, 8));
   set_text(slot, record, "Comment", trimmed(form, 10));
   set_modified();
-  return store(*tasks, form, row, record, id, msg::kTaskExists, *op_);
+  return store(*tasks, form, row, record, id, msg::kTaskExists);
 }
 
 OkResult JmdEditor::ok_printer(const RowForm& form, long row) {
@@ -170,7 +157,7 @@ OkResult JmdEditor::ok_printer(const RowForm& form, long row) {
              priority.empty() ? kDefaultPriority : static_cast<int32_t>(parse_long(priority)));
   set_text(slot, record, "Comment", trimmed(form, 16));
   set_modified();
-  return store(*printers, form, row, record, name, msg::kPrinterExists, *op_);
+  return store(*printers, form, row, record, name, msg::kPrinterExists);
 }
 
 OkResult JmdEditor::ok_memory(const RowForm& form, long row) {
@@ -189,11 +176,12 @@ OkResult JmdEditor::ok_memory(const RowForm& form, long row) {
   set_number(slot, record, "Amount", parse_int(trimmed(form, 6)));
   set_text(slot, record, "Comment", trimmed(form, 8));
   set_modified();
-  return store(*memory, form, row, record, id, msg::kMemoryIdExists, *op_);
+  return store(*memory, form, row, record, id, msg::kMemoryIdExists);
 }
 
 OkResult JmdEditor::ok_step(const RowForm& form, long row, const std::vector<long>& steps,
                             std::optional<size_t> before) {
+  Act act(*this);
   constexpr int slot = jmd::kJobTable;
   set_modified();
   const std::string& job = form.text(4);
@@ -219,12 +207,12 @@ OkResult JmdEditor::ok_step(const RowForm& form, long row, const std::vector<lon
   engine::Table* jobs = table(ListKind::kSteps);
   if (jobs == nullptr) return OkResult{msg::kInternalError, 0, 0, job};
   if (form.mode() == FormMode::kEdit) {
-    if (update_record(*jobs, row, record)) {
+    if (update(*jobs, row, record)) {
       result.row = row;
       return result;
     }
   } else if (!before || *before >= steps.size()) {
-    result.row = add_record(*jobs, record);
+    result.row = add(*jobs, record);
     if (result.row != 0) return result;
   } else {
     std::vector<long> placed = insert_steps(steps, *before, {record});
