@@ -1,10 +1,17 @@
-// pxctl jmd check|save|list: loads a JMD file into the console's tables, as
-// the console opens one, and reports, rewrites or lists it.
+// pxctl jmd: loads a JMD file into the console's tables, as the console opens
+// one, and reports, rewrites or lists it, or edits it with the rules of the
+// console's JMD editors (the editing commands live in cli/jmd_*_commands.cpp
+// and cli/jmd_show_command.cpp).
 #include <cstdio>
 #include <string>
 #include <vector>
 
 #include "cli/cli.h"
+#include "cli/console_operator.h"
+#include "cli/jmd_edit_support.h"
+#include "jmd/editors/editor_messages.h"
+#include "jmd/editors/jmd_file.h"
+#include "jmd/editors/references.h"
 #include "jmd/jmd.h"
 #include "jmd/jmd_writer.h"
 
@@ -15,8 +22,7 @@ namespace {
 // The JMD could not be written to @P1.
 constexpr int kMsgJmdWriteFailed = 910;
 
-const char* const kSynopsis =
-    "pxctl jmd check FILE | save IN OUT | list FILE jobs|printers|tasks|memory";
+const char* const kSynopsis = kJmdSynopsis;
 
 // Messages go to stderr as the console would show them; trace texts only to
 // the log.
@@ -37,15 +43,23 @@ int slot_named(const std::string& word) {
   return -1;
 }
 
+// Also warns (1507, 1508) of steps naming a printer or task that is not
+// there; the exit status stays that of the load.
 int jmd_check(const std::vector<std::string>& w) {
   if (w.size() != 2) return usage_error("jmd check", kSynopsis);
-  StderrReporter reporter;
-  std::unique_ptr<jmd::Jmd> jmd = jmd::load_jmd(w[1], reporter);
-  if (!jmd) return kExitFailed;
-  std::printf("jobs %ld printers %ld tasks %ld memory %ld\n", jmd->row_count(jmd::kJobTable),
-              jmd->row_count(jmd::kPrinterTable), jmd->row_count(jmd::kTaskTable),
-              jmd->row_count(jmd::kMemoryTable));
-  return jmd::close_jmd(std::move(jmd)) ? kExitOk : kExitFailed;
+  ConsoleOperator op;
+  editors::JmdFile file(w[1], op);
+  if (!file.load()) return kExitFailed;
+  jmd::Jmd& jmd = *file.editor().service().jmd();
+  std::printf("jobs %ld printers %ld tasks %ld memory %ld\n", jmd.row_count(jmd::kJobTable),
+              jmd.row_count(jmd::kPrinterTable), jmd.row_count(jmd::kTaskTable),
+              jmd.row_count(jmd::kMemoryTable));
+  std::fflush(stdout);
+  for (const editors::MissingReference& missing : editors::missing_references(file.editor())) {
+    op.show(missing.printer ? editors::msg::kMissingPrinter : editors::msg::kMissingTask,
+            {missing.job, std::to_string(missing.step), missing.name});
+  }
+  return kExitOk;
 }
 
 int jmd_save(const std::vector<std::string>& w) {
@@ -92,6 +106,16 @@ int run_jmd(const Invocation& call) {
   if (action == "check") return jmd_check(w);
   if (action == "save") return jmd_save(w);
   if (action == "list") return jmd_list(w);
+  if (action == "show") return jmd_show(w);
+  if (action == "add") return jmd_add(w);
+  if (action == "edit") return jmd_edit(w);
+  if (action == "delete") return jmd_delete(w);
+  if (action == "new-job") return jmd_new_job(w);
+  if (action == "copy-job") return jmd_copy_job(w);
+  if (action == "add-step") return jmd_add_step(w);
+  if (action == "edit-step") return jmd_edit_step(w);
+  if (action == "delete-step") return jmd_delete_step(w);
+  if (action == "move-step") return jmd_move_step(w);
   return usage_error("jmd", kSynopsis);
 }
 

@@ -147,6 +147,12 @@ jmd::Jmd* JmdService::open(Operator& op) {
   return jmd_.get();
 }
 
+void JmdService::adopt(std::unique_ptr<jmd::Jmd> jmd) {
+  close();
+  jmd_ = std::move(jmd);
+  if (jmd_) take_for_current_instance();
+}
+
 bool JmdService::is_open() { return jmd() != nullptr; }
 
 jmd::Jmd* JmdService::jmd() {

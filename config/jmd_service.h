@@ -58,6 +58,10 @@ class JmdService {
   // The open JMD, loaded on first use; nullptr after showing why (144, 167,
   // or the load's own messages and then 179).
   jmd::Jmd* open(Operator& op);
+  // Takes a JMD loaded from a file of the caller's choice (pxctl's JMD file
+  // commands) in place of the instance's: what was held is closed first.
+  // save() still writes the instance's file; the caller saves this one.
+  void adopt(std::unique_ptr<jmd::Jmd> jmd);
   // Whether a JMD is open; jmd() is it (nullptr when none), without opening.
   bool is_open();
   jmd::Jmd* jmd();

@@ -2,6 +2,7 @@
 
 #include "control/agents.h"
 #include "control/control_commands.h"
+#include "jmd/editors/jmd_windows.h"
 #include "shell/about_dialog.h"
 #include "shell/documentation.h"
 #include "shell/may_end.h"
@@ -37,6 +38,16 @@ views::ViewHost view_host(Console& console) {
             console.help().associate(w, 0, topic, HelpKind::kWindow);
           },
           [&console](tk::WindowId w) { console.help().forget(w); }};
+}
+
+// The JMD list a File > Job Management Database item opens.
+editors::ListKind jmd_list_kind(int command) {
+  switch (command) {
+    case tk::kCmdTasks: return editors::ListKind::kTasks;
+    case tk::kCmdPrinters: return editors::ListKind::kPrinters;
+    case tk::kCmdManagedMemory: return editors::ListKind::kMemory;
+    default: return editors::ListKind::kJobNames;
+  }
 }
 
 }  // namespace
@@ -82,6 +93,25 @@ bool dispatch_command(Console& console, const tk::Event& event) {
       return true;
     case tk::kCmdEmailQueue:
       views::open_email_queue(view_host(console));
+      return true;
+    case tk::kCmdJobs:
+    case tk::kCmdTasks:
+    case tk::kCmdPrinters:
+    case tk::kCmdManagedMemory:
+      editors::jmd_windows().attach(console.toolkit(), console.op());
+      editors::jmd_windows().open_list(jmd_list_kind(event.command));
+      return true;
+    case tk::kCmdUndo:
+    case tk::kCmdRedo:
+      editors::jmd_windows().attach(console.toolkit(), console.op());
+      editors::jmd_windows().undo_command(event.command);
+      return true;
+    case tk::kCmdCut:
+    case tk::kCmdCopy:
+    case tk::kCmdPaste:
+    case tk::kCmdDelete:
+      editors::jmd_windows().attach(console.toolkit(), console.op());
+      editors::jmd_windows().edit_command(event.command);
       return true;
     default:
       return false;

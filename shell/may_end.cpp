@@ -1,6 +1,7 @@
 #include "shell/may_end.h"
 
 #include "config/jmd_service.h"
+#include "jmd/editors/jmd_windows.h"
 #include "shell/shell_messages.h"
 
 namespace px::shell {
@@ -20,6 +21,7 @@ bool may_program_end(Console& console) {
     if (answer == kSave && !service.save(console.op())) return false;
   }
   service.close();
+  editors::jmd_windows().close_all();
   return true;
 }
 

@@ -10,7 +10,7 @@ namespace px::shell {
 // (drop the edits) and 140 (cancel). Cancel, or a save that fails (its
 // message was shown and the edits are kept), answers no. Otherwise, and
 // after saving or dropping, the JMD is unloaded with its modified mark
-// cleared, and the answer is yes.
+// cleared, its editor windows are closed, and the answer is yes.
 bool may_program_end(Console& console);
 
 // Saves the open JMD (nothing to do when none is open).

@@ -52,7 +52,8 @@ TEST(CatalogTest, EmailBarIsTheBaseBarWithTheFiveAgentItems) {
                          kCmdCopy,           kCmdPaste,         kCmdDelete,         kCmdStatusQueue,
                          kCmdServerLog,      kCmdServerRejects, kCmdReloadPrinter,  kCmdReloadJmd,
                          kCmdStartServer,    kCmdPauseServer,   kCmdResumeServer,   kCmdShutDownServer,
-                         kCmdConfigure,      kCmdViewDocumentation, kCmdAbout};
+                         kCmdConfigure,      kCmdViewDocumentation, kCmdAbout,
+                         kCmdUndo,           kCmdRedo};
   EXPECT_EQ(command_ids(*base), expected);
   expected.insert({kCmdEmailLog, kCmdEmailQueue, kCmdEmailRejects, kCmdStartEmail, kCmdShutDownEmail});
   EXPECT_EQ(command_ids(*email), expected);

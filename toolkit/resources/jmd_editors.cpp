@@ -19,13 +19,18 @@ using K = ControlKind;
 
 // "Previous" and "Next" are shown only when a table has more rows than a
 // page holds.
+// Under the paging buttons, a filter narrows the list to the rows holding its
+// text; below the list, which rows of how many are shown.
 constexpr ControlDef kJmdListControls[] = {
-    {kJmdList, K::kListBox, "", {7, 18, 282, 205}, kFixedFont},
+    {kJmdList, K::kListBox, "", {7, 18, 282, 193}, kFixedFont},
+    {kJmdCount, K::kStatic, "", {7, 213, 282, 10}},
     {kJmdEdit, K::kButton, "&Edit ...", {296, 18, 57, 14}},
     {kJmdNew, K::kButton, "&New ...", {296, 36, 57, 14}},
     {kJmdDelete, K::kButton, "&Delete", {296, 54, 57, 14}},
     {kJmdPrevious, K::kButton, "&Previous", {296, 78, 57, 14}, kHidden},
     {kJmdNext, K::kButton, "Ne&xt", {296, 96, 57, 14}, kHidden},
+    {kNoId, K::kStatic, "&Filter:", {296, 120, 57, 8}},
+    {kJmdFilter, K::kEdit, "", {296, 130, 57, 12}},
     {kJmdClose, K::kButton, "&Close", {296, 209, 57, 14}},
 };
 constexpr WindowDef kJmdListDef{kJmdListWindow, WindowKind::kDocument, "Job Management Database",

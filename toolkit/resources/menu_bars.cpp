@@ -25,6 +25,9 @@ constexpr MenuItemDef kFileItems[] = {
 };
 
 constexpr MenuItemDef kEditItems[] = {
+    command(kCmdUndo, "&Undo", "Ctrl+Z"),
+    command(kCmdRedo, "&Redo", "Ctrl+Y"),
+    separator(),
     command(kCmdCut, "Cu&t", "Ctrl+X"),
     command(kCmdCopy, "&Copy", "Ctrl+C"),
     command(kCmdPaste, "&Paste", "Ctrl+V"),

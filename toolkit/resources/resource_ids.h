@@ -75,6 +75,10 @@ inline constexpr int kCmdKnowledgeBase = 1040;  // on no menu bar
 inline constexpr int kCmdDelete = 1043;
 inline constexpr int kCmdSave = 1047;
 inline constexpr int kCmdEmailLog = 1048;
+// Undo and redo of the unsaved JMD edits (the console's own, on no menu of
+// the original bars).
+inline constexpr int kCmdUndo = 1500;
+inline constexpr int kCmdRedo = 1501;
 inline constexpr int kCmdCut = 32027;
 inline constexpr int kCmdCopy = 32028;
 inline constexpr int kCmdPaste = 32029;
@@ -103,6 +107,9 @@ inline constexpr int kJmdNext = 7;
 inline constexpr int kJobStepUp = 8;
 inline constexpr int kJobStepDown = 9;
 inline constexpr int kJobNameField = 10;
+// The list window's filter (the rows holding its text) and row count.
+inline constexpr int kJmdFilter = 11;
+inline constexpr int kJmdCount = 12;
 
 // Select Instance of Nexa (102).
 inline constexpr int kSelectInstanceList = 3;

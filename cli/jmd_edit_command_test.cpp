@@ -1,0 +1,140 @@
+// Runs the pxctl jmd editing commands on real files.
+#include <gtest/gtest.h>
+
+#include "cli/pxctl_test_fixture.h"
+
+namespace px {
+namespace {
+
+const std::string kHead = "# Plexar Job Management Database (JMD) file\n";
+const std::string kJmd = kHead +
+                         "!f CHEQUE LASER2 /forms/chq.mdf * 2 T PXMERGE N N C *\n"
+                         "!f INVOICE LASER1 inv.mdf * 1 T PXMERGE N N C \"first step\"\n"
+                         "!f INVOICE LASER2 inv2.mdf * 1 T PXMERGE N N C *\n"
+                         "!p LASER1 HP4 LPT1 * 50 *\n"
+                         "!p LASER2 * LPT2 * 50 *\n"
+                         "!x PXMERGE WClass pxmerge.exe * *\n"
+                         "!m HP4 4096 \"four k\"\n";
+
+class PxctlJmdEditTest : public PxctlFixture {
+ protected:
+  void SetUp() override {
+    ini_ = dir_.write("test.ini",
+                      "[Messages]\n"
+                      "Msg112=30 printer @P1 exists\n"
+                      "Msg279=10 Task id   Program name\n"
+                      "Msg280=10 Printer       Printer id Physical device\n"
+                      "Msg295=30 blank in @P1\n"
+                      "Msg301=30 device @P1\n"
+                      "Msg1500=30 no @P1 in @P2\n"
+                      "Msg1502=30 job @P1 exists\n"
+                      "Msg1503=30 no step @P1 of @P2 (@P3 steps)\n"
+                      "Msg1507=20 step @P2 of @P1 lacks printer @P3\n"
+                      "Msg1508=20 step @P2 of @P1 lacks task @P3\n");
+    jmd_ = dir_.write("jobs.jmd", kJmd);
+  }
+  // Runs pxctl jmd with the words after FILE.
+  ProgramResult jmd(const std::string& action, std::vector<std::string> words = {}) {
+    words.insert(words.begin(), {"jmd", action, jmd_});
+    return pxctl(words);
+  }
+  std::string file() { return dir_.read("jobs.jmd"); }
+  std::string jmd_;
+};
+
+TEST_F(PxctlJmdEditTest, ShowPrintsTheHeaderAndTheLinesOfAPage) {
+  ProgramResult printers = jmd("show", {"printers"});
+  EXPECT_EQ(printers.status, 0) << printers.err;
+  EXPECT_EQ(printers.out,
+            "Printer       Printer id Physical device\n"
+            "LASER1        HP4        LPT1                    \n"
+            "LASER2        *          LPT2                    \n");
+  EXPECT_EQ(jmd("show", {"steps", "invoice"}).out,
+            "PXMERGE   inv.mdf              LASER1   \n"
+            "PXMERGE   inv2.mdf             LASER2   \n");
+  EXPECT_EQ(jmd("show", {"tasks", "--page", "2"}).out, "Task id   Program name\n");
+  ProgramResult missing = jmd("show", {"steps", "NONE"});
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_EQ(missing.err, "[1500]no NONE in jobs\n");
+  EXPECT_EQ(jmd("show", {"queues"}).status, 2);
+  EXPECT_EQ(jmd("show", {"jobs", "--page", "0"}).status, 2);
+}
+
+TEST_F(PxctlJmdEditTest, RefusedEditsShowTheirMessageAndLeaveTheFile) {
+  ProgramResult device = jmd("add", {"printers", "PrinterName=P9", "PrinterId=Com3"});
+  EXPECT_EQ(device.status, 1);
+  EXPECT_EQ(device.err, "[301]device Com3\n");
+  EXPECT_EQ(jmd("add", {"printers", "PrinterName=laser1"}).err, "[112]printer laser1 exists\n");
+  EXPECT_EQ(jmd("edit", {"printers", "NOPE", "Priority=1"}).err, "[1500]no NOPE in printers\n");
+  EXPECT_EQ(jmd("new-job", {"INVOICE"}).err, "[1502]job INVOICE exists\n");
+  EXPECT_EQ(jmd("new-job", {"TWO\tWORDS"}).err, "[295]blank in TWO\tWORDS\n");
+  EXPECT_EQ(jmd("delete-step", {"INVOICE", "1", "3"}).err, "[1503]no step 3 of INVOICE (2 steps)\n");
+  EXPECT_EQ(jmd("delete", {"tasks", "PXMERGE", "NOPE"}).status, 1);
+  EXPECT_EQ(jmd("copy-job", {"INVOICE", "CHEQUE"}).status, 1);
+  EXPECT_EQ(file(), kJmd);
+  // Usage errors: unknown or disabled columns, bad numbers.
+  EXPECT_EQ(jmd("add", {"printers", "Colour=red"}).status, 2);
+  EXPECT_EQ(jmd("add", {"jobs", "FormName=X"}).status, 2);
+  EXPECT_EQ(jmd("edit-step", {"INVOICE", "1", "FormName=X"}).status, 2);
+  EXPECT_EQ(jmd("move-step", {"INVOICE", "2", "1", "up"}).status, 2);
+  EXPECT_EQ(jmd("add-step", {"INVOICE", "--before", "x"}).status, 2);
+  EXPECT_EQ(file(), kJmd);
+}
+
+TEST_F(PxctlJmdEditTest, RowEditsFollowTheDialogsRules) {
+  EXPECT_EQ(jmd("add", {"printers", "PrinterName=LONGPRINTERNAME", "PrinterId=lpt10",
+                        "PhysicalDev="}).status, 0);
+  EXPECT_EQ(jmd("edit", {"printers", "laser2", "Priority=7x", "Comment=second floor"}).status, 0);
+  EXPECT_EQ(jmd("add", {"tasks", "TaskId=T2", "TaskName="}).status, 0);
+  EXPECT_EQ(jmd("edit", {"tasks", "PXMERGE", "TaskParms=-q"}).status, 0);
+  EXPECT_EQ(jmd("add", {"memory", "PrinterId=M1", "Amount="}).status, 0);
+  EXPECT_EQ(jmd("edit", {"memory", "HP4", "Amount=12a3"}).status, 0);
+  EXPECT_EQ(file(), kHead +
+                        "!f CHEQUE LASER2 /forms/chq.mdf * 2 T PXMERGE N N C *\n"
+                        "!f INVOICE LASER1 inv.mdf * 1 T PXMERGE N N C \"first step\"\n"
+                        "!f INVOICE LASER2 inv2.mdf * 1 T PXMERGE N N C *\n"
+                        "!p LASER1 HP4 LPT1 * 50 *\n"
+                        "!p LASER2 * LPT2 * 7 \"second floor\"\n"
+                        "!p LONGPRINT lpt10 LPT1 * 50 *\n"
+                        "!x PXMERGE WClass pxmerge.exe -q *\n"
+                        "!x T2 * PXMERGE * *\n"
+                        "!m HP4 123 \"four k\"\n"
+                        "!m M1 0 *\n");
+}
+
+TEST_F(PxctlJmdEditTest, StepAndJobEditsKeepTheStepOrder) {
+  EXPECT_EQ(jmd("add-step", {"INVOICE", "--before", "2", "MDFName=/x/mid.mdf", "TaskId=T9",
+                             "LoadFlag=p"}).status, 0);
+  EXPECT_EQ(jmd("move-step", {"invoice", "2", "3", "up"}).status, 0);
+  EXPECT_EQ(jmd("edit-step", {"INVOICE", "3", "MacroNum=", "PrinterName=LASER9"}).status, 0);
+  EXPECT_EQ(jmd("add-step", {"NEWJOB"}).status, 0);
+  EXPECT_EQ(jmd("copy-job", {"INVOICE", "COPY"}).status, 0);
+  EXPECT_EQ(jmd("delete-step", {"COPY", "3", "1"}).status, 0);
+  EXPECT_EQ(jmd("delete", {"jobs", "cheque"}).status, 0);
+  EXPECT_EQ(jmd("new-job", {"EMPTY"}).status, 0);
+  EXPECT_EQ(file(), kHead +
+                        "!f COPY LASER2 inv2.mdf * 1 T PXMERGE N N C *\n"
+                        "!f INVOICE * /x/mid.mdf * 1 P T9 * * C *\n"
+                        "!f INVOICE LASER2 inv2.mdf * 1 T PXMERGE N N C *\n"
+                        "!f INVOICE LASER9 inv.mdf * 1 T PXMERGE N N C \"first step\"\n"
+                        "!f NEWJOB * NEWJOB.mdf * 1 T PXMERGE * * C *\n"
+                        "!p LASER1 HP4 LPT1 * 50 *\n"
+                        "!p LASER2 * LPT2 * 50 *\n"
+                        "!x PXMERGE WClass pxmerge.exe * *\n"
+                        "!m HP4 4096 \"four k\"\n");
+}
+
+TEST_F(PxctlJmdEditTest, CheckWarnsOfStepsNamingWhatIsNotThere) {
+  ASSERT_EQ(jmd("delete", {"printers", "LASER2"}).status, 0);
+  ASSERT_EQ(jmd("add-step", {"INVOICE", "TaskId=NOTASK", "PrinterName=*"}).status, 0);
+  ProgramResult check = pxctl({"jmd", "check", jmd_});
+  EXPECT_EQ(check.status, 0);
+  EXPECT_EQ(check.out, "jobs 4 printers 1 tasks 1 memory 1\n");
+  EXPECT_EQ(check.err,
+            "[1507]step 1 of CHEQUE lacks printer LASER2\n"
+            "[1507]step 2 of INVOICE lacks printer LASER2\n"
+            "[1508]step 3 of INVOICE lacks task NOTASK\n");
+}
+
+}  // namespace
+}  // namespace px

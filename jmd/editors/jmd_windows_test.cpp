@@ -1,0 +1,283 @@
+#include "jmd/editors/jmd_windows.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+#include "common/ini_profile.h"
+#include "common/messages.h"
+#include "config/instances.h"
+#include "config/jmd_service.h"
+#include "config/recording_operator.h"
+#include "jmd/editors/editor_messages.h"
+#include "jmd/editors/editor_test_support.h"
+#include "tests/support/test_dir.h"
+#include "toolkit/headless/headless_toolkit.h"
+#include "toolkit/resources/resource_ids.h"
+
+namespace px::editors {
+namespace {
+
+// The console's JMD windows on the headless toolkit, over a JMD that is the
+// current instance's, with the shipped message catalogue.
+class JmdWindowsTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    tk.set_failure_handler([this](const std::string& what) { failures.push_back(what); });
+    ini::set_file(PX_SOURCE_DIR "/demo/pxcntrl.ini");
+    messages::reset();
+    tk.run_application({1000, [](const tk::Event&) {}});
+    windows().attach(tk, op);
+  }
+  void TearDown() override {
+    windows().close_all();
+    jmd_service().close();
+    set_current_instance({});
+    ini::flush_cache();
+    tk.verify_scripts_used();
+    EXPECT_TRUE(failures.empty()) << failures.front();
+  }
+  void use_jmd(const std::string& text) {
+    std::string jmd = dir.write("jobs.jmd", text);
+    std::string config = dir.write("pxserver.ini", "[Options]\nJMDFileName=" + jmd + "\n");
+    set_current_instance({"north", "North", config});
+  }
+  JmdWindows& windows() { return jmd_windows(); }
+  tk::Window open(ListKind kind) {
+    windows().open_list(kind);
+    tk::Window window = windows().window(kind);
+    tk.activate(window);
+    return window;
+  }
+  std::vector<std::string> rows(tk::Window window) {
+    std::vector<std::string> all;
+    tk::Control list = window.control(tk::kJmdList);
+    for (int i = 0; i < list.count(); ++i) all.push_back(list.row(i));
+    return all;
+  }
+
+  TestDir dir;
+  tk::HeadlessToolkit tk;
+  RecordingOperator op;
+  std::vector<std::string> failures;
+};
+
+std::string printers(int count) {
+  std::string text = kJmdHeader;
+  char line[64];
+  for (int i = 0; i < count; ++i) {
+    std::snprintf(line, sizeof line, "!p P%05d * LPT1 * 50 *\n", i);
+    text += line;
+  }
+  return text;
+}
+
+TEST_F(JmdWindowsTest, ThePrintersListShowsItsHeaderAndRows) {
+  use_jmd(kSmallJmd);
+  tk::Window list = open(ListKind::kPrinters);
+  ASSERT_TRUE(list.exists());
+  EXPECT_EQ(tk.paint(list), std::vector<std::string>{header_text(ListKind::kPrinters)});
+  EXPECT_EQ(rows(list)[0], "LASER1        HP4        LPT1                    ");
+  EXPECT_FALSE(list.control(tk::kJmdNext).visible());
+  // A second open raises the same window.
+  windows().open_list(ListKind::kPrinters);
+  EXPECT_EQ(tk.open_windows().size(), 2u);
+}
+
+TEST_F(JmdWindowsTest, AThousandRowsShowNoPagingAndOneMoreShowsThePagingButtons) {
+  use_jmd(printers(1000));
+  tk::Window list = open(ListKind::kPrinters);
+  EXPECT_EQ(list.control(tk::kJmdList).count(), 1000);
+  EXPECT_FALSE(list.control(tk::kJmdPrevious).visible());
+  windows().close_all();
+  jmd_service().close();
+
+  use_jmd(printers(1001));
+  list = open(ListKind::kPrinters);
+  EXPECT_EQ(list.control(tk::kJmdList).count(), 1000);
+  EXPECT_TRUE(list.control(tk::kJmdNext).visible());
+  EXPECT_FALSE(list.control(tk::kJmdPrevious).enabled());
+  ASSERT_TRUE(tk.click(list, tk::kJmdNext));
+  EXPECT_EQ(rows(list), std::vector<std::string>{"P01000        *          LPT1                    "});
+  EXPECT_TRUE(list.control(tk::kJmdPrevious).enabled());
+  EXPECT_FALSE(list.control(tk::kJmdNext).enabled());
+  EXPECT_EQ(list.control(tk::kJmdCount).text(), "1,001-1,001 of 1,001");
+  ASSERT_TRUE(tk.click(list, tk::kJmdPrevious));
+  EXPECT_EQ(list.control(tk::kJmdList).count(), 1000);
+}
+
+TEST_F(JmdWindowsTest, TheFilterNarrowsTheWholeTable) {
+  use_jmd(printers(2500));
+  tk::Window list = open(ListKind::kPrinters);
+  EXPECT_EQ(list.control(tk::kJmdCount).text(), "1-1,000 of 2,500");
+  ASSERT_TRUE(tk.type(list, tk::kJmdFilter, "p02"));
+  EXPECT_EQ(list.control(tk::kJmdCount).text(), "1-500 of 500");
+  EXPECT_EQ(rows(list).front().substr(0, 6), "P02000");
+  EXPECT_FALSE(list.control(tk::kJmdNext).visible());
+  ASSERT_TRUE(tk.replace_text(list, tk::kJmdFilter, "nothing"));
+  EXPECT_EQ(list.control(tk::kJmdCount).text(), "0 of 0");
+}
+
+TEST_F(JmdWindowsTest, TheNewPrinterDialogCutsBeepsAndRefusesADeviceName) {
+  use_jmd(kSmallJmd);
+  tk::Window list = open(ListKind::kPrinters);
+  tk.on_dialog(tk::kPrinterDialog, [&](tk::Window dialog) {
+    EXPECT_EQ(dialog.title(), message_label(msg::kPrinterTitle));
+    EXPECT_FALSE(dialog.control(tk::kPrinterPriority).enabled());
+    EXPECT_EQ(dialog.control(tk::kPrinterDevice).text(), "LPT1");
+    EXPECT_EQ(dialog.control(tk::kPrinterId).count(), 1);  // the managed-memory ids
+    int beeps = tk.beeps();
+    tk.type(dialog, tk::kPrinterName, "NEWPRINTER1");
+    EXPECT_EQ(dialog.control(tk::kPrinterName).text(), "NEWPRINTE");
+    EXPECT_EQ(tk.beeps(), beeps + 2);
+    tk.replace_text(dialog, tk::kPrinterId, "Com3");
+    tk.click(dialog, tk::kOk);
+    EXPECT_TRUE(dialog.exists());
+    EXPECT_EQ(dialog.focused_control(), tk::kPrinterId);
+    tk.replace_text(dialog, tk::kPrinterId, "lpt10");
+    tk.click(dialog, tk::kOk);
+  });
+  ASSERT_TRUE(tk.click(list, tk::kJmdNew));
+  EXPECT_EQ(op.numbers(), std::vector<int>{msg::kReservedDevice});
+  EXPECT_EQ(rows(list).size(), 3u);
+  EXPECT_EQ(rows(list)[2].substr(0, 24), "NEWPRINTE     lpt10     ");
+  EXPECT_TRUE(jmd_service().modified());
+}
+
+TEST_F(JmdWindowsTest, EditingAPriorityDropsWhatIsNotADigit) {
+  use_jmd(kSmallJmd);
+  tk::Window list = open(ListKind::kPrinters);
+  tk.on_dialog(tk::kPrinterDialog, [&](tk::Window dialog) {
+    EXPECT_TRUE(dialog.control(tk::kPrinterPriority).enabled());
+    int beeps = tk.beeps();
+    tk.replace_text(dialog, tk::kPrinterPriority, "");
+    tk.type(dialog, tk::kPrinterPriority, "7x");
+    EXPECT_EQ(dialog.control(tk::kPrinterPriority).text(), "7");
+    EXPECT_EQ(tk.beeps(), beeps + 1);
+    tk.click(dialog, tk::kOk);
+  });
+  ASSERT_TRUE(tk.double_click_row(list, tk::kJmdList, 1));
+  EXPECT_EQ(list.control(tk::kJmdList).selected(), 1);
+  std::string saved = jmd_service().save(op) ? dir.read("jobs.jmd") : "";
+  EXPECT_NE(saved.find("!p LASER2 * LPT2 * 7 *\n"), std::string::npos) << saved;
+}
+
+TEST_F(JmdWindowsTest, AJobOpensItsStepsAndNewStepsGoBeforeTheSelectedOne) {
+  use_jmd(kSmallJmd);
+  tk::Window names = open(ListKind::kJobNames);
+  ASSERT_TRUE(tk.double_click_row(names, tk::kJmdList, 1));
+  tk::Window job = windows().window(ListKind::kSteps);
+  ASSERT_TRUE(job.exists());
+  EXPECT_FALSE(names.enabled());
+  EXPECT_EQ(job.title(), message_label(msg::kEditJobTitle, {"INVOICE"}));
+  EXPECT_EQ(job.control(tk::kJobNameField).text(), "INVOICE");
+  EXPECT_EQ(rows(job).size(), 3u);  // two steps and the empty row
+  EXPECT_EQ(rows(job).back(), "");
+  EXPECT_EQ(tk.paint(job).size(), 3u);
+
+  tk.activate(job);
+  tk.click_row(job, tk::kJmdList, 0);  // unselect the first step
+  tk.click_row(job, tk::kJmdList, 1);
+  tk.on_dialog(tk::kJobStepDialog, [&](tk::Window dialog) {
+    EXPECT_EQ(dialog.control(tk::kStepJobName).text(), "INVOICE");
+    tk.type(dialog, tk::kStepFormFile, "mid.mdf");
+    tk.click(dialog, tk::kOk);
+  });
+  ASSERT_TRUE(tk.click(job, tk::kJmdNew));
+  std::vector<std::string> steps = rows(job);
+  ASSERT_EQ(steps.size(), 4u);
+  EXPECT_EQ(steps[1].substr(10, 7), "mid.mdf");
+  EXPECT_EQ(job.control(tk::kJmdList).selected_rows(), std::vector<int>{1});
+  ASSERT_TRUE(tk.click(job, tk::kJobStepDown));
+  EXPECT_EQ(rows(job)[2].substr(10, 7), "mid.mdf");
+  EXPECT_EQ(job.control(tk::kJmdList).selected_rows(), std::vector<int>{2});
+  // Down at the last step does nothing.
+  ASSERT_TRUE(tk.click(job, tk::kJobStepDown));
+  EXPECT_EQ(rows(job)[2].substr(10, 7), "mid.mdf");
+
+  ASSERT_TRUE(tk.click(job, tk::kJmdClose));
+  EXPECT_TRUE(names.enabled());
+}
+
+TEST_F(JmdWindowsTest, StepsNamingAMissingPrinterAreMarked) {
+  use_jmd(kSmallJmd);
+  tk::Window printers_list = open(ListKind::kPrinters);
+  tk.click_row(printers_list, tk::kJmdList, 1);
+  op.answer_next(0);
+  ASSERT_TRUE(tk.click(printers_list, tk::kJmdDelete));
+  windows().open_job("INVOICE", false);
+  std::vector<std::string> steps = rows(windows().window(ListKind::kSteps));
+  ASSERT_EQ(steps.size(), 3u);
+  EXPECT_FALSE(steps[0].ends_with(" !"));
+  EXPECT_EQ(steps[1], "PXMERGE   inv2.mdf             LASER2    !");
+}
+
+TEST_F(JmdWindowsTest, DeletingAsksFirst) {
+  use_jmd(kSmallJmd);
+  tk::Window names = open(ListKind::kJobNames);
+  tk.click_row(names, tk::kJmdList, 1);
+  op.answer_next(1);  // Cancel
+  ASSERT_TRUE(tk.click(names, tk::kJmdDelete));
+  EXPECT_EQ(rows(names).size(), 2u);
+  EXPECT_FALSE(jmd_service().modified());
+  op.answer_next(0);  // Delete
+  ASSERT_TRUE(windows().edit_command(tk::kCmdDelete));
+  EXPECT_EQ(rows(names), std::vector<std::string>{std::string("CHEQUE") + std::string(45, ' ')});
+  EXPECT_EQ(op.numbers(), (std::vector<int>{msg::kDeleteQuestion, msg::kDeleteQuestion}));
+  EXPECT_TRUE(jmd_service().modified());
+}
+
+TEST_F(JmdWindowsTest, AJobCopiedAndPastedOpensUnderItsNewName) {
+  use_jmd(kSmallJmd);
+  tk::Window names = open(ListKind::kJobNames);
+  tk.click_row(names, tk::kJmdList, 1);
+  ASSERT_TRUE(windows().edit_command(tk::kCmdCopy));
+  EXPECT_TRUE(tk.task_window().menu_enabled(tk::kCmdPaste));
+  tk.on_dialog(tk::kJobNameDialog, [&](tk::Window dialog) {
+    tk.type(dialog, tk::kJobNameEdit, "TWO WORDS");
+    tk.click(dialog, tk::kOk);
+    EXPECT_TRUE(dialog.exists());
+    tk.replace_text(dialog, tk::kJobNameEdit, "COPY");
+    tk.click(dialog, tk::kOk);
+  });
+  ASSERT_TRUE(windows().edit_command(tk::kCmdPaste));
+  EXPECT_EQ(op.numbers(), std::vector<int>{msg::kJobNameHasBlank});
+  tk::Window job = windows().window(ListKind::kSteps);
+  ASSERT_TRUE(job.exists());
+  EXPECT_EQ(job.title(), message_label(msg::kNewJobTitle, {"COPY"}));
+  EXPECT_EQ(rows(job).size(), 3u);
+  EXPECT_EQ(rows(names).size(), 3u);
+}
+
+TEST_F(JmdWindowsTest, APrinterOnTheClipboardDoesNotPasteIntoTasks) {
+  use_jmd(kSmallJmd);
+  tk::Window printers_list = open(ListKind::kPrinters);
+  tk.click_row(printers_list, tk::kJmdList, 0);
+  ASSERT_TRUE(windows().edit_command(tk::kCmdCut));
+  EXPECT_EQ(rows(printers_list).size(), 1u);
+  tk::Window tasks = open(ListKind::kTasks);
+  EXPECT_FALSE(windows().editor().can_paste(ListKind::kTasks));
+  ASSERT_TRUE(windows().edit_command(tk::kCmdPaste));
+  EXPECT_EQ(op.last(), msg::kInternalError);
+  tk.activate(printers_list);
+  tk.on_dialog(tk::kPrinterDialog, [&](tk::Window dialog) {
+    EXPECT_EQ(dialog.control(tk::kPrinterName).text(), "LASER1");
+    tk.click(dialog, tk::kOk);
+  });
+  ASSERT_TRUE(windows().edit_command(tk::kCmdPaste));
+  EXPECT_EQ(rows(printers_list).size(), 2u);
+  (void)tasks;
+}
+
+TEST_F(JmdWindowsTest, ClosingEveryWindowLeavesNoneOpen) {
+  use_jmd(kSmallJmd);
+  open(ListKind::kJobNames);
+  open(ListKind::kMemory);
+  windows().open_job("INVOICE", false);
+  windows().close_all();
+  EXPECT_EQ(tk.open_windows().size(), 1u);  // the task window
+  EXPECT_FALSE(windows().edit_command(tk::kCmdCopy));
+}
+
+}  // namespace
+}  // namespace px::editors

@@ -1,0 +1,330 @@
+#include "jmd/editors/list_window.h"
+
+#include <algorithm>
+
+#include "jmd/editors/editor_messages.h"
+#include "jmd/editors/references.h"
+#include "jmd/editors/row_dialog.h"
+#include "jmd/jmd_schema.h"
+#include "toolkit/resources/resource_ids.h"
+
+namespace px::editors {
+
+namespace {
+
+// Answers of the delete question 290.
+constexpr size_t kDeleteAnswer = 0;
+// Pixels between a drawn line's baseline and the control below it.
+constexpr int kAboveControl = 4;
+constexpr int kLineHeight = 20;
+// After the line of a step that names a printer or task that is not there.
+constexpr const char* kMissingMark = " !";
+
+// 12345 as "12,345".
+std::string grouped(long number) {
+  std::string digits = std::to_string(number);
+  for (int at = static_cast<int>(digits.size()) - 3; at > 0; at -= 3) digits.insert(at, ",");
+  return digits;
+}
+
+}  // namespace
+
+std::string count_text(long first, long shown, long total) {
+  if (shown <= 0) return "0 of " + grouped(total);
+  return grouped(first + 1) + "-" + grouped(first + shown) + " of " + grouped(total);
+}
+
+ListWindow::ListWindow(JmdWindows& owner, ListKind kind, std::string job, bool new_job)
+    : owner_(owner), list_(kind, std::move(job)), new_job_(new_job) {}
+
+bool ListWindow::create() {
+  int resource = kind() == ListKind::kSteps ? tk::kJobWindow : tk::kJmdListWindow;
+  tk::Window made =
+      owner_.toolkit().create_window(resource, [this](const tk::Event& e) { handle(e); });
+  return made.exists();
+}
+
+engine::Table* ListWindow::table() { return owner_.editor().table(kind()); }
+
+void ListWindow::refill() {
+  engine::Table* rows = table();
+  if (rows == nullptr || !list_.reload(*rows)) {
+    owner_.editor().op().show(msg::kInternalError, {"'pxcjmd', line " + std::to_string(__LINE__)});
+  }
+  fill();
+}
+
+void ListWindow::fill() {
+  tk::Control lines = window_.control(tk::kJmdList);
+  lines.suspend();
+  lines.clear_rows();
+  engine::Table* rows = table();
+  if (rows != nullptr) {
+    std::vector<std::string> page = list_.page_lines(*rows);
+    Record step = blank_record(jmd::kJobTable);
+    for (size_t i = 0; i < page.size(); ++i) {
+      // A step naming a printer or task that is not there is marked.
+      bool marked = kind() == ListKind::kSteps && read_row(*rows, list_.page()[i], step) &&
+                    names_missing_row(owner_.editor(), step);
+      lines.add(marked ? page[i] + kMissingMark : page[i]);
+    }
+  }
+  if (list_.trailing_empty_row()) lines.add("");
+  lines.resume();
+  window_.control(tk::kJmdPrevious).set_visible(list_.paged());
+  window_.control(tk::kJmdNext).set_visible(list_.paged());
+  window_.control(tk::kJmdPrevious).set_enabled(list_.has_previous());
+  window_.control(tk::kJmdNext).set_enabled(list_.has_next());
+  if (kind() != ListKind::kSteps) {
+    window_.control(tk::kJmdCount).set_text(count_text(list_.page_first(), list_.shown(),
+                                                      list_.total()));
+  } else {
+    window_.control(tk::kJobStepUp).set_enabled(list_.total() >= 2);
+    window_.control(tk::kJobStepDown).set_enabled(list_.total() >= 2);
+  }
+  update_controls();
+}
+
+std::vector<int> ListWindow::selected_lines() const {
+  std::vector<int> lines;
+  for (int index : window_.control(tk::kJmdList).selected_rows()) {
+    if (index < list_.shown()) lines.push_back(index);
+  }
+  return lines;
+}
+
+std::vector<long> ListWindow::selected_rows() const {
+  std::vector<long> rows;
+  std::span<const long> page = list_.page();
+  for (int index : selected_lines()) rows.push_back(page[static_cast<size_t>(index)]);
+  return rows;
+}
+
+void ListWindow::update_controls() {
+  size_t selected = selected_lines().size();
+  window_.control(tk::kJmdEdit).set_enabled(selected == 1);
+  window_.control(tk::kJmdDelete).set_enabled(selected > 0);
+  bool one = kind() == ListKind::kSteps ? selected > 0 : selected == 1;
+  owner_.update_edit_menu(one, selected > 0, kind());
+}
+
+void ListWindow::paint() {
+  window_.clear(tk::kLightGrey);
+  window_.set_draw_font(tk::Font{});
+  tk::Rect list = window_.control(tk::kJmdList).rect();
+  if (kind() != ListKind::kSteps) {
+    window_.draw_text({list.x, list.y - kAboveControl}, header_text(kind()));
+    return;
+  }
+  tk::Rect name = window_.control(tk::kJobNameField).rect();
+  window_.draw_text({name.x, name.y - kAboveControl}, message_label(msg::kJobNameLabel));
+  window_.draw_text({list.x, list.y - kAboveControl - kLineHeight},
+                    message_label(msg::kStepsLabel));
+  window_.draw_text({list.x, list.y - kAboveControl}, message_label(msg::kStepColumns));
+}
+
+void ListWindow::edit_selected() {
+  std::vector<int> lines = selected_lines();
+  if (lines.size() != 1) return;
+  long row = list_.page()[static_cast<size_t>(lines.front())];
+  JmdEditor& editor = owner_.editor();
+  if (kind() == ListKind::kJobNames) {
+    engine::Table* names = table();
+    Record record = blank_record(jmd::kJobTable);
+    if (names != nullptr && read_row(*names, row, record)) {
+      owner_.open_job(get_text(jmd::kJobTable, record, "FormName"), false);
+    }
+    return;
+  }
+  std::optional<RowForm> form = editor.edit_form(kind(), row);
+  if (!form) return;
+  std::optional<OkResult> stored =
+      run_row_dialog(owner_.toolkit(), editor, RowRequest{*form, row, list_.rows(), std::nullopt},
+                     [this](ListKind added) { owner_.refresh(added); });
+  if (!stored) return;
+  // The edited line is replaced where it stands, its selection kept.
+  Record record = blank_record(table_slot(kind()));
+  engine::Table* rows = table();
+  std::string line;
+  if (rows != nullptr && read_row(*rows, row, record)) {
+    line = format_line(kind(), record);
+    if (kind() == ListKind::kSteps && names_missing_row(editor, record)) line += kMissingMark;
+  }
+  if (line.empty() || !window_.control(tk::kJmdList).set_row(lines.front(), line)) {
+    editor.op().show(msg::kLineNotReplaced);
+  }
+}
+
+void ListWindow::new_row() {
+  JmdEditor& editor = owner_.editor();
+  if (kind() == ListKind::kJobNames) {
+    std::optional<std::string> name = run_job_name_dialog(
+        owner_.toolkit(), editor.op(), [&](const std::string& typed, std::string& accepted) {
+          return editor.check_new_job_name(typed, accepted);
+        });
+    if (!name || editor.add_job_name(*name) == 0) return;
+    refill();
+    owner_.open_job(*name, true);
+    return;
+  }
+  RowRequest request{editor.new_form(kind(), job()), 0, {}, std::nullopt};
+  if (kind() == ListKind::kSteps) {
+    request.steps = list_.rows();
+    std::vector<int> lines = selected_lines();
+    if (!lines.empty()) request.before = static_cast<size_t>(list_.page_first() + lines.front());
+  }
+  std::optional<OkResult> stored = run_row_dialog(
+      owner_.toolkit(), editor, request, [this](ListKind added) { owner_.refresh(added); });
+  if (!stored) return;
+  refill();
+  if (kind() == ListKind::kSteps) {
+    auto at = std::find(list_.rows().begin(), list_.rows().end(), stored->row);
+    if (at != list_.rows().end()) select_steps(at - list_.rows().begin(), 1);
+  }
+}
+
+void ListWindow::delete_selected(bool ask) {
+  std::vector<long> rows = selected_rows();
+  if (rows.empty()) return;
+  JmdEditor& editor = owner_.editor();
+  if (ask && editor.op().ask(msg::kDeleteQuestion, {}, {msg::kDeleteButton, msg::kCancelButton}) !=
+                 kDeleteAnswer) {
+    return;
+  }
+  editor.delete_rows(kind(), rows);
+  refill();
+}
+
+void ListWindow::select_steps(long first_index, long count) {
+  list_.show_page_of(first_index);
+  fill();
+  tk::Control lines = window_.control(tk::kJmdList);
+  for (long i = 0; i < count; ++i) {
+    long line = first_index + i - list_.page_first();
+    if (line >= 0 && line < list_.shown()) lines.select(static_cast<int>(line));
+  }
+  update_controls();
+}
+
+void ListWindow::move(bool up) {
+  std::vector<int> lines = selected_lines();
+  if (lines.empty()) return;
+  size_t first = static_cast<size_t>(lines.front());
+  size_t last = static_cast<size_t>(lines.back());
+  std::vector<long> page(list_.page().begin(), list_.page().end());
+  if (!owner_.editor().move_steps(page, first, last, up)) return;
+  long moved_to = list_.page_first() + static_cast<long>(first) + (up ? -1 : 1);
+  refill();
+  select_steps(moved_to, static_cast<long>(last - first + 1));
+}
+
+void ListWindow::cut_or_copy(bool cut) {
+  std::vector<long> rows = selected_rows();
+  if (rows.empty() || (kind() != ListKind::kSteps && rows.size() != 1)) return;
+  if (owner_.editor().copy(kind(), rows, cut) && cut) refill();
+  update_controls();
+}
+
+void ListWindow::paste() {
+  JmdEditor& editor = owner_.editor();
+  if (kind() == ListKind::kJobNames) {
+    if (!editor.can_paste(kind())) {
+      std::string unused;
+      editor.paste_job("", unused);  // shows the internal error
+      return;
+    }
+    std::optional<std::string> name = run_job_name_dialog(
+        owner_.toolkit(), editor.op(), [&](const std::string& typed, std::string& accepted) {
+          return editor.paste_job(typed, accepted);
+        });
+    if (!name) return;
+    refill();
+    owner_.open_job(*name, true);
+    return;
+  }
+  if (kind() == ListKind::kSteps) {
+    std::vector<int> lines = selected_lines();
+    size_t before = lines.empty() ? list_.rows().size()
+                                  : static_cast<size_t>(list_.page_first() + lines.front());
+    std::vector<long> placed = editor.paste_steps(job(), list_.rows(), before);
+    if (placed.empty()) return;
+    refill();
+    select_steps(static_cast<long>(before), static_cast<long>(placed.size()));
+    return;
+  }
+  std::optional<RowForm> form = editor.paste_form(kind());
+  if (!form) return;
+  if (run_row_dialog(owner_.toolkit(), editor, RowRequest{*form, 0, {}, std::nullopt},
+                     [this](ListKind added) { owner_.refresh(added); })) {
+    refill();
+  }
+}
+
+void ListWindow::handle(const tk::Event& e) {
+  switch (e.type) {
+    case tk::EventType::kCreate:
+      window_ = e.window;
+      if (kind() == ListKind::kSteps) {
+        window_.set_title(message_label(new_job_ ? msg::kNewJobTitle : msg::kEditJobTitle, {job()}));
+        window_.control(tk::kJobNameField).set_text(job());
+        window_.control(tk::kJobNameField).set_enabled(false);
+      }
+      refill();
+      if (kind() == ListKind::kSteps && window_.control(tk::kJmdList).count() > 0) {
+        window_.control(tk::kJmdList).select(0);
+        update_controls();
+      }
+      break;
+    case tk::EventType::kPaint:
+      paint();
+      break;
+    case tk::EventType::kClose:
+      e.window.destroy();
+      break;
+    case tk::EventType::kDestroy:
+      if (kind() == ListKind::kSteps) {
+        tk::Window names = owner_.window(ListKind::kJobNames);
+        names.set_enabled(true);
+        owner_.refresh(ListKind::kJobNames);
+      }
+      break;
+    case tk::EventType::kControl:
+      if (e.control == tk::kJmdFilter && e.notice == tk::Notice::kChanged) {
+        list_.set_filter(window_.control(tk::kJmdFilter).text());
+        list_.show_from(0);
+        refill();
+        break;
+      }
+      if (e.control == tk::kJmdList) {
+        if (e.double_click()) {
+          edit_selected();
+        } else if (e.notice == tk::Notice::kSelectionChanged) {
+          update_controls();
+        }
+        break;
+      }
+      if (e.notice != tk::Notice::kClicked) break;
+      switch (e.control) {
+        case tk::kJmdEdit: edit_selected(); break;
+        case tk::kJmdNew: new_row(); break;
+        case tk::kJmdDelete: delete_selected(true); break;
+        case tk::kJmdClose: e.window.destroy(); break;
+        case tk::kJmdPrevious:
+          list_.previous_page();
+          fill();
+          break;
+        case tk::kJmdNext:
+          list_.next_page();
+          fill();
+          break;
+        case tk::kJobStepUp: move(true); break;
+        case tk::kJobStepDown: move(false); break;
+        default: break;
+      }
+      break;
+    default:
+      break;
+  }
+}
+
+}  // namespace px::editors

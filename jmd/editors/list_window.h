@@ -1,0 +1,55 @@
+// One JMD list window: the list window (143) of kinds 0 to 3 or the job
+// window (146) of kind 4, bound to a RowList and the JmdEditor.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "jmd/editors/jmd_windows.h"
+#include "jmd/editors/row_list.h"
+
+namespace px::editors {
+
+// The row count under a list: "1001-2000 of 12,345", "0 of 0".
+std::string count_text(long first, long shown, long total);
+
+class ListWindow {
+ public:
+  ListWindow(JmdWindows& owner, ListKind kind, std::string job = {}, bool new_job = false);
+
+  // Makes the window; false when it cannot be made.
+  bool create();
+  tk::Window window() const { return window_; }
+  ListKind kind() const { return list_.kind(); }
+  const std::string& job() const { return list_.job(); }
+  bool open() const { return window_.exists(); }
+
+  // Reads the rows again and fills the page.
+  void refill();
+  // The Edit menu's acts on this window.
+  void cut_or_copy(bool cut);
+  void paste();
+  void delete_selected(bool ask);
+
+ private:
+  void handle(const tk::Event& e);
+  void fill();
+  void paint();
+  void update_controls();
+  // The selected lines of the page (never the trailing empty row), as
+  // indexes of the page and as rows.
+  std::vector<int> selected_lines() const;
+  std::vector<long> selected_rows() const;
+  engine::Table* table();
+  void edit_selected();
+  void new_row();
+  void move(bool up);
+  void select_steps(long first_index, long count);
+
+  JmdWindows& owner_;
+  RowList list_;
+  bool new_job_;
+  tk::Window window_;
+};
+
+}  // namespace px::editors

@@ -1,0 +1,90 @@
+#include "jmd/editors/row_list.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+#include "jmd/editors/editor_test_support.h"
+
+namespace px::editors {
+namespace {
+
+std::string printers(int count) {
+  std::string text = kJmdHeader;
+  char line[64];
+  for (int i = 0; i < count; ++i) {
+    std::snprintf(line, sizeof line, "!p P%05d * LPT1 * 50 *\n", i);
+    text += line;
+  }
+  return text;
+}
+
+std::string steps(int count) {
+  std::string text = kJmdHeader;
+  for (int i = 0; i < count; ++i) text += "!f JOB P f" + std::to_string(i) + " * 1 T X N N C *\n";
+  return text;
+}
+
+TEST(Paging, AThousandRowsAreOnePageAndOneMoreBringsThePagingButtons) {
+  EditorFixture full(printers(1000));
+  RowList list(ListKind::kPrinters);
+  ASSERT_TRUE(list.reload(*full.editor().table(ListKind::kPrinters)));
+  EXPECT_EQ(list.total(), 1000);
+  EXPECT_EQ(list.shown(), 1000);
+  EXPECT_FALSE(list.paged());
+
+  EditorFixture over(printers(1001));
+  engine::Table& table = *over.editor().table(ListKind::kPrinters);
+  RowList paged(ListKind::kPrinters);
+  ASSERT_TRUE(paged.reload(table));
+  EXPECT_TRUE(paged.paged());
+  EXPECT_EQ(paged.shown(), 1000);
+  EXPECT_FALSE(paged.has_previous());
+  EXPECT_TRUE(paged.has_next());
+  paged.next_page();
+  EXPECT_EQ(paged.page_first(), 1000);
+  EXPECT_EQ(paged.shown(), 1);
+  EXPECT_EQ(paged.page_lines(table).at(0).substr(0, 6), "P01000");
+  EXPECT_FALSE(paged.has_next());
+  paged.previous_page();
+  EXPECT_EQ(paged.page_first(), 0);
+}
+
+TEST(Paging, StepsEndWithAnEmptyRowOnlyOnTheirLastPage) {
+  EditorFixture jmd(steps(1001));
+  engine::Table& table = *jmd.editor().table(ListKind::kSteps);
+  RowList list(ListKind::kSteps, "JOB");
+  ASSERT_TRUE(list.reload(table));
+  EXPECT_FALSE(list.trailing_empty_row());
+  list.next_page();
+  EXPECT_TRUE(list.trailing_empty_row());
+  // Steps listed in table order, not sorted by their form file.
+  EXPECT_EQ(list.page_lines(table).at(0).substr(10, 5), "f1000");
+  RowList few(ListKind::kSteps, "job");
+  ASSERT_TRUE(few.reload(table));
+  few.show_page_of(1000);
+  EXPECT_EQ(few.page_first(), 1000);
+}
+
+TEST(Filter, NarrowsTheWholeTableAndPagesWhatIsLeft) {
+  EditorFixture jmd(printers(2500));
+  engine::Table& table = *jmd.editor().table(ListKind::kPrinters);
+  RowList list(ListKind::kPrinters);
+  list.set_filter("p01");
+  ASSERT_TRUE(list.reload(table));
+  EXPECT_EQ(list.total(), 1000);
+  EXPECT_FALSE(list.paged());
+  EXPECT_EQ(list.page_lines(table).back().substr(0, 6), "P01999");
+  // A reload after rows went keeps the page where it still fits.
+  list.set_filter("");
+  ASSERT_TRUE(list.reload(table));
+  list.next_page();
+  list.next_page();
+  EXPECT_EQ(list.page_first(), 2000);
+  list.set_filter("P00");
+  ASSERT_TRUE(list.reload(table));
+  EXPECT_EQ(list.page_first(), 0);
+}
+
+}  // namespace
+}  // namespace px::editors
