@@ -1,7 +1,10 @@
 #include "shell/dispatch.h"
 
+#include "config/dialogs/configure_dialog.h"
+#include "config/instances.h"
 #include "control/agents.h"
 #include "control/control_commands.h"
+#include "control/node.h"
 #include "shell/about_dialog.h"
 #include "shell/documentation.h"
 #include "shell/may_end.h"
@@ -38,6 +41,13 @@ bool dispatch_command(Console& console, const tk::Event& event) {
     case tk::kCmdSelectInstance:
       if (may_program_end(console)) run_select_instance_dialog(console);
       return true;
+    case tk::kCmdConfigure: {
+      const Instance& instance = current_instance();
+      dialogs::ConfigContext context{console.toolkit(), console.op(), instance.name};
+      bool other_node = (location(instance.name) & kLocationOtherNode) != 0;
+      dialogs::run_configure_dialog(context, instance, other_node);
+      return true;
+    }
     case tk::kCmdExit:
       if (may_program_end(console)) event.window.destroy();
       return true;

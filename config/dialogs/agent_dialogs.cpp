@@ -73,15 +73,19 @@ ExtraHandler focus_on_create(int control) {
 // A sub-dialog of the Print Agent: "Can't open dialog" when it fails.
 using DialogRunner = bool (*)(const ConfigContext&, const std::string&);
 
-void open_print_sub_dialog(const ConfigContext& context, DialogRunner run_dialog,
-                           const std::string& config_file) {
-  if (!run_dialog(context, config_file)) context.toolkit.post_error(kCantOpenDialog);
+void open_print_sub_dialog(const ConfigContext& context, forms::Form& parent,
+                           DialogRunner run_dialog, const std::string& config_file) {
+  if (!run_sub_dialog(parent, [&] { return run_dialog(context, config_file); })) {
+    context.toolkit.post_error(kCantOpenDialog);
+  }
 }
 
 // A sub-dialog of the E-mail Agent: message 101 when it fails.
-void open_email_sub_dialog(const ConfigContext& context, DialogRunner run_dialog,
-                           const std::string& config_file) {
-  if (!run_dialog(context, config_file)) context.op.show(kMsgDialogNotCreated);
+void open_email_sub_dialog(const ConfigContext& context, forms::Form& parent,
+                           DialogRunner run_dialog, const std::string& config_file) {
+  if (!run_sub_dialog(parent, [&] { return run_dialog(context, config_file); })) {
+    context.op.show(kMsgDialogNotCreated);
+  }
 }
 
 }  // namespace
@@ -101,10 +105,10 @@ bool run_email_dialog(const ConfigContext& context, const std::string& config_fi
                }
                switch (e.control) {
                  case kEmailLocationsButton:
-                   open_email_sub_dialog(context, &run_email_locations_dialog, config_file);
+                   open_email_sub_dialog(context, form, &run_email_locations_dialog, config_file);
                    return true;
                  case kEmailJobCardButton:
-                   open_email_sub_dialog(context, &run_job_card_dialog, config_file);
+                   open_email_sub_dialog(context, form, &run_job_card_dialog, config_file);
                    return true;
                  case kBrowsePostOffice:
                    if (browse_for_directory(e.window, kPostOffice, context)) {
@@ -144,11 +148,11 @@ bool run_print_dialog(const ConfigContext& context, const std::string& config_fi
                  return false;
                }
                if (e.is_control(kCurrencyButton, tk::Notice::kClicked)) {
-                 open_print_sub_dialog(context, &run_currency_dialog, config_file);
+                 open_print_sub_dialog(context, form, &run_currency_dialog, config_file);
                  return true;
                }
                if (e.is_control(kCharactersButton, tk::Notice::kClicked)) {
-                 open_print_sub_dialog(context, &run_characters_dialog, config_file);
+                 open_print_sub_dialog(context, form, &run_characters_dialog, config_file);
                  return true;
                }
                return browse_click(e, form, context, kPrintBrowseFirst, kPrintPathFields);

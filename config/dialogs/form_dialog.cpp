@@ -205,6 +205,13 @@ bool run_form_dialog(const ConfigContext& context, forms::Form& form,
   return true;
 }
 
+bool run_sub_dialog(forms::Form& parent, const std::function<bool()>& run) {
+  bool current = !parent.changed_on_disk();
+  bool opened = run();
+  if (current) parent.take_disk_state();
+  return opened;
+}
+
 void take_field_text(tk::Window dialog, forms::Form& form, int control_id) {
   int i = form.index_of_control(control_id);
   if (i < 0) return;

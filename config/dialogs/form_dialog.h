@@ -70,6 +70,11 @@ class FormDialog {
 bool run_form_dialog(const ConfigContext& context, forms::Form& form,
                      const FormControls& controls, ExtraHandler extra = {});
 
+// Runs a sub-dialog that may save into the form's file: when the file was
+// as the form read it, the sub-dialog's own save is not taken for another
+// writer's change. Returns what run returned.
+bool run_sub_dialog(forms::Form& parent, const std::function<bool()>& run);
+
 // After the program put a text into a field's control (a browse): the form
 // takes it under the field's typing rules.
 void take_field_text(tk::Window dialog, forms::Form& form, int control);

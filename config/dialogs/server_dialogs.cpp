@@ -54,10 +54,13 @@ bool run_server_dialog(const ConfigContext& context, const std::string& file) {
                }
                switch (e.control) {
                  case kNetworkButton:
-                   if (!run_network_dialog(context, file)) context.op.show(kMsgDialogNotCreated);
+                   if (!run_sub_dialog(form, [&] { return run_network_dialog(context, file); })) {
+                     context.op.show(kMsgDialogNotCreated);
+                   }
                    return true;
                  case kLocationsButton:
-                   if (!run_server_locations_dialog(context, file)) {
+                   if (!run_sub_dialog(form,
+                                       [&] { return run_server_locations_dialog(context, file); })) {
                      context.op.show(kMsgDialogNotCreated);
                    }
                    return true;

@@ -101,6 +101,9 @@ class Form {
   std::vector<Change> changes() const;
   // True when the file is no longer as it was when the form loaded (or saved).
   bool changed_on_disk() const;
+  // Takes the file as it is now as the state the form knows (after a
+  // sub-dialog of the same dialog saved other keys into it).
+  void take_disk_state() { stamp_ = stamp_of(file_); }
   // Writes entries() through the INI engine, one key at a time in order,
   // and takes the file's new stamp. False when a write failed (the keys
   // before it are written).
