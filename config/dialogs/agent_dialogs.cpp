@@ -20,6 +20,7 @@ constexpr int kEmailJobCardButton = 15;
 constexpr int kPostOfficeLabel = 18;
 constexpr int kPostOffice = 21;
 constexpr int kBrowsePostOffice = 23;
+constexpr int kEmailChanges = 24;
 // E-Mail Agent File Locations (148): "Browse..." 9 to 11 beside 4, 6, 8.
 constexpr int kEmailBrowseFirst = 9;
 constexpr int kEmailLocationFields[] = {4, 6, 8};
@@ -31,6 +32,7 @@ constexpr int kYieldLabel = 10;
 constexpr int kYield = 11;
 constexpr int kPrintBrowseFirst = 19;  // 19 to 21 beside 14, 16, 18
 constexpr int kPrintPathFields[] = {14, 16, 18};
+constexpr int kPrintChanges = 22;
 // The sub-dialogs of the Print Agent put the focus on their first field.
 constexpr int kFirstSubField = 4;
 constexpr int kLocationLeft = 254;
@@ -97,6 +99,7 @@ bool run_email_dialog(const ConfigContext& context, const std::string& config_fi
   controls.spin = kEmailSpin;
   controls.minutes = kEmailMinutes;
   controls.seconds = kEmailSeconds;
+  controls.changes = kEmailChanges;
   controls.shown_with = {{kPostOffice, kPostOfficeLabel, kBrowsePostOffice}};
   return run(context, forms::FormKind::kEmail, file, controls,
              [&context, config_file](const tk::Event& e, forms::Form& form) {
@@ -141,6 +144,7 @@ bool run_print_dialog(const ConfigContext& context, const std::string& config_fi
   if (file.empty()) return true;
   FormControls controls;
   controls.shown_with = {{kYield, kYieldLabel}};
+  controls.changes = kPrintChanges;
   return run(context, forms::FormKind::kPrint, file, controls,
              [&context, config_file](const tk::Event& e, forms::Form& form) {
                if (e.type == tk::EventType::kCreate) {

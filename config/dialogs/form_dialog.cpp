@@ -133,6 +133,10 @@ void FormDialog::clicked(tk::Window dialog, int control_id) {
     dialog.destroy();
     return;
   }
+  if (control_id == controls_.changes && controls_.changes != 0) {
+    show_changes();
+    return;
+  }
   if (control_id == controls_.minutes || control_id == controls_.seconds) {
     bool seconds = control_id == controls_.seconds;
     int unit = form_.index_of("Unit");
@@ -170,6 +174,17 @@ void FormDialog::scrolled(tk::Window dialog, const tk::Event& e) {
     dialog.control(controls_.spin).set_position(parse_int(form_.text(i)));
     if (clamped) dialog.toolkit().beep();
   }
+}
+
+void FormDialog::show_changes() {
+  std::vector<std::string> lines = form_.change_lines();
+  if (lines.empty()) {
+    op_.show(forms::kMsgNoChanges);
+    return;
+  }
+  std::string listing;
+  for (const std::string& line : lines) listing += "\n" + line;
+  op_.show(forms::kMsgChangesList, {listing});
 }
 
 void FormDialog::ok(tk::Window dialog) {

@@ -10,7 +10,9 @@
 // steps the scan time; OK checks the form (a refusal beeps, shows its
 // message and focuses the field), asks Reload / Overwrite / Cancel when the
 // file changed on disk since it was read, saves and closes; Cancel and the
-// close box close without saving.
+// close box close without saving. "Changes..." shows the keys OK would
+// change with their old and new values (1612), or that it would change
+// nothing (1611).
 #pragma once
 
 #include <functional>
@@ -27,6 +29,7 @@ namespace px::dialogs {
 // The controls of a dialog that the form's fields do not name.
 struct FormControls {
   int ok = 1;
+  int changes = 0;                // "Changes...": lists what OK would write
   int spin = 0;                   // the scan time's spin bar
   int minutes = 0;                // the unit's radio pair
   int seconds = 0;
@@ -55,6 +58,7 @@ class FormDialog {
   void clicked(tk::Window dialog, int control);
   void scrolled(tk::Window dialog, const tk::Event& e);
   void ok(tk::Window dialog);
+  void show_changes();
   int field_of(int control) const { return form_.index_of_control(control); }
 
   forms::Form& form_;

@@ -35,6 +35,12 @@ TEST_F(ServerDialogTest, LoadsTypesStepsAndSavesInOrder) {
     EXPECT_TRUE(tk.replace_text(d, 20, "5x0"));
     EXPECT_EQ(text(d, 20), "50");
     EXPECT_TRUE(tk.click(d, 10));  // unchecks
+    EXPECT_TRUE(tk.click(d, 26));  // Changes...
+    EXPECT_EQ(op.last(), 1612);
+    EXPECT_EQ(op.shown().back().args.at(0),
+              "\nPauseTime: 120 -> 59940\nBackupFiles: yes -> No\nLogFile: (none) -> \n"
+              "LogFileSize: (none) -> 50\nVerbosity: (none) -> -10\nFileSpec: (none) -> *.DAT\n"
+              "DeleteExt: (none) -> DA*");
     EXPECT_TRUE(tk.click(d, 1));
   });
   ASSERT_TRUE(run_server_dialog(context, config()));

@@ -225,9 +225,22 @@ std::vector<Change> Form::changes() const {
     if (old == entry.value) continue;
     std::optional<std::string> old_value;
     if (old != kAbsent) old_value = old;
+    if (entry.key == "Password") {
+      if (old_value) old_value = std::string(old_value->size(), '*');
+      entry.value = std::string(entry.value.size(), '*');
+    }
     out.push_back({entry.section, entry.key, old_value, entry.value});
   }
   return out;
+}
+
+std::vector<std::string> Form::change_lines() const {
+  std::vector<std::string> lines;
+  for (const Change& change : changes()) {
+    lines.push_back(change.key + ": " + change.old_value.value_or("(none)") + " -> " +
+                    change.new_value);
+  }
+  return lines;
 }
 
 bool Form::changed_on_disk() const { return stamp_of(file_) != stamp_; }

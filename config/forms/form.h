@@ -40,6 +40,7 @@ struct Entry {
 };
 
 // A key whose value OK would change; old_value is empty when it is absent.
+// Passwords are shown as one "*" per character.
 struct Change {
   std::string section;
   std::string key;
@@ -99,6 +100,9 @@ class Form {
   std::vector<Entry> entries() const;
   // The entries whose value differs from the file's now.
   std::vector<Change> changes() const;
+  // The changes as lines "Key: old -> new" for the operator ("(none)" for an
+  // absent key).
+  std::vector<std::string> change_lines() const;
   // True when the file is no longer as it was when the form loaded (or saved).
   bool changed_on_disk() const;
   // Takes the file as it is now as the state the form knows (after a
