@@ -26,5 +26,22 @@ TEST_F(ConfigureMenuTest, OpensTheProcessListAndTheServerDialog) {
   ASSERT_TRUE(tk.choose_menu(task(), tk::kCmdConfigure));
 }
 
+TEST_F(ConfigureMenuTest, TheInstanceListFollowsIntoTheMenu) {
+  write_console_ini();
+  add_instance("north", full_config("north", "[Processes]\nPXSERVER=Plexar Nexa Server\n"));
+  add_instance("south", full_config("south", "[Processes]\nPXSERVER=Plexar Nexa Server\n"));
+  start();
+  ASSERT_TRUE(task().menu_enabled(tk::kCmdSelectInstance));
+  tk.on_dialog(tk::kConfigureDialog, [&](tk::Window d) { EXPECT_TRUE(tk.click(d, tk::kOk)); });
+  tk.on_dialog(tk::kInstanceConfigDialog, [&](tk::Window i) {
+    EXPECT_TRUE(tk.click_row(i, tk::kInstanceList, 1));
+    EXPECT_TRUE(tk.click(i, tk::kInstanceDelete));
+    EXPECT_TRUE(tk.click(i, tk::kInstanceOk));
+  });
+  ASSERT_TRUE(tk.choose_menu(task(), tk::kCmdConfigure));
+  EXPECT_FALSE(task().menu_enabled(tk::kCmdSelectInstance));
+  EXPECT_EQ(read_text(dir.file("plexar.ini")).find("south="), std::string::npos);
+}
+
 }  // namespace
 }  // namespace px::shell

@@ -8,6 +8,7 @@
 #include "shell/about_dialog.h"
 #include "shell/documentation.h"
 #include "shell/may_end.h"
+#include "shell/menu_state.h"
 #include "shell/select_instance_dialog.h"
 #include "toolkit/resources/resource_ids.h"
 
@@ -30,6 +31,19 @@ Outcome (*control_action(int command))(const ControlContext&) {
   }
 }
 
+// The settings and the instance list may have changed: the menu items that
+// depend on them follow.
+void after_configuration(tk::Window task) {
+  refresh_menu_state(task);
+  InstanceEnumerator instances;
+  int count = 0;
+  if (instances.begin()) {
+    for (Instance entry; instances.next(entry);) ++count;
+  }
+  instances.end();
+  task.set_menu_enabled(tk::kCmdSelectInstance, count >= 2);
+}
+
 }  // namespace
 
 bool dispatch_command(Console& console, const tk::Event& event) {
@@ -46,6 +60,7 @@ bool dispatch_command(Console& console, const tk::Event& event) {
       dialogs::ConfigContext context{console.toolkit(), console.op(), instance.name};
       bool other_node = (location(instance.name) & kLocationOtherNode) != 0;
       dialogs::run_configure_dialog(context, instance, other_node);
+      after_configuration(console.task());
       return true;
     }
     case tk::kCmdExit:
