@@ -34,6 +34,9 @@ struct Invocation {
 // Shows numbered message n with arguments on stderr and logs it.
 void report(int n, const std::vector<std::string>& args = {});
 
+// The text of message n without its "[n]" number, as a label or list row.
+std::string message_label(int n);
+
 // Reports a usage error for command with its synopsis; returns kExitUsage.
 int usage_error(const std::string& command, const std::string& synopsis);
 
@@ -65,6 +68,11 @@ int run_queue(const Invocation& call);
 int run_rejects(const Invocation& call);
 int run_log(const Invocation& call);
 int run_reject_file(const Invocation& call);
+// The configuration dialogs' forms and lists.
+int run_config(const Invocation& call);
+int run_processes(const Invocation& call);
+// instances add|edit|default|remove (run_instances hands these over).
+int run_instances_change(const Invocation& call);
 // Prints the Usage section of the INI file, or the built-in summary.
 int run_help(const Invocation& call);
 

@@ -13,16 +13,6 @@ namespace px::cli {
 
 namespace {
 
-// A message's text without its "[n]" number.
-std::string label_of(int n) {
-  std::string text = messages::message_text(n);
-  if (!text.empty() && text[0] == '[') {
-    size_t close = text.find(']');
-    if (close != std::string::npos) text.erase(0, close + 1);
-  }
-  return text;
-}
-
 std::string read_answer() {
   std::string line;
   for (int c; (c = std::fgetc(stdin)) != EOF && c != '\n';) line.push_back(static_cast<char>(c));
@@ -39,7 +29,7 @@ size_t ConsoleOperator::ask(int n, const std::vector<std::string>& args,
   if (buttons.empty()) return 0;
   std::vector<std::string> labels;
   for (size_t i = 0; i < buttons.size(); ++i) {
-    labels.push_back(label_of(buttons[i]));
+    labels.push_back(message_label(buttons[i]));
     std::fprintf(stderr, "  %zu) %s\n", i + 1, labels.back().c_str());
   }
   std::fprintf(stderr, "? ");

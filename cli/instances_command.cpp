@@ -1,5 +1,6 @@
 // pxctl instances: one line per installed instance, in install-file order:
-// its name, a TAB, its window title, a TAB and its configuration file.
+// its name, a TAB, its window title, a TAB and its configuration file. With
+// a subcommand it changes the list (instances_change_command.cpp).
 #include <cstdio>
 
 #include "cli/cli.h"
@@ -11,7 +12,7 @@
 namespace px::cli {
 
 int run_instances(const Invocation& call) {
-  if (!call.words.empty()) return usage_error("instances", "pxctl instances");
+  if (!call.words.empty()) return run_instances_change(call);
   InstanceEnumerator instances;
   if (!instances.begin()) {
     ConsoleOperator op;

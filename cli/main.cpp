@@ -87,6 +87,8 @@ int dispatch(const Invocation& call) {
   if (call.command == "rejects") return px::cli::run_rejects(call);
   if (call.command == "log") return px::cli::run_log(call);
   if (call.command == "reject-file") return px::cli::run_reject_file(call);
+  if (call.command == "config") return px::cli::run_config(call);
+  if (call.command == "processes") return px::cli::run_processes(call);
   if (call.command == "--help" || call.command == "-h" || call.command == "help") {
     return px::cli::run_help(call);
   }

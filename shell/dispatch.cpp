@@ -1,11 +1,15 @@
 #include "shell/dispatch.h"
 
+#include "config/dialogs/configure_dialog.h"
+#include "config/instances.h"
 #include "control/agents.h"
 #include "control/control_commands.h"
 #include "jmd/editors/jmd_windows.h"
+#include "control/node.h"
 #include "shell/about_dialog.h"
 #include "shell/documentation.h"
 #include "shell/may_end.h"
+#include "shell/menu_state.h"
 #include "shell/select_instance_dialog.h"
 #include "toolkit/resources/resource_ids.h"
 #include "views/windows/file_windows.h"
@@ -50,6 +54,19 @@ editors::ListKind jmd_list_kind(int command) {
   }
 }
 
+// The settings and the instance list may have changed: the menu items that
+// depend on them follow.
+void after_configuration(tk::Window task) {
+  refresh_menu_state(task);
+  InstanceEnumerator instances;
+  int count = 0;
+  if (instances.begin()) {
+    for (Instance entry; instances.next(entry);) ++count;
+  }
+  instances.end();
+  task.set_menu_enabled(tk::kCmdSelectInstance, count >= 2);
+}
+
 }  // namespace
 
 bool dispatch_command(Console& console, const tk::Event& event) {
@@ -61,6 +78,14 @@ bool dispatch_command(Console& console, const tk::Event& event) {
     case tk::kCmdSelectInstance:
       if (may_program_end(console)) run_select_instance_dialog(console);
       return true;
+    case tk::kCmdConfigure: {
+      const Instance& instance = current_instance();
+      dialogs::ConfigContext context{console.toolkit(), console.op(), instance.name};
+      bool other_node = (location(instance.name) & kLocationOtherNode) != 0;
+      dialogs::run_configure_dialog(context, instance, other_node);
+      after_configuration(console.task());
+      return true;
+    }
     case tk::kCmdExit:
       if (may_program_end(console)) event.window.destroy();
       return true;

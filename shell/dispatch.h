@@ -3,6 +3,7 @@
 // configuration dialogs are not handled here; unknown ids are ignored.
 //
 //   1006 Select Instance   after the may-the-program-end check, dialog 102
+//   1007 Configure         dialog 123 on the current instance
 //   1008 Exit              after the may-the-program-end check, the end
 //   1009 / 1011            start Nexa / the E-mail Agent
 //   1035                   stop the E-mail Agent

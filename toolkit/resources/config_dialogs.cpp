@@ -7,7 +7,8 @@
 //
 // Shared layout: labels in a column on the left, fields from one x on, a
 // "Browse..." button at the right end of each path field, the sub-dialog
-// buttons bottom left and OK / Cancel bottom right. A scan time is a three
+// buttons bottom left, "Changes..." (what OK would write, a feature of this
+// console) beside them, and OK / Cancel bottom right. A scan time is a three
 // digit field with a spin bar (a small vertical scroll bar) beside it.
 #include "toolkit/resources/groups.h"
 #include "toolkit/resources/resource_ids.h"
@@ -42,6 +43,7 @@ constexpr ControlDef kServerControls[] = {
     {kNoId, K::kStatic, "for these changes to take effect.", {7, 155, 276, 8}},
     {kServerFileLocations, K::kButton, "File &Locations...", {7, 171, 66, 14}},
     {kServerNetwork, K::kButton, "Net&work...", {77, 171, 50, 14}},
+    {kServerChanges, K::kButton, "Chan&ges...", {131, 171, 44, 14}},
     {kOk, K::kButton, "OK", {179, 171, 50, 14}, kDefaultButton},
     {kCancel, K::kButton, "Cancel", {233, 171, 50, 14}, kCancelButton},
 };
@@ -111,6 +113,7 @@ constexpr ControlDef kEmailControls[] = {
     {kNoId, K::kStatic, "for these changes to take effect.", {7, 143, 278, 8}},
     {kEmailJobCard, K::kButton, "&Job Card...", {7, 159, 56, 14}},
     {kEmailFileLocations, K::kButton, "&File Locations...", {67, 159, 66, 14}, kHidden},
+    {kEmailChanges, K::kButton, "Chan&ges...", {137, 159, 40, 14}},
     {kOk, K::kButton, "OK", {181, 159, 50, 14}, kDefaultButton},
     {kCancel, K::kButton, "Cancel", {235, 159, 50, 14}, kCancelButton},
 };
@@ -172,6 +175,7 @@ constexpr ControlDef kPrintControls[] = {
     {kNoId, K::kStatic, "Nexa queue.", {7, 107, 276, 8}},
     {kPrintCurrency, K::kButton, "&Currency...", {7, 123, 56, 14}},
     {kPrintCharacters, K::kButton, "C&haracters...", {67, 123, 56, 14}},
+    {kPrintChanges, K::kButton, "Chan&ges...", {127, 123, 48, 14}},
     {kOk, K::kButton, "OK", {179, 123, 50, 14}, kDefaultButton},
     {kCancel, K::kButton, "Cancel", {233, 123, 50, 14}, kCancelButton},
 };

@@ -1,0 +1,127 @@
+// pxctl instances add NAME TITLE CONFIG
+// pxctl instances edit NAME [--title TEXT] [--config FILE]
+// pxctl instances default NAME
+// pxctl instances remove NAME
+//
+// Changes the instance list as the "Nexa Control Configuration" dialog
+// does (its record dialog's fields are cut to 74, 256 and 256 characters;
+// Make Default moves the instance to the top; remove is its Delete button)
+// and applies it as the dialog's OK: section Configuration of the install
+// file is rewritten in list order and each instance's WindowTitle is
+// written into its configuration file.
+#include "cli/cli.h"
+#include "common/ini_profile.h"
+#include "config/forms/form_messages.h"
+#include "config/forms/instance_list.h"
+#include "config/operator.h"
+
+namespace px::cli {
+
+namespace {
+
+const char* const kSynopsis =
+    "pxctl instances [add NAME TITLE CONFIG | edit NAME [--title TEXT] [--config FILE] | "
+    "default NAME | remove NAME]";
+
+// The text as the record dialog's field takes it.
+std::string typed(const forms::FieldDef& field, const std::string& text) {
+  forms::EditResult result = forms::apply_typing_rules(field, text, 0, nullptr);
+  if (result.cut_to_limit) report(forms::kMsgValueCut, {field.key, std::to_string(field.limit)});
+  return result.text;
+}
+
+// The row of name; reports it missing when there is none.
+int row_of(const forms::InstanceList& list, const std::string& name) {
+  int row = list.find(name);
+  if (row < 0) report(forms::kMsgNoSuchInstance, {name, display_path(list.install_file())});
+  return row;
+}
+
+// Applies the list unless the install file changed since it was read.
+int apply(forms::InstanceList& list) {
+  if (list.changed_on_disk()) {
+    report(forms::kMsgChangedOnDisk, {list.install_file()});
+    return kExitFailed;
+  }
+  if (!list.apply()) {
+    report(kMsgIniWriteFailed, {list.install_file()});
+    return kExitFailed;
+  }
+  return kExitOk;
+}
+
+int add(forms::InstanceList& list, const std::vector<std::string>& w) {
+  if (w.size() != 4) return usage_error("instances add", kSynopsis);
+  std::string name = typed(forms::kRecordName, w[1]);
+  if (!forms::InstanceList::usable_name(name)) {
+    report(forms::kMsgUnusableInstanceName, {name});
+    return kExitFailed;
+  }
+  if (list.find(name) >= 0) {
+    report(forms::kMsgInstanceExists, {name});
+    return kExitFailed;
+  }
+  list.add({name, typed(forms::kRecordTitle, w[2]), typed(forms::kRecordConfig, w[3])});
+  return apply(list);
+}
+
+int edit(forms::InstanceList& list, const std::vector<std::string>& w) {
+  if (w.size() < 2 || w.size() % 2 != 0) return usage_error("instances edit", kSynopsis);
+  std::optional<std::string> title;
+  std::optional<std::string> config;
+  for (std::size_t i = 2; i + 1 < w.size(); i += 2) {
+    if (w[i] == "--title") {
+      title = typed(forms::kRecordTitle, w[i + 1]);
+    } else if (w[i] == "--config") {
+      config = typed(forms::kRecordConfig, w[i + 1]);
+    } else {
+      return usage_error("instances edit", kSynopsis);
+    }
+  }
+  int row = row_of(list, w[1]);
+  if (row < 0) return kExitFailed;
+  Instance changed = list.rows()[static_cast<std::size_t>(row)];
+  if (title) changed.window_title = *title;
+  if (config) changed.config_file = *config;
+  list.replace(static_cast<std::size_t>(row), changed);
+  return apply(list);
+}
+
+int make_default(forms::InstanceList& list, const std::vector<std::string>& w) {
+  if (w.size() != 2) return usage_error("instances default", kSynopsis);
+  int row = row_of(list, w[1]);
+  if (row < 0) return kExitFailed;
+  list.make_default(static_cast<std::size_t>(row));
+  return apply(list);
+}
+
+int remove(forms::InstanceList& list, const std::vector<std::string>& w) {
+  if (w.size() != 2) return usage_error("instances remove", kSynopsis);
+  int row = row_of(list, w[1]);
+  if (row < 0) return kExitFailed;
+  list.remove(static_cast<std::size_t>(row));
+  return apply(list);
+}
+
+}  // namespace
+
+int run_instances_change(const Invocation& call) {
+  const std::vector<std::string>& w = call.words;
+  const std::string& action = w[0];
+  bool shaped = (action == "add" && w.size() == 4) ||
+                ((action == "default" || action == "remove") && w.size() == 2) ||
+                (action == "edit" && w.size() >= 2 && w.size() % 2 == 0);
+  if (!shaped) return usage_error("instances " + action, kSynopsis);
+  forms::InstanceList list;
+  list.load();
+  if (list.install_file().empty()) {
+    report(forms::kMsgNoInstallFile, {display_path(ini::default_file())});
+    return kExitFailed;
+  }
+  if (action == "add") return add(list, w);
+  if (action == "edit") return edit(list, w);
+  if (action == "default") return make_default(list, w);
+  return remove(list, w);
+}
+
+}  // namespace px::cli

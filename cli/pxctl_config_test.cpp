@@ -1,0 +1,166 @@
+// pxctl config, processes and instances on a small installation: output
+// lines, refusals, exit codes and the bytes the files end up with.
+#include <gtest/gtest.h>
+
+#include "cli/pxctl_test_fixture.h"
+
+namespace px {
+namespace {
+
+class PxctlConfigTest : public PxctlFixture {
+ protected:
+  void SetUp() override {
+    ini_ = dir_.write("test.ini",
+                      "[Plexar]\nInstall=" + dir_.file("install.ini") +
+                          "\n[Messages]\n"
+                          "Msg167=30 missing @P3 in @P1\n"
+                          "Msg175=30 no @P1\n"
+                          "Msg211=10 Nexa Control\n"
+                          "Msg218=30 cannot open @P1\n"
+                          "Msg303=30 yield out of range\n"
+                          "Msg901=30 bad use of @P1\n"
+                          "Msg1600=30 no process @P1\n"
+                          "Msg1601=30 @P1 is elsewhere\n"
+                          "Msg1602=30 @P1 changed\n"
+                          "Msg1606=20 @P1 cut to @P2\n"
+                          "Msg1607=30 no instance @P1\n"
+                          "Msg1608=30 @P1 exists\n"
+                          "Msg1609=30 bad name @P1\n");
+    email_ = dir_.write("pxemio.ini",
+                        "[Options]\nCycleTime=2000\nSeconds=yes\nEMailSystem=VIM\n"
+                        "[PxEmio-VIM]\nMailBoxID=orders\nPassword=north1\nPostOffice=/po\n");
+    north_ = dir_.write("north.ini",
+                        "; north\r\n[Plexar]\r\nWindowTitle=North\r\nNode=here\r\n"
+                        "[Processes]\r\nPXSERVER=Plexar Nexa Server\r\n"
+                        "PXEMIO=Plexar E-Mail Agent\r\nPXMERGE=Plexar Print Agent\r\n"
+                        "[Options]\r\nPauseTime=120\r\n[PXEMIO]\r\nIniFileName=" +
+                            email_ + "\r\n[PXMERGE]\r\nIniFileName= \r\n");
+    far_ = dir_.write("far.ini", "[Plexar]\nWindowTitle=Far\nNode=elsewhere\n"
+                                 "[Processes]\nPXSERVER=Plexar Nexa Server\n");
+    dir_.write("install.ini", "[Plexar]\nNode=here\n[Configuration]\nnorth=" + north_ +
+                                  "\nfar=" + far_ + "\n");
+  }
+
+  std::string email_;
+  std::string north_;
+  std::string far_;
+};
+
+TEST_F(PxctlConfigTest, ShowPrintsTheFieldsAsTheDialogOpens) {
+  ProgramResult server = pxctl({"config", "show", "PXSERVER"});
+  EXPECT_EQ(server.status, 0) << server.err;
+  EXPECT_EQ(server.out,
+            "PauseTime\t2\nUnit\tminutes\nFileSpec\t*.DAT\nDeleteExt\tDA*\nBackupFiles\tNo\n"
+            "LogFile\t\nLogFileSize\t100000\nVerbosity\t-10\n");
+  ProgramResult email = pxctl({"config", "show", "pxemio"});
+  EXPECT_EQ(email.out,
+            "CycleTime\t999\nSeconds\tYes\nLogToFile\tNo\nDeleteAfterRead\tNo\nBackupFiles\tNo\n"
+            "MailBoxID\torders\nPassword\t******\nPostOffice\t/po\n");
+  EXPECT_EQ(pxctl({"config", "show", "PXSERVER", "network"}).out,
+            "NetworkQueues\tNo\nNetworkCaptureCmd\t\nNetworkLocalDevice\t\n"
+            "NetworkExcludeQueues\t\nNetworkIncludeQueues\t\n");
+}
+
+TEST_F(PxctlConfigTest, SetTypesConvertsAndWritesOnlyTheFormsKeys) {
+  ProgramResult r = pxctl({"config", "set", "PXSERVER", "PauseTime=999", "Unit=minutes",
+                           "Verbosity=12a34", "BackupFiles=yes"});
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.err, "[1606]Verbosity cut to 3\n");
+  // The form's keys in its save order; every other line as it was, line end included.
+  std::string text = dir_.read("north.ini");
+  std::string plain = text;
+  std::erase(plain, '\r');
+  EXPECT_EQ(plain,
+            "; north\n[Plexar]\nWindowTitle=North\nNode=here\nLogFile=\nLogFileSize=100000\n"
+            "Verbosity=123\n[Processes]\nPXSERVER=Plexar Nexa Server\nPXEMIO=Plexar E-Mail Agent\n"
+            "PXMERGE=Plexar Print Agent\n[Options]\nPauseTime=59940\nBackupFiles=Yes\n"
+            "FileSpec=*.DAT\nDeleteExt=DA*\n[PXEMIO]\nIniFileName=" +
+                email_ + "\n[PXMERGE]\nIniFileName= \n");
+  for (std::string untouched :
+       {std::string("; north\r\n[Plexar]\r\nWindowTitle=North\r\nNode=here\r\n"),
+        std::string("[Processes]\r\nPXSERVER=Plexar Nexa Server\r\nPXEMIO=Plexar E-Mail Agent\r\n"
+                    "PXMERGE=Plexar Print Agent\r\n[Options]\r\n"),
+        "[PXEMIO]\r\nIniFileName=" + email_ + "\r\n[PXMERGE]\r\nIniFileName= \r\n"}) {
+    EXPECT_NE(text.find(untouched), std::string::npos) << untouched;
+  }
+}
+
+TEST_F(PxctlConfigTest, DryRunListsChangesAndWritesNothing) {
+  std::string before = dir_.read("pxemio.ini");
+  ProgramResult r = pxctl({"config", "set", "PXEMIO", "Password=abc", "Unit=minutes",
+                           "--dry-run"});
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.out,
+            "Seconds\tyes\tNo\nCycleTime\t2000\t999\nLogToFile\t(none)\tNo\n"
+            "DeleteAfterRead\t(none)\tNo\nBackupFiles\t(none)\tNo\nPassword\t******\t***\n");
+  EXPECT_EQ(dir_.read("pxemio.ini"), before);
+}
+
+TEST_F(PxctlConfigTest, RefusalsAndUsageErrors) {
+  std::string before = dir_.read("north.ini");
+  EXPECT_EQ(pxctl({"config", "set", "PXSERVER", "Nonsense=1"}).status, 2);
+  EXPECT_EQ(pxctl({"config", "set", "PXSERVER", "Unit=hours"}).status, 2);
+  EXPECT_EQ(pxctl({"config", "show", "PXSERVER", "jobcard"}).status, 2);
+  EXPECT_EQ(pxctl({"config", "show"}).status, 2);
+  EXPECT_EQ(dir_.read("north.ini"), before);
+
+  ProgramResult missing = pxctl({"config", "show", "PXNONE"});
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_EQ(missing.err, "[1600]no process PXNONE\n");
+  ProgramResult blank = pxctl({"config", "show", "PXMERGE"});
+  EXPECT_EQ(blank.status, 1);
+  EXPECT_EQ(blank.err, "[167]missing IniFileName in PXMERGE\n");
+  ProgramResult far = pxctl({"--instance", "far", "config", "show", "PXSERVER"});
+  EXPECT_EQ(far.status, 1);
+  EXPECT_EQ(far.err, "[1601]far is elsewhere\n");
+}
+
+TEST_F(PxctlConfigTest, YieldOutOfRangeIsRefusedAndWritesNothing) {
+  std::string merge = dir_.write("pxmerge.ini", "[Plexar]\nYieldPercent=40\n");
+  dir_.write("north.ini", dir_.read("north.ini").replace(
+                              dir_.read("north.ini").find("IniFileName= "), 13,
+                              "IniFileName=" + merge));
+  ProgramResult r = pxctl({"config", "set", "PXMERGE", "YieldPercent=101"});
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.err, "[303]yield out of range\n");
+  EXPECT_EQ(dir_.read("pxmerge.ini"), "[Plexar]\nYieldPercent=40\n");
+  EXPECT_EQ(pxctl({"config", "set", "PXMERGE", "YieldPercent=100"}).status, 0);
+  EXPECT_EQ(pxctl({"config", "show", "PXMERGE"}).out,
+            "Verbosity\t0\nFormPath\t\nLogoPath\t\nDataPath\t\n");
+  EXPECT_EQ(pxctl({"config", "set", "PXMERGE", "currency", "CurrencyLocation=right"}).status, 0);
+  EXPECT_NE(dir_.read("pxmerge.ini").find("CurrencyLocation=Right"), std::string::npos);
+}
+
+TEST_F(PxctlConfigTest, ProcessesListsTheConfigureRows) {
+  ProgramResult r = pxctl({"processes"});
+  EXPECT_EQ(r.status, 0);
+  EXPECT_EQ(r.out, "Nexa Control\nNexa Server\nE-Mail Agent\nPrint Agent\n");
+  EXPECT_EQ(pxctl({"--instance", "far", "processes"}).out, "Nexa Control\n");
+  dir_.write("north.ini", "[Plexar]\nNode=here\n");
+  ProgramResult none = pxctl({"processes"});
+  EXPECT_EQ(none.status, 1);
+  EXPECT_EQ(none.out, "");
+}
+
+TEST_F(PxctlConfigTest, InstancesAddEditDefaultRemove) {
+  std::string west = dir_.file("west.ini");
+  EXPECT_EQ(pxctl({"instances", "add", "west", "West office", west}).status, 0);
+  EXPECT_EQ(pxctl({"instances", "default", "west"}).status, 0);
+  EXPECT_EQ(pxctl({"instances", "edit", "north", "--title", "North office"}).status, 0);
+  EXPECT_EQ(pxctl({"instances", "remove", "far"}).status, 0);
+  EXPECT_EQ(pxctl({"instances"}).out, "west\tWest office\t" + west + "\nnorth\tNorth office\t" +
+                                          north_ + "\n");
+  EXPECT_EQ(dir_.read("install.ini"), "[Plexar]\nNode=here\n[Configuration]\nwest=" + west +
+                                          "\nnorth=" + north_ + "\n");
+  EXPECT_EQ(dir_.read("west.ini"), "[Plexar]\nWindowTitle=West office\n");
+
+  EXPECT_EQ(pxctl({"instances", "add", "WEST", "x", west}).err, "[1608]WEST exists\n");
+  EXPECT_EQ(pxctl({"instances", "add", "a=b", "x", west}).status, 1);
+  EXPECT_EQ(pxctl({"instances", "remove", "nobody"}).status, 1);
+  EXPECT_EQ(pxctl({"instances", "edit", "north", "--colour", "red"}).status, 2);
+  EXPECT_EQ(pxctl({"instances", "add", "only-a-name"}).status, 2);
+  EXPECT_EQ(pxctl({"instances", "rename", "x"}).status, 2);
+}
+
+}  // namespace
+}  // namespace px

@@ -1,0 +1,30 @@
+// What the configuration dialogs share while one runs: the toolkit, the
+// operator that shows messages, the name of the instance being edited (for
+// the titles), where the directory browser gets the drives from, and how an
+// EditCfgRtn command is run and waited for. Tests pass their own drives and
+// command runner.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "common/run_command.h"
+#include "config/forms/directory_browser.h"
+#include "config/operator.h"
+#include "toolkit/toolkit.h"
+
+namespace px::dialogs {
+
+struct ConfigContext {
+  tk::Toolkit& toolkit;
+  Operator& op;
+  std::string instance_name;
+  std::function<std::vector<forms::Drive>()> drives = forms::system_drives;
+  std::function<int(std::string_view)> run_and_wait = [](std::string_view command) {
+    return px::run_and_wait(command);
+  };
+};
+
+}  // namespace px::dialogs

@@ -1,0 +1,222 @@
+#include "config/dialogs/instance_dialogs.h"
+
+#include "config/dialogs/form_dialog.h"
+#include "config/forms/form_messages.h"
+#include "config/forms/instance_list.h"
+#include "config/forms/process_list.h"
+
+namespace px::dialogs {
+
+namespace {
+
+// Nexa Control Configuration (121).
+constexpr int kListDialog = 121;
+constexpr int kEdit = 1;
+constexpr int kCancel = 2;
+constexpr int kDelete = 3;
+constexpr int kMakeDefault = 4;
+constexpr int kListOk = 5;
+constexpr int kList = 7;
+// Edit Nexa Control Configuration (124).
+constexpr int kRecordDialog = 124;
+constexpr int kOk = 1;
+
+// The record dialog: OK refuses a name that cannot be a key, or that
+// another row has.
+class InstanceRecord {
+ public:
+  InstanceRecord(const ConfigContext& context, const forms::InstanceList& list, std::size_t row)
+      : context_(context), list_(list), row_(row), instance_(list.rows()[row]) {}
+
+  void handle(const tk::Event& e) {
+    tk::Window dialog = e.window;
+    switch (e.type) {
+      case tk::EventType::kCreate:
+        set(dialog, forms::kRecordName, instance_.name);
+        set(dialog, forms::kRecordTitle, instance_.window_title);
+        set(dialog, forms::kRecordConfig, instance_.config_file);
+        dialog.control(forms::kRecordName.control).focus();
+        break;
+      case tk::EventType::kClose:
+        dialog.destroy();
+        break;
+      case tk::EventType::kControl:
+        if (e.notice == tk::Notice::kChanged) {
+          keep_limit(dialog, e.control);
+        } else if (e.is_control(kOk, tk::Notice::kClicked)) {
+          ok(dialog);
+        } else if (e.is_control(kCancel, tk::Notice::kClicked)) {
+          dialog.destroy();
+        }
+        break;
+      default:
+        break;
+    }
+  }
+
+  bool accepted() const { return accepted_; }
+  const Instance& instance() const { return instance_; }
+
+ private:
+  static void set(tk::Window dialog, const forms::FieldDef& field, const std::string& text) {
+    tk::Control control = dialog.control(field.control);
+    control.set_limit(static_cast<int>(field.limit));
+    control.set_text(text.substr(0, field.limit));
+  }
+
+  void keep_limit(tk::Window dialog, int id) {
+    for (const forms::FieldDef* field :
+         {&forms::kRecordName, &forms::kRecordTitle, &forms::kRecordConfig}) {
+      if (field->control != id) continue;
+      tk::Control control = dialog.control(id);
+      forms::EditResult result =
+          forms::apply_typing_rules(*field, control.text(), control.selection().end, nullptr);
+      if (result.text != control.text()) {
+        control.set_text(result.text);
+        control.set_caret(result.caret);
+      }
+      if (result.beep) dialog.toolkit().beep();
+    }
+  }
+
+  void ok(tk::Window dialog) {
+    std::string name = dialog.control(forms::kRecordName.control).text();
+    int other = list_.find(name);
+    if (!forms::InstanceList::usable_name(name)) {
+      context_.op.show(forms::kMsgUnusableInstanceName, {name});
+      return;
+    }
+    if (other >= 0 && static_cast<std::size_t>(other) != row_) {
+      context_.op.show(forms::kMsgInstanceExists, {name});
+      return;
+    }
+    instance_.name = name;
+    instance_.window_title = dialog.control(forms::kRecordTitle.control).text();
+    instance_.config_file = dialog.control(forms::kRecordConfig.control).text();
+    accepted_ = true;
+    dialog.destroy();
+  }
+
+  const ConfigContext& context_;
+  const forms::InstanceList& list_;
+  std::size_t row_;
+  Instance instance_;
+  bool accepted_ = false;
+};
+
+class InstanceConfig {
+ public:
+  explicit InstanceConfig(const ConfigContext& context) : context_(context) {}
+
+  void handle(const tk::Event& e) {
+    tk::Window dialog = e.window;
+    switch (e.type) {
+      case tk::EventType::kCreate:
+        list_.load();
+        dialog.control(kDelete).set_visible(true);
+        fill(dialog, -1);
+        break;
+      case tk::EventType::kDestroy:
+        dialog.toolkit().forget_help_topics(dialog.id());
+        break;
+      case tk::EventType::kClose:
+        dialog.destroy();
+        break;
+      case tk::EventType::kControl:
+        control(dialog, e);
+        break;
+      default:
+        break;
+    }
+  }
+
+ private:
+  void control(tk::Window dialog, const tk::Event& e) {
+    if (e.is_control(kEdit, tk::Notice::kClicked) || (e.control == kList && e.double_click())) {
+      edit(dialog);
+    } else if (e.is_control(kMakeDefault, tk::Notice::kClicked)) {
+      make_default(dialog);
+    } else if (e.is_control(kDelete, tk::Notice::kClicked)) {
+      remove(dialog);
+    } else if (e.is_control(kListOk, tk::Notice::kClicked)) {
+      ok(dialog);
+    } else if (e.is_control(kCancel, tk::Notice::kClicked)) {
+      dialog.destroy();
+    }
+  }
+
+  void fill(tk::Window dialog, int selected) {
+    tk::Control list = dialog.control(kList);
+    list.suspend();
+    list.clear_rows();
+    for (const Instance& row : list_.rows()) list.add(row.window_title);
+    list.resume();
+    if (selected >= 0 && selected < list.count()) list.select(selected);
+  }
+
+  void edit(tk::Window dialog) {
+    tk::Control list = dialog.control(kList);
+    int row = list.selected();
+    if (row < 0 || list.row(row).empty()) return;
+    InstanceRecord record(context_, list_, static_cast<std::size_t>(row));
+    if (!context_.toolkit.run_modal_dialog(kRecordDialog,
+                                           [&record](const tk::Event& e) { record.handle(e); })) {
+      context_.op.show(kMsgDialogNotCreated);
+      return;
+    }
+    if (!record.accepted()) return;
+    list_.replace(static_cast<std::size_t>(row), record.instance());
+    fill(dialog, row);
+  }
+
+  void make_default(tk::Window dialog) {
+    tk::Control list = dialog.control(kList);
+    if (list.count() <= 1) return;
+    int row = list.selected();
+    if (row < 0) {
+      context_.op.show(forms::kMsgNothingSelected);
+      return;
+    }
+    list_.make_default(static_cast<std::size_t>(row));
+    fill(dialog, 0);
+  }
+
+  void remove(tk::Window dialog) {
+    int row = dialog.control(kList).selected();
+    if (row < 0) {
+      context_.op.show(forms::kMsgNothingSelected);
+      return;
+    }
+    list_.remove(static_cast<std::size_t>(row));
+    fill(dialog, std::min(row, static_cast<int>(list_.rows().size()) - 1));
+  }
+
+  void ok(tk::Window dialog) {
+    if (list_.changed_on_disk()) {
+      std::size_t answer = context_.op.ask(
+          forms::kMsgChangedAsk, {list_.install_file()},
+          {forms::kMsgReloadButton, forms::kMsgOverwriteButton, forms::kMsgCancelButton});
+      if (answer == 0) {
+        list_.load();
+        fill(dialog, 0);
+        return;
+      }
+      if (answer != 1) return;
+    }
+    list_.apply();
+    dialog.destroy();
+  }
+
+  const ConfigContext& context_;
+  forms::InstanceList list_;
+};
+
+}  // namespace
+
+bool run_instance_config_dialog(const ConfigContext& context) {
+  InstanceConfig dialog(context);
+  return context.toolkit.run_modal_dialog(kListDialog,
+                                          [&dialog](const tk::Event& e) { dialog.handle(e); });
+}
+
+}  // namespace px::dialogs

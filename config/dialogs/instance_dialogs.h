@@ -1,0 +1,21 @@
+// "Nexa Control Configuration" (dialog 121), the list of instances, and
+// "Edit Nexa Control Configuration" (124), one instance's name,
+// description and configuration file.
+//
+// 121 lists every instance's title in install-file order. "Edit..." (1) or
+// a double click opens 124 on the selected row; "Make Default" (4) moves
+// the selected row to the top (214 when none is selected); "Delete" (3),
+// created hidden, is shown and takes the selected row out; OK (5) rewrites
+// section Configuration of the install file in list order and each
+// WindowTitle, after asking Reload / Overwrite / Cancel when the install
+// file changed since the dialog read it; Cancel writes nothing.
+#pragma once
+
+#include "config/dialogs/config_context.h"
+
+namespace px::dialogs {
+
+// False when the dialog could not be opened.
+bool run_instance_config_dialog(const ConfigContext& context);
+
+}  // namespace px::dialogs

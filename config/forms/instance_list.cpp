@@ -1,0 +1,68 @@
+#include "config/forms/instance_list.h"
+
+#include <utility>
+
+#include "common/ini_profile.h"
+#include "common/text.h"
+
+namespace px::forms {
+
+void InstanceList::load() {
+  install_ = px::install_file();
+  if (!install_.empty()) ini::drop_file(install_);
+  stamp_ = stamp_of(install_);
+  rows_.clear();
+  InstanceEnumerator enumerator;
+  if (!enumerator.begin()) return;
+  for (Instance entry; enumerator.next(entry);) rows_.push_back(entry);
+  enumerator.end();
+}
+
+int InstanceList::find(std::string_view name) const {
+  for (std::size_t i = 0; i < rows_.size(); ++i) {
+    if (iequals(rows_[i].name, name)) return static_cast<int>(i);
+  }
+  return -1;
+}
+
+bool InstanceList::usable_name(std::string_view name) {
+  if (name.empty() || name.front() == '[' || name.front() == ';') return false;
+  if (is_space(name.front()) || is_space(name.back())) return false;
+  return name.find_first_of("=\r\n") == std::string_view::npos;
+}
+
+void InstanceList::make_default(std::size_t row) {
+  if (row == 0 || row >= rows_.size()) return;
+  Instance chosen = std::move(rows_[row]);
+  rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(row));
+  rows_.insert(rows_.begin(), std::move(chosen));
+}
+
+void InstanceList::replace(std::size_t row, Instance instance) {
+  if (row < rows_.size()) rows_[row] = std::move(instance);
+}
+
+void InstanceList::add(Instance instance) { rows_.push_back(std::move(instance)); }
+
+void InstanceList::remove(std::size_t row) {
+  if (row < rows_.size()) rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(row));
+}
+
+bool InstanceList::changed_on_disk() const { return stamp_of(install_) != stamp_; }
+
+bool InstanceList::apply() {
+  if (install_.empty()) return false;
+  bool written = ini::write_string("Configuration", std::nullopt, std::nullopt, install_);
+  for (const Instance& row : rows_) {
+    written = ini::write_string("Configuration", row.name, row.config_file, install_) && written;
+  }
+  stamp_ = stamp_of(install_);
+  for (const Instance& row : rows_) {
+    if (row.config_file.size() < 2) continue;
+    written = ini::write_string("Plexar", "WindowTitle", row.window_title, row.config_file) &&
+              written;
+  }
+  return written;
+}
+
+}  // namespace px::forms

@@ -1,0 +1,60 @@
+// The list of instances as "Nexa Control Configuration" (dialog 121) and
+// `pxctl instances add|edit|default|remove` change it, and the fields of
+// one instance's record ("Edit Nexa Control Configuration", dialog 124).
+//
+// The list is read from the install file in instance order. OK (apply)
+// empties section Configuration of the install file and writes one key per
+// row in list order (name = configuration file), so the first row is the
+// default instance from then on, and writes each row's title as
+// WindowTitle of section Plexar in that row's configuration file (rows
+// without a configuration file get none).
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "config/forms/field.h"
+#include "config/forms/file_stamp.h"
+#include "config/instances.h"
+
+namespace px::forms {
+
+// The record dialog's fields: name, description, configuration file.
+inline constexpr FieldDef kRecordName{"Name", "Configuration", FieldKind::kText, 4, 74, ""};
+inline constexpr FieldDef kRecordTitle{"WindowTitle", "Plexar", FieldKind::kText, 6, 256, ""};
+inline constexpr FieldDef kRecordConfig{"ConfigFile", "Configuration", FieldKind::kText, 8, 256,
+                                        ""};
+
+class InstanceList {
+ public:
+  // Reads the instances from the install file and remembers its stamp.
+  void load();
+
+  const std::vector<Instance>& rows() const { return rows_; }
+  const std::string& install_file() const { return install_; }
+  // The row of the instance called name (any case), or -1.
+  int find(std::string_view name) const;
+  // True when name can be a key of section Configuration: not empty, no
+  // "=" and no line break, not starting with "[" or ";", no outer blanks.
+  static bool usable_name(std::string_view name);
+
+  // Make Default: the row moves to the top; the first row stays.
+  void make_default(std::size_t row);
+  void replace(std::size_t row, Instance instance);
+  void add(Instance instance);
+  void remove(std::size_t row);
+
+  // True when the install file changed on disk since load or apply.
+  bool changed_on_disk() const;
+  // OK. False when the install file or a configuration file could not be
+  // written (what came before stays written).
+  bool apply();
+
+ private:
+  std::vector<Instance> rows_;
+  std::string install_;
+  FileStamp stamp_;
+};
+
+}  // namespace px::forms

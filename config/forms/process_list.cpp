@@ -1,0 +1,120 @@
+#include "config/forms/process_list.h"
+
+#include "common/ini_profile.h"
+#include "common/text.h"
+#include "config/forms/form_defs.h"
+#include "config/settings.h"
+
+namespace px::forms {
+
+namespace {
+
+constexpr std::size_t kKeyListSize = 1024;
+constexpr std::size_t kNameSize = 256;
+constexpr std::size_t kCommandSize = 512;
+constexpr std::string_view kGroupWords[] = {"Plexar ", "Ortane Relay "};
+
+}  // namespace
+
+std::string without_group_word(std::string_view name) {
+  for (std::string_view word : kGroupWords) {
+    if (istarts_with(name, word)) return std::string(name.substr(word.size()));
+  }
+  return std::string(name);
+}
+
+ProcessListing list_processes(const std::string& config_file, bool other_node, Operator& op) {
+  ProcessListing listing;
+  if (!file_readable(config_file)) {
+    op.show(kMsgConfigNotOpened, {display_path(config_file)});
+    listing.opened = false;
+    return listing;
+  }
+  if (other_node) return listing;
+  ini::drop_file(config_file);
+  KeyList keys = ini::get_key_list("Processes", kKeyListSize, config_file);
+  if (keys.used < 2) {
+    op.show(kMsgProcessesMissing, {"Processes", display_path(config_file)});
+    listing.closes = true;
+    return listing;
+  }
+  for (const std::string& key : keys.keys) {
+    std::string name = ini::get_string("Processes", key, "", kNameSize, config_file);
+    listing.processes.push_back({key, without_group_word(name)});
+  }
+  return listing;
+}
+
+std::optional<std::string> key_for_row(const ProcessListing& listing, std::string_view row) {
+  for (const Process& process : listing.processes) {
+    if (process.name == row) return process.key;
+  }
+  return std::nullopt;
+}
+
+std::optional<std::string> find_process_key(const std::string& config_file,
+                                            std::string_view word) {
+  if (config_file.empty()) return std::nullopt;
+  for (const std::string& key : ini::get_key_array("Processes", config_file)) {
+    if (iequals(key, word)) return key;
+  }
+  return std::nullopt;
+}
+
+std::optional<std::string> process_ini_file(const std::string& config_file, const std::string& key,
+                                            Operator& op) {
+  if (iequals(key, kServerProcess)) return config_file;
+  std::string file = path_setting(key, "IniFileName", config_file);
+  if (file.empty()) {
+    op.show(kMsgSettingMissing, {key, display_path(config_file), "IniFileName"});
+    return std::nullopt;
+  }
+  return file;
+}
+
+std::optional<ProcessEditor> process_editor(const std::string& config_file, const std::string& key,
+                                            Operator& op) {
+  std::optional<std::string> ini_file = process_ini_file(config_file, key, op);
+  if (!ini_file) return std::nullopt;
+  ProcessEditor editor{EditorKind::kCommand, key, *ini_file, {}};
+  std::string pattern = setting(key, "EditCfgRtn", "", kCommandSize, config_file);
+  if (!pattern.empty()) {
+    editor.command = format_command(pattern, *ini_file);
+    return editor;
+  }
+  if (key == kServerProcess) {
+    editor.kind = EditorKind::kServer;
+  } else if (key == kEmailProcess) {
+    editor.kind = EditorKind::kEmail;
+  } else if (key == kPrintProcess) {
+    editor.kind = EditorKind::kPrint;
+  } else {
+    op.show(kMsgSettingMissing, {key, display_path(config_file), "EditCfgRtn"});
+    return std::nullopt;
+  }
+  return editor;
+}
+
+std::string format_command(std::string_view pattern, std::string_view file) {
+  std::string out;
+  bool filled = false;
+  for (std::size_t i = 0; i < pattern.size(); ++i) {
+    if (pattern[i] == '%' && i + 1 < pattern.size()) {
+      if (pattern[i + 1] == '%') {
+        out += '%';
+        ++i;
+        continue;
+      }
+      if (pattern[i + 1] == 's' && !filled) {
+        out += file;
+        filled = true;
+        ++i;
+        continue;
+      }
+    }
+    out += pattern[i];
+  }
+  return out;
+}
+
+}  // namespace px::forms
