@@ -46,6 +46,7 @@ expect -rw-r--r-- usr/share/applications/nexa-control.desktop
 expect -rw-r--r-- usr/share/icons/hicolor/scalable/apps/nexa-control.svg
 expect -rw-r--r-- usr/share/bash-completion/completions/pxctl
 expect -rw-r--r-- usr/share/doc/nexa-control/pxcntrl.html
+expect -rw-r--r-- usr/share/doc/nexa-control/guide.md
 expect -rw-r--r-- usr/share/doc/nexa-control/copyright
 expect -rw-r--r-- usr/share/doc/nexa-control/changelog.gz
 dpkg-deb -I "$deb" conffiles | grep -qx /etc/pxcntrl.ini || fail "/etc/pxcntrl.ini is not a conffile"
