@@ -39,7 +39,7 @@ const char* const kSummary =
     "Common options (value written directly behind the option):\n"
     "  -aiiFILE  INI file      -allFILE  log file (stdout, stderr)\n"
     "  -asnNAME  server name   -arxFILE  response file   -arfFORMAT  field|basic\n"
-    "  -adtN     integer option\n"
+    "  -adtN     integer option   -aro  read-only: refuse every change (exit 1)\n"
     "  @FILE     read more arguments from FILE\n"
     "\n"
     "Exit status: 0 success, 1 the operation failed, 2 usage error.\n";

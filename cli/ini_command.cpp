@@ -4,8 +4,10 @@
 #include <optional>
 
 #include "cli/cli.h"
+#include "cli/console_operator.h"
 #include "common/directory_map.h"
 #include "common/ini_profile.h"
+#include "config/operator_action.h"
 
 namespace px::cli {
 
@@ -30,23 +32,35 @@ int ini_keys(const std::vector<std::string>& w) {
   return kExitOk;
 }
 
-int ini_write(const std::string& file, const std::string& section,
-              std::optional<std::string_view> key, std::optional<std::string_view> value) {
-  if (ini::write_string(section, key, value, file)) return kExitOk;
-  report(kMsgIniWriteFailed, {file});
-  return kExitFailed;
+// Sets or deletes as the operator action "ini set|delete FILE SECTION [KEY]"
+// (w without the value, which may be a password): refused in read-only
+// mode, recorded in the audit log.
+int ini_write(const std::vector<std::string>& w, std::optional<std::string_view> key,
+              std::optional<std::string_view> value) {
+  const std::string& file = w[1];
+  std::string action = "ini " + w[0] + " " + file + " " + w[2];
+  if (key) action += " " + std::string(*key);
+  ConsoleOperator op;
+  OperatorAction gate(op, action, "");
+  if (!gate.permitted()) return kExitFailed;
+  if (!ini::write_string(w[2], key, value, file)) {
+    gate.op().show(kMsgIniWriteFailed, {file});
+    return kExitFailed;
+  }
+  gate.finish(ActionResult::kDone);
+  return kExitOk;
 }
 
 int ini_set(const std::vector<std::string>& w) {
   if (w.size() != 5) return usage_error("ini set", kSynopsis);
-  return ini_write(w[1], w[2], w[3], w[4]);
+  return ini_write(w, w[3], w[4]);
 }
 
 int ini_delete(const std::vector<std::string>& w) {
   if (w.size() != 3 && w.size() != 4) return usage_error("ini delete", kSynopsis);
   std::optional<std::string_view> key;
   if (w.size() == 4) key = w[3];
-  return ini_write(w[1], w[2], key, std::nullopt);
+  return ini_write(w, key, std::nullopt);
 }
 
 // Without an install file the map is empty and the path comes back as it is.

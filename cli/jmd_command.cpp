@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "cli/cli.h"
+#include "cli/console_operator.h"
+#include "config/operator_action.h"
 #include "jmd/jmd.h"
 #include "jmd/jmd_writer.h"
 
@@ -50,12 +52,16 @@ int jmd_check(const std::vector<std::string>& w) {
 
 int jmd_save(const std::vector<std::string>& w) {
   if (w.size() != 3) return usage_error("jmd save", kSynopsis);
+  ConsoleOperator op;
+  OperatorAction gate(op, "jmd save " + w[2], "");
+  if (!gate.permitted()) return kExitFailed;
   StderrReporter reporter;
   std::unique_ptr<jmd::Jmd> jmd = jmd::load_jmd(w[1], reporter);
   if (!jmd) return kExitFailed;
   bool saved = jmd::save_jmd(*jmd, w[2]);
   bool closed = jmd::close_jmd(std::move(jmd));
-  if (!saved) report(kMsgJmdWriteFailed, {w[2]});
+  if (!saved) gate.op().show(kMsgJmdWriteFailed, {w[2]});
+  if (saved && closed) gate.finish(ActionResult::kDone);
   return saved && closed ? kExitOk : kExitFailed;
 }
 
