@@ -51,6 +51,8 @@ int run_start_email(const Invocation& call);
 int run_stop_email(const Invocation& call);
 int run_kick(const Invocation& call);
 int run_location(const Invocation& call);
+// Prints the operator audit log, or its records since a time.
+int run_audit(const Invocation& call);
 // Prints the Usage section of the INI file, or the built-in summary.
 int run_help(const Invocation& call);
 

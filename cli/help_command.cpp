@@ -34,6 +34,8 @@ const char* const kSummary =
     "  location                             print the location word (1 net, 2 startable,\n"
     "                                       4 other node, 8 remote access)\n"
     "  jmd-save                             save the JMD, keeping the old file as .JBK\n"
+    "  audit [--since TIME]                 the operator audit log (AuditLog in Options),\n"
+    "                                       from TIME (YYYY-MM-DD[THH:MM[:SS]][Z]) on\n"
     "  --help                               this text\n"
     "\n"
     "Common options (value written directly behind the option):\n"

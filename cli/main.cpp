@@ -64,6 +64,7 @@ int dispatch(const Invocation& call) {
   if (call.command == "stop-email") return px::cli::run_stop_email(call);
   if (call.command == "kick") return px::cli::run_kick(call);
   if (call.command == "location") return px::cli::run_location(call);
+  if (call.command == "audit") return px::cli::run_audit(call);
   if (call.command == "--help" || call.command == "-h" || call.command == "help") {
     return px::cli::run_help(call);
   }

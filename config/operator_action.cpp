@@ -5,6 +5,7 @@
 #include "common/ini_profile.h"
 #include "common/messages.h"
 #include "common/text.h"
+#include "config/audit_log.h"
 
 namespace px {
 
@@ -14,6 +15,15 @@ constexpr size_t kSwitchSize = 16;
 
 bool says_yes(std::string_view value) {
   return iequals(value, "yes") || iequals(value, "true") || iequals(value, "on") || value == "1";
+}
+
+const char* result_word(ActionResult result) {
+  switch (result) {
+    case ActionResult::kDone: return "done";
+    case ActionResult::kCancelled: return "cancelled";
+    case ActionResult::kFailed: break;
+  }
+  return "failed";
 }
 
 }  // namespace
@@ -27,14 +37,26 @@ std::string read_only_reason() { return expand(messages::message_text(msg::kRead
 OperatorAction::OperatorAction(Operator& op, std::string action, std::string instance)
     : noting_(op), action_(std::move(action)), instance_(std::move(instance)) {
   permitted_ = !read_only_mode();
-  if (!permitted_) noting_.show(msg::kReadOnlyRefused, {action_});
+  if (permitted_) return;
+  noting_.show(msg::kReadOnlyRefused, {action_});
+  record("refused");
+  finished_ = true;
 }
 
 OperatorAction::~OperatorAction() { finish(ActionResult::kFailed); }
 
-void OperatorAction::finish(ActionResult) {
-  if (finished_ || !permitted_) return;
+void OperatorAction::finish(ActionResult result) {
+  if (finished_) return;
   finished_ = true;
+  record(result_word(result));
+}
+
+void OperatorAction::record(const char* result) {
+  AuditRecord entry = audit_record_now(instance_, action_, result, noting_.last);
+  std::string file, error;
+  if (!write_audit_record(entry, file, error)) {
+    noting_.target.show(msg::kAuditNotWritten, {action_, file, error});
+  }
 }
 
 void OperatorAction::NotingOperator::show(int n, const std::vector<std::string>& args) {

@@ -15,6 +15,11 @@
 // option -aro. The operator is shown message 1700 with the action's name and
 // nothing is done; views and show commands, which open no OperatorAction,
 // work as usual.
+//
+// Every action is recorded in the operator audit log (audit_log.h) when it
+// ends: refused at once, otherwise at finish() (or, unfinished, at the end
+// of its scope as failed), with the number of the last message shown
+// through op().
 #pragma once
 
 #include <string>
@@ -65,6 +70,10 @@ class OperatorAction {
   void finish(ActionResult result);
 
  private:
+  // Writes the audit record (audit_log.h); a file that cannot be written is
+  // reported with 1702, which does not count as the action's message.
+  void record(const char* result);
+
   struct NotingOperator : Operator {
     explicit NotingOperator(Operator& to) : target(to) {}
     void show(int n, const std::vector<std::string>& args) override;

@@ -58,8 +58,8 @@ TEST_F(ReadOnlyMenuTest, ChangingItemsAreDisabledWithTheReasonAndTheRestWork) {
   EXPECT_FALSE(task().menu_enabled(tk::kCmdSave));
 }
 
-TEST_F(ReadOnlyMenuTest, ActionsThatReachDispatchAreRefusedByTheirGate) {
-  write_console_ini();
+TEST_F(ReadOnlyMenuTest, ActionsThatReachDispatchAreRefusedByTheirGateAndAudited) {
+  write_console_ini("AuditLog=" + dir.file("audit.log") + "\n");
   std::vector<std::string> args{"pxcntrl", "-aro"};
   ASSERT_EQ(common_init(args), 0);
   start();
@@ -71,6 +71,8 @@ TEST_F(ReadOnlyMenuTest, ActionsThatReachDispatchAreRefusedByTheirGate) {
     return event;
   }()));
   EXPECT_EQ(files_in("north/data"), 0u);
+  EXPECT_THAT(read_text(dir.file("audit.log")),
+              HasSubstr("\tpxcntrl\tnorth\treload-jobs\trefused\t1700\n"));
 }
 
 TEST_F(ReadOnlyMenuTest, WithoutReadOnlyTheItemsFollowTheirUsualRules) {
