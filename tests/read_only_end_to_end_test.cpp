@@ -19,7 +19,8 @@ class ReadOnlyEndToEnd : public ::testing::Test {
   void SetUp() override {
     ASSERT_TRUE(live.start_simulator({"--port", "0", "--stopped", "south", "north", "south"}))
         << live.simulator_log();
-    ASSERT_EQ(live.state(), "3\trunning");
+    // The simulator writes the status file just after it starts serving.
+    ASSERT_TRUE(eventually([&] { return live.state() == "3\trunning"; })) << live.state();
   }
   size_t control_files() const {
     auto entries = std::filesystem::directory_iterator(live.path("north/data"));
