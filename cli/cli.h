@@ -73,6 +73,8 @@ int run_config(const Invocation& call);
 int run_processes(const Invocation& call);
 // instances add|edit|default|remove (run_instances hands these over).
 int run_instances_change(const Invocation& call);
+// Prints the operator audit log, or its records since a time.
+int run_audit(const Invocation& call);
 // Prints the Usage section of the INI file, or the built-in summary.
 int run_help(const Invocation& call);
 

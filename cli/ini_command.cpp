@@ -4,8 +4,10 @@
 #include <optional>
 
 #include "cli/cli.h"
+#include "cli/console_operator.h"
 #include "common/directory_map.h"
 #include "common/ini_profile.h"
+#include "config/operator_action.h"
 
 namespace px::cli {
 
@@ -42,34 +44,47 @@ int refusal(const IniChange& change) {
   return 0;
 }
 
-int ini_write(const std::string& file, const std::string& section,
-              std::optional<std::string_view> key, std::optional<std::string_view> value) {
-  IniChange change{section, key, value};
+// Sets or deletes as the operator action "ini set|delete FILE SECTION [KEY]"
+// (w without the value, which may be a password): refused in read-only
+// mode, recorded in the audit log. A change the file could not give back
+// unchanged is refused before the file is touched.
+int ini_write(const std::vector<std::string>& w, std::optional<std::string_view> key,
+              std::optional<std::string_view> value) {
+  const std::string& file = w[1];
+  std::string action = "ini " + w[0] + " " + file + " " + w[2];
+  if (key) action += " " + std::string(*key);
+  ConsoleOperator op;
+  OperatorAction gate(op, action, "");
+  if (!gate.permitted()) return kExitFailed;
+  IniChange change{w[2], key, value};
   if (int refused = refusal(change)) {
     std::string_view part = refused == kMsgIniBadSection ? change.section
                             : refused == kMsgIniBadKey   ? *change.key
                                                          : *change.value;
-    report(refused, {file, std::string(part)});
+    gate.op().show(refused, {file, std::string(part)});
     return kExitFailed;
   }
-  FileResult result = ini::write_string(section, key, value, file);
-  if (result) return kExitOk;
-  FileMessage why = failure_message(result, file);
-  report(why.number, why.args);
-  report(kMsgIniWriteFailed, {file});
-  return kExitFailed;
+  FileResult result = ini::write_string(w[2], key, value, file);
+  if (!result) {
+    FileMessage why = failure_message(result, file);
+    gate.op().show(why.number, why.args);
+    gate.op().show(kMsgIniWriteFailed, {file});
+    return kExitFailed;
+  }
+  gate.finish(ActionResult::kDone);
+  return kExitOk;
 }
 
 int ini_set(const std::vector<std::string>& w) {
   if (w.size() != 5) return usage_error("ini set", kSynopsis);
-  return ini_write(w[1], w[2], w[3], w[4]);
+  return ini_write(w, w[3], w[4]);
 }
 
 int ini_delete(const std::vector<std::string>& w) {
   if (w.size() != 3 && w.size() != 4) return usage_error("ini delete", kSynopsis);
   std::optional<std::string_view> key;
   if (w.size() == 4) key = w[3];
-  return ini_write(w[1], w[2], key, std::nullopt);
+  return ini_write(w, key, std::nullopt);
 }
 
 // Without an install file the map is empty and the path comes back as it is.

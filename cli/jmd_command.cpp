@@ -12,6 +12,7 @@
 #include "jmd/editors/editor_messages.h"
 #include "jmd/editors/jmd_file.h"
 #include "jmd/editors/references.h"
+#include "config/operator_action.h"
 #include "jmd/jmd.h"
 #include "jmd/jmd_writer.h"
 
@@ -64,6 +65,9 @@ int jmd_check(const std::vector<std::string>& w) {
 
 int jmd_save(const std::vector<std::string>& w) {
   if (w.size() != 3) return usage_error("jmd save", kSynopsis);
+  ConsoleOperator op;
+  OperatorAction gate(op, "jmd save " + w[2], "");
+  if (!gate.permitted()) return kExitFailed;
   StderrReporter reporter;
   std::unique_ptr<jmd::Jmd> jmd = jmd::load_jmd(w[1], reporter);
   if (!jmd) return kExitFailed;
@@ -73,9 +77,10 @@ int jmd_save(const std::vector<std::string>& w) {
   bool closed = jmd::close_jmd(std::move(jmd));
   if (!saved) {
     FileMessage why = failure_message(saved, w[2]);
-    report(why.number, why.args);
-    report(kMsgJmdWriteFailed, {w[2]});
+    gate.op().show(why.number, why.args);
+    gate.op().show(kMsgJmdWriteFailed, {w[2]});
   }
+  if (saved && closed) gate.finish(ActionResult::kDone);
   return saved && closed ? kExitOk : kExitFailed;
 }
 

@@ -1,6 +1,7 @@
 // pxctl kick [--email]: sends the control signal to the server, or to its
 // E-mail Agent, so it looks at its control directory at once.
 #include "cli/control_session.h"
+#include "config/operator_action.h"
 #include "control/signals.h"
 
 namespace px::cli {
@@ -12,7 +13,11 @@ int run_kick(const Invocation& call) {
   }
   ControlSession session(call);
   if (!session.ready()) return kExitFailed;
-  return kick(session.instance().name, email, session.op()) ? kExitOk : kExitFailed;
+  OperatorAction gate(session.op(), email ? "kick --email" : "kick", session.instance().name);
+  if (!gate.permitted()) return kExitFailed;
+  if (!kick(session.instance().name, email, gate.op())) return kExitFailed;
+  gate.finish(ActionResult::kDone);
+  return kExitOk;
 }
 
 }  // namespace px::cli

@@ -89,6 +89,7 @@ int dispatch(const Invocation& call) {
   if (call.command == "reject-file") return px::cli::run_reject_file(call);
   if (call.command == "config") return px::cli::run_config(call);
   if (call.command == "processes") return px::cli::run_processes(call);
+  if (call.command == "audit") return px::cli::run_audit(call);
   if (call.command == "--help" || call.command == "-h" || call.command == "help") {
     return px::cli::run_help(call);
   }

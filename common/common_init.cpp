@@ -23,6 +23,7 @@ constexpr int kBuildMessageLevel = 1;
 struct InitState {
   std::optional<std::string> server_name;  // from -asn
   int integer_option = 0;
+  bool read_only = false;  // -aro
   bool build_logged = false;
 };
 
@@ -77,6 +78,7 @@ void apply_options(const std::vector<std::string>& args) {
   if (auto format = last_option(args, "-arf")) set_response_format(parse_response_format(*format));
   if (auto file = last_option(args, "-arx")) set_response_file(*file);
   if (auto number = last_option(args, "-adt")) s.integer_option = parse_int(*number);
+  s.read_only = last_option(args, "-aro").has_value();
   log_build_once();
 }
 
@@ -142,8 +144,10 @@ std::string server_name() {
 
 int integer_option() { return init_state().integer_option; }
 
+bool read_only_option() { return init_state().read_only; }
+
 bool is_common_option(std::string_view arg) {
-  for (std::string_view option : {"-asn", "-aii", "-all", "-arf", "-arx", "-adt"}) {
+  for (std::string_view option : {"-asn", "-aii", "-all", "-arf", "-arx", "-adt", "-aro"}) {
     if (istarts_with(arg, option)) return true;
   }
   return false;

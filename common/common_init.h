@@ -13,6 +13,7 @@
 //   -arf<format>   response format ("basic" in any case, else field)
 //   -arx<file>     response file
 //   -adt<number>   the integer option
+//   -aro           read-only mode (no value; see read_only_option)
 //   LogBuild in Plexar: when set and not "no", the build time is logged once.
 // The options stay in the argument vector.
 #pragma once
@@ -49,8 +50,11 @@ void report_out_of_memory() noexcept;
 // The "-adt" value; 0 when not given.
 int integer_option();
 
-// True for the common option names "-asn", "-aii", "-all", "-arf", "-arx" and
-// "-adt" at the start of arg, in any case.
+// True when "-aro" was on the command line: the console only looks.
+bool read_only_option();
+
+// True for the common option names "-asn", "-aii", "-all", "-arf", "-arx",
+// "-adt" and "-aro" at the start of arg, in any case.
 bool is_common_option(std::string_view arg);
 
 }  // namespace px

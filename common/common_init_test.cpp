@@ -46,6 +46,7 @@ TEST_F(CommonInitTest, OptionsAreTakenInOrder) {
   EXPECT_EQ(messages::log_file(), "second.log");
   EXPECT_EQ(messages::program_name(), "prog");
   EXPECT_EQ(integer_option(), 42);
+  EXPECT_FALSE(read_only_option());
   EXPECT_EQ(server_name(), "ALPHA");
   EXPECT_EQ(response_file(), "answer.rsp");
   EXPECT_EQ(access("answer.rsp", F_OK), -1);  // a stale response is deleted
@@ -90,10 +91,12 @@ TEST_F(CommonInitTest, IndirectFileFailureKeepsArguments) {
 }
 
 TEST_F(CommonInitTest, IndirectFileSuppliesOptions) {
-  std::string at = dir_.write("opts", "-aii" + ini_ + " -arfBASIC -arxmine.rsp\n");
+  std::string at = dir_.write("opts", "-aii" + ini_ + " -arfBASIC -arxmine.rsp -ARO\n");
   Args args{"prog", "@" + at, "cmd"};
   ASSERT_EQ(common_init(args), 0);
-  EXPECT_EQ(args, (Args{"prog", "-aii" + ini_, "-arfBASIC", "-arxmine.rsp", "cmd"}));
+  EXPECT_EQ(args, (Args{"prog", "-aii" + ini_, "-arfBASIC", "-arxmine.rsp", "-ARO", "cmd"}));
+  EXPECT_TRUE(read_only_option());
+  EXPECT_TRUE(is_common_option("-aro"));
   EXPECT_EQ(response_format(), ResponseFormat::kBasic);
   write_response(3, "done");
   EXPECT_EQ(dir_.read("mine.rsp"), "3\ndone");

@@ -8,6 +8,7 @@
 
 #include "common/file_util.h"
 #include "config/message_numbers.h"
+#include "config/operator_action.h"
 #include "config/settings.h"
 #include "jmd/jmd_report.h"
 #include "jmd/jmd_schema.h"
@@ -175,13 +176,16 @@ bool JmdService::save(Operator& op) { return save(op, system_file_system()); }
 bool JmdService::save(Operator& op, FileSystem& files) {
   close_if_instance_changed();
   if (!jmd_) return true;
-  std::optional<std::string> path = jmd_path(op);
+  OperatorAction gate(op, "jmd-save", taken_for_.name);
+  if (!gate.permitted()) return false;
+  std::optional<std::string> path = jmd_path(gate.op());
   if (!path) return false;
   if (!write_with_backup(*jmd_, *path, files)) {
-    op.show(msg::kJmdNotWritten, {display_path(*path)});
+    gate.op().show(msg::kJmdNotWritten, {display_path(*path)});
     return false;
   }
   modified_ = false;
+  gate.finish(ActionResult::kDone);
   return true;
 }
 

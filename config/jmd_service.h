@@ -72,7 +72,8 @@ class JmdService {
 
   // Writes the open JMD with its backup and clears the modified flag. True
   // when nothing is open. False after showing 144 or 167 (JMDFileName is
-  // read again) or 185; the flag then stays set.
+  // read again) or 185; the flag then stays set. A save is the operator
+  // action "jmd-save" (operator_action.h): read-only mode refuses it (1700).
   bool save(Operator& op);
   // The same with the file steps done through files.
   bool save(Operator& op, FileSystem& files);

@@ -10,6 +10,7 @@
 #include "config/message_numbers.h"
 #include "config/settings.h"
 #include "config/state_probes.h"
+#include "control/gated_action.h"
 #include "control/node.h"
 
 namespace px {
@@ -87,9 +88,7 @@ Outcome start_classic(const ControlContext& context, const Starter& starter) {
   return Outcome::kFailed;
 }
 
-}  // namespace
-
-Outcome start_server(const ControlContext& context) {
+Outcome start_server_ungated(const ControlContext& context) {
   if (!config_readable(context)) return Outcome::kFailed;
   ServerState state = server_state(context.instance.config_file, context.op);
   if (state == ServerState::kUnknown) return Outcome::kFailed;
@@ -102,7 +101,7 @@ Outcome start_server(const ControlContext& context) {
                                                                             : Outcome::kFailed;
 }
 
-Outcome start_email_agent(const ControlContext& context) {
+Outcome start_email_agent_ungated(const ControlContext& context) {
   if (!config_readable(context)) return Outcome::kFailed;
   if (email_status_file_present(context.instance.config_file, context.op)) {
     context.op.show(msg::kEmailAlreadyRunning);
@@ -114,7 +113,7 @@ Outcome start_email_agent(const ControlContext& context) {
              : Outcome::kFailed;
 }
 
-Outcome stop_email_agent(const ControlContext& context) {
+Outcome stop_email_agent_ungated(const ControlContext& context) {
   const std::string& config = context.instance.config_file;
   Operator& op = context.op;
   if (!config_readable(context)) return Outcome::kFailed;
@@ -142,6 +141,20 @@ Outcome stop_email_agent(const ControlContext& context) {
   bool woken = kick(context.instance.name, true, op, context.times);
   op.show(msg::kEmailStopSent);
   return woken ? Outcome::kDone : Outcome::kDeliveredNotWoken;
+}
+
+}  // namespace
+
+Outcome start_server(const ControlContext& context) {
+  return run_gated("start", context, start_server_ungated);
+}
+
+Outcome start_email_agent(const ControlContext& context) {
+  return run_gated("start-email", context, start_email_agent_ungated);
+}
+
+Outcome stop_email_agent(const ControlContext& context) {
+  return run_gated("stop-email", context, stop_email_agent_ungated);
 }
 
 }  // namespace px

@@ -9,6 +9,9 @@
 //
 // The E-mail Agent is stopped by the empty file "stopread.msg" in the
 // DataPath of its own INI file, followed by its control signal.
+//
+// Each is an operator action (gated_action.h): refused in read-only mode and
+// recorded in the audit log as "start", "start-email" or "stop-email".
 #pragma once
 
 #include "control/control_context.h"

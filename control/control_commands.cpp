@@ -4,6 +4,7 @@
 #include "config/message_numbers.h"
 #include "config/settings.h"
 #include "config/state_probes.h"
+#include "control/gated_action.h"
 #include "control/printer_reload.h"
 
 namespace px {
@@ -85,9 +86,7 @@ Outcome ask_printer_choice(const ControlContext& context, PrinterReloadChoice& c
   return choice.outcome == kChoiceOk ? Outcome::kDone : Outcome::kCancelled;
 }
 
-}  // namespace
-
-Outcome run_control_command(ControlCommand command, const ControlContext& context) {
+Outcome run_ungated(ControlCommand command, const ControlContext& context) {
   const std::string& config = context.instance.config_file;
   Operator& op = context.op;
   if (!file_readable(config)) {
@@ -122,6 +121,25 @@ Outcome run_control_command(ControlCommand command, const ControlContext& contex
   bool woken = kick(context.instance.name, false, op, context.times);
   op.show(success_message(command));
   return woken ? Outcome::kDone : Outcome::kDeliveredNotWoken;
+}
+
+// The pxctl command of each control job, which names it as an action.
+const char* action_name(ControlCommand command) {
+  switch (command) {
+    case ControlCommand::kPrinterReload: return "reload-printer";
+    case ControlCommand::kJobTableReload: return "reload-jobs";
+    case ControlCommand::kShutDown: return "shutdown";
+    case ControlCommand::kPause: return "pause";
+    case ControlCommand::kResume: return "resume";
+  }
+  return "control job";
+}
+
+}  // namespace
+
+Outcome run_control_command(ControlCommand command, const ControlContext& context) {
+  return run_gated(action_name(command), context,
+                   [command](const ControlContext& c) { return run_ungated(command, c); });
 }
 
 Outcome printer_reload(const ControlContext& context) {

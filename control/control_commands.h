@@ -8,6 +8,10 @@
 // or running server; Pause needs a running one (paused: 239); Resume needs a
 // paused one (running: 238); a server that is not running gives 234. An
 // unknown state stops the command after the probe's own message.
+//
+// Each is an operator action (gated_action.h), named by its pxctl command:
+// refused in read-only mode before anything is read, recorded in the audit
+// log when it has run.
 #pragma once
 
 #include "control/control_context.h"

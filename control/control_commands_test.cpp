@@ -5,7 +5,9 @@
 #include <filesystem>
 
 #include "config/message_numbers.h"
+#include "config/operator_action.h"
 #include "config/recording_operator.h"
+#include "control/agents.h"
 #include "control/test_installation.h"
 
 namespace px {
@@ -188,6 +190,32 @@ TEST_F(ControlCommandsTest, JobsWrittenMeanwhileAreNeverOverwritten) {
             (ShownMessage{msg::kTargetNotCreated,
                           {display_path(install_.dir().file("control/pxctrl02.msg"))}}));
   EXPECT_EQ(files_in("scratch"), 0u);
+}
+
+// Read-only mode refuses every action that writes or signals before it
+// looks at anything: one message naming the action, no job, no signal.
+TEST_F(ControlCommandsTest, ReadOnlyModeRefusesEveryActionBeforeItLooks) {
+  install_.set_running();
+  const std::string console_ini = install_.dir().file("pxcntrl.ini");
+  ASSERT_TRUE(ini::write_string("Options", "ReadOnly", "yes", console_ini));
+  const std::pair<Outcome (*)(const ControlContext&), const char*> actions[] = {
+      {&pause_server, "pause"},           {&resume_server, "resume"},
+      {&shut_down_server, "shutdown"},    {&job_table_reload, "reload-jobs"},
+      {&printer_reload, "reload-printer"}, {&start_server, "start"},
+      {&start_email_agent, "start-email"}, {&stop_email_agent, "stop-email"},
+  };
+  for (const auto& [action, name] : actions) {
+    op_.clear();
+    EXPECT_EQ(action(context()), Outcome::kFailed) << name;
+    EXPECT_EQ(op_.shown(), (std::vector<ShownMessage>{{msg::kReadOnlyRefused, {name}}}));
+  }
+  EXPECT_EQ(files_in("control"), 0u);
+  EXPECT_EQ(server_->take_connections(), 0);
+
+  ASSERT_TRUE(ini::write_string("Options", "ReadOnly", "No", console_ini));
+  op_.clear();
+  EXPECT_EQ(pause_server(context()), Outcome::kDone);
+  EXPECT_EQ(op_.numbers(), std::vector<int>{msg::kPauseSent});
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "common/text.h"
 #include "config/settings.h"
 #include "control/node.h"
+#include "shell/read_only_menu.h"
 #include "toolkit/resources/resource_ids.h"
 
 namespace px::shell {
@@ -54,6 +55,7 @@ void refresh_menu_state(tk::Window task) {
     task.set_menu_enabled(item, state.control);
   }
   task.set_menu_enabled(tk::kCmdStartServer, state.start);
+  apply_read_only(task);
 }
 
 bool email_agent_enabled() { return ini::get_int("Options", "PXEMIO", 0) != 0; }
@@ -69,6 +71,7 @@ void apply_email_rule(tk::Window task, const std::string& config_file) {
                    tk::kCmdEmailRejects, tk::kCmdEmailLog}) {
     task.set_menu_enabled(item, has_agent);
   }
+  apply_read_only(task);
 }
 
 void set_edit_items_for_no_selection(tk::Window task) {

@@ -16,6 +16,8 @@
 //                                       access (bit 8), ExePath, DataPath,
 //                                       BackupPath, ErrorPath and JMDFileName
 //                                       all set
+// Both the refresh and the E-mail Agent rule end with the read-only rule
+// (read_only_menu.h), which disables the items that change something.
 #pragma once
 
 #include <string>

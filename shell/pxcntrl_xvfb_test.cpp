@@ -55,8 +55,8 @@ class PxcntrlUnderX : public ::testing::Test {
     }
   }
 
-  // Starts pxcntrl in the installation's directory.
-  void start_console() {
+  // Starts pxcntrl in the installation's directory, with option when given.
+  void start_console(const std::string& option = "") {
     std::filesystem::copy_file(PX_SOURCE_DIR "/demo/pxcntrl.html", live.path("pxcntrl.html"));
     std::string program = PXCNTRL_PATH;
     std::string ini = "-aii" + live.path("pxcntrl.ini");
@@ -64,7 +64,11 @@ class PxcntrlUnderX : public ::testing::Test {
     console_ = fork();
     if (console_ == 0) {
       if (chdir(directory.c_str()) != 0) _exit(126);
-      execl(program.c_str(), program.c_str(), ini.c_str(), static_cast<char*>(nullptr));
+      if (option.empty()) {
+        execl(program.c_str(), program.c_str(), ini.c_str(), static_cast<char*>(nullptr));
+      } else {
+        execl(program.c_str(), program.c_str(), ini.c_str(), option.c_str(), static_cast<char*>(nullptr));
+      }
       _exit(127);
     }
     ASSERT_GT(console_, 0);
@@ -137,6 +141,29 @@ TEST_F(PxcntrlUnderX, ShowsTheInstanceInItsTitleAndPausesNexaFromTheMenu) {
   EXPECT_TRUE(screenshot("pxcntrl-help.png"));
 
   // File (Alt+F), "E&xit": with no unsaved edits the console ends.
+  keys(window, {"alt+f", "x"});
+  EXPECT_EQ(wait_for_end(), 0);
+}
+
+// Read-only mode: the Control menu's items are shown disabled and their
+// accelerators do nothing.
+TEST_F(PxcntrlUnderX, ReadOnlyConsoleShowsControlItemsDisabled) {
+  start_console("-aro");
+  std::string window;
+  ASSERT_TRUE(eventually([&] {
+    window = xdotool({"search", "--onlyvisible", "--name", std::string("^") + kTitleStart});
+    return !window.empty();
+  }, std::chrono::seconds(15))) << "no console window";
+  window = window.substr(0, window.find('\n'));
+  usleep(500 * 1000);
+  keys(window, {"alt+c"});
+  xdotool({"mousemove", "200", "97"});  // resting on Pause Nexa shows why it is disabled
+  usleep(1500 * 1000);
+  EXPECT_TRUE(screenshot("pxcntrl-read-only-control-menu.png"));
+  keys(window, {"a", "Escape", "Escape"});
+  usleep(500 * 1000);
+  EXPECT_EQ(live.state(), "3\trunning");
+  EXPECT_EQ(live.read("north/data/pxctrl00.msg"), "");
   keys(window, {"alt+f", "x"});
   EXPECT_EQ(wait_for_end(), 0);
 }

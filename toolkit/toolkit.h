@@ -92,6 +92,10 @@ class Control {
   void set_text(std::string_view text) const;
   bool enabled() const;
   void set_enabled(bool on) const;
+  // The tooltip shown when the pointer rests on the control, even when it
+  // is disabled (such as why it is); empty: none.
+  std::string tip() const;
+  void set_tip(std::string_view text) const;
   bool visible() const;
   void set_visible(bool on) const;
   void focus() const;
@@ -197,6 +201,9 @@ class Window {
   void set_menu_enabled(int item, bool on) const;
   bool menu_checked(int item) const;
   void set_menu_checked(int item, bool on) const;
+  // The tooltip of a menu item, shown even while it is disabled; empty: none.
+  std::string menu_tip(int item) const;
+  void set_menu_tip(int item, std::string_view text) const;
 
   // A repeating timer; its events carry the returned id. 0: not started.
   long start_timer(int milliseconds) const;
@@ -328,6 +335,8 @@ class Toolkit {
   virtual void set_menu_enabled(WindowId w, int item, bool on) = 0;
   virtual bool menu_checked(WindowId w, int item) = 0;
   virtual void set_menu_checked(WindowId w, int item, bool on) = 0;
+  virtual std::string menu_tip(WindowId w, int item) = 0;
+  virtual void set_menu_tip(WindowId w, int item, std::string_view text) = 0;
   virtual long start_timer(WindowId w, int milliseconds) = 0;
   virtual void stop_timer(long timer) = 0;
   virtual void capture_mouse(WindowId w) = 0;
@@ -342,6 +351,8 @@ class Toolkit {
   virtual void set_text(WindowId w, int id, std::string_view text) = 0;
   virtual bool enabled(WindowId w, int id) = 0;
   virtual void set_enabled(WindowId w, int id, bool on) = 0;
+  virtual std::string tip(WindowId w, int id) = 0;
+  virtual void set_tip(WindowId w, int id, std::string_view text) = 0;
   virtual bool visible(WindowId w, int id) = 0;
   virtual void set_visible(WindowId w, int id, bool on) = 0;
   virtual void focus(WindowId w, int id) = 0;

@@ -27,6 +27,8 @@ std::string Control::text() const { return tk_ ? tk_->text(window_, id_) : std::
 void Control::set_text(std::string_view text) const { if (tk_) tk_->set_text(window_, id_, text); }
 bool Control::enabled() const { return tk_ && tk_->enabled(window_, id_); }
 void Control::set_enabled(bool on) const { if (tk_) tk_->set_enabled(window_, id_, on); }
+std::string Control::tip() const { return tk_ ? tk_->tip(window_, id_) : std::string(); }
+void Control::set_tip(std::string_view text) const { if (tk_) tk_->set_tip(window_, id_, text); }
 bool Control::visible() const { return tk_ && tk_->visible(window_, id_); }
 void Control::set_visible(bool on) const { if (tk_) tk_->set_visible(window_, id_, on); }
 void Control::focus() const { if (tk_) tk_->focus(window_, id_); }
@@ -111,6 +113,10 @@ bool Window::draw_image(Point at, std::string_view path) const {
 bool Window::has_menu_item(int item) const { return tk_ && tk_->has_menu_item(id_, item); }
 bool Window::menu_enabled(int item) const { return tk_ && tk_->menu_enabled(id_, item); }
 void Window::set_menu_enabled(int item, bool on) const { if (tk_) tk_->set_menu_enabled(id_, item, on); }
+std::string Window::menu_tip(int item) const { return tk_ ? tk_->menu_tip(id_, item) : std::string(); }
+void Window::set_menu_tip(int item, std::string_view text) const {
+  if (tk_) tk_->set_menu_tip(id_, item, text);
+}
 bool Window::menu_checked(int item) const { return tk_ && tk_->menu_checked(id_, item); }
 void Window::set_menu_checked(int item, bool on) const { if (tk_) tk_->set_menu_checked(id_, item, on); }
 long Window::start_timer(int milliseconds) const { return tk_ ? tk_->start_timer(id_, milliseconds) : 0; }

@@ -111,6 +111,13 @@ bool HeadlessToolkit::enabled(WindowId w, int id) {
 void HeadlessToolkit::set_enabled(WindowId w, int id, bool on) {
   if (HeadlessControl* c = control(w, id)) c->enabled = on;
 }
+std::string HeadlessToolkit::tip(WindowId w, int id) {
+  HeadlessControl* c = control(w, id);
+  return c ? c->tip : std::string();
+}
+void HeadlessToolkit::set_tip(WindowId w, int id, std::string_view text) {
+  if (HeadlessControl* c = control(w, id)) c->tip = std::string(text);
+}
 bool HeadlessToolkit::visible(WindowId w, int id) {
   HeadlessControl* c = control(w, id);
   return c && c->visible;

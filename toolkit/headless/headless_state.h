@@ -18,6 +18,7 @@ struct HeadlessControl {
   ControlKind kind = ControlKind::kStatic;
   std::string text;  // label or field
   bool enabled = true;
+  std::string tip;
   bool visible = true;
   Rect rect;
   Font font;
@@ -47,6 +48,7 @@ struct HeadlessMenuItem {
   std::string accelerator;
   bool enabled = true;
   bool checked = false;
+  std::string tip;
 };
 
 struct HeadlessWindow {

@@ -450,6 +450,15 @@ void HeadlessToolkit::set_menu_checked(WindowId w, int item, bool on) {
   HeadlessWindow* win = find(w);
   if (HeadlessMenuItem* m = win ? win->menu_item(item) : nullptr) m->checked = on;
 }
+std::string HeadlessToolkit::menu_tip(WindowId w, int item) {
+  HeadlessWindow* win = find(w);
+  HeadlessMenuItem* m = win ? win->menu_item(item) : nullptr;
+  return m ? m->tip : std::string();
+}
+void HeadlessToolkit::set_menu_tip(WindowId w, int item, std::string_view text) {
+  HeadlessWindow* win = find(w);
+  if (HeadlessMenuItem* m = win ? win->menu_item(item) : nullptr) m->tip = std::string(text);
+}
 
 // ---- timers, mouse, user events
 

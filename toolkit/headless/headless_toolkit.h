@@ -193,6 +193,8 @@ class HeadlessToolkit final : public Toolkit {
   void set_menu_enabled(WindowId w, int item, bool on) override;
   bool menu_checked(WindowId w, int item) override;
   void set_menu_checked(WindowId w, int item, bool on) override;
+  std::string menu_tip(WindowId w, int item) override;
+  void set_menu_tip(WindowId w, int item, std::string_view text) override;
   long start_timer(WindowId w, int milliseconds) override;
   void stop_timer(long timer) override;
   void capture_mouse(WindowId w) override;
@@ -206,6 +208,8 @@ class HeadlessToolkit final : public Toolkit {
   void set_text(WindowId w, int id, std::string_view text) override;
   bool enabled(WindowId w, int id) override;
   void set_enabled(WindowId w, int id, bool on) override;
+  std::string tip(WindowId w, int id) override;
+  void set_tip(WindowId w, int id, std::string_view text) override;
   bool visible(WindowId w, int id) override;
   void set_visible(WindowId w, int id, bool on) override;
   void focus(WindowId w, int id) override;

@@ -119,6 +119,13 @@ bool QtToolkit::enabled(WindowId w, int id) {
 void QtToolkit::set_enabled(WindowId w, int id, bool on) {
   if (QtControl* c = control(w, id)) c->widget->setEnabled(on);
 }
+std::string QtToolkit::tip(WindowId w, int id) {
+  QtControl* c = control(w, id);
+  return c ? from_qt(c->widget->toolTip()) : std::string();
+}
+void QtToolkit::set_tip(WindowId w, int id, std::string_view text) {
+  if (QtControl* c = control(w, id)) c->widget->setToolTip(to_qt(text));
+}
 bool QtToolkit::visible(WindowId w, int id) {
   QtControl* c = control(w, id);
   return c && !c->widget->isHidden();

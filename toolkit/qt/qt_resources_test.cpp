@@ -142,6 +142,37 @@ class QtBackEndTest : public QObject {
     }
   }
 
+  // A tooltip says why an item is disabled: the menu shows it, and taking it
+  // away leaves the item's own text as Qt's default.
+  void tooltips_of_menu_items_and_controls() {
+    Window task = tk_->start_application({kMenuBarBase, Handler()});
+    task.set_menu_enabled(kCmdPauseServer, false);
+    task.set_menu_tip(kCmdPauseServer, "Read-only here");
+    QCOMPARE(task.menu_tip(kCmdPauseServer), std::string("Read-only here"));
+    QCOMPARE(task.menu_tip(kCmdResumeServer), std::string());
+    auto* frame = static_cast<QMainWindow*>(tk_->frame_widget(task.id()));
+    QAction* pause = frame->findChild<QAction*>(QString("menu_%1").arg(kCmdPauseServer));
+    QVERIFY(pause);
+    QCOMPARE(pause->toolTip(), QString("Read-only here"));
+    int menus = 0;
+    for (QObject* owner : pause->associatedObjects()) {
+      if (auto* menu = qobject_cast<QMenu*>(owner)) {
+        QVERIFY(menu->toolTipsVisible());
+        ++menus;
+      }
+    }
+    QCOMPARE(menus, 1);
+    task.set_menu_tip(kCmdPauseServer, "");
+    QCOMPARE(task.menu_tip(kCmdPauseServer), std::string());
+    task.destroy();
+
+    Window d = tk_->open_for_review(kSelectInstanceDialog);
+    d.control(kOk).set_tip("Not now");
+    QCOMPARE(d.control(kOk).tip(), std::string("Not now"));
+    QCOMPARE(tk_->control_widget(d.id(), kOk)->toolTip(), QString("Not now"));
+    d.destroy();
+  }
+
   void enter_presses_ok_and_escape_presses_cancel() {
     for (auto [key, button] : {std::pair{Qt::Key_Return, kOk}, std::pair{Qt::Key_Escape, kCancel}}) {
       sample::Recorder rec;

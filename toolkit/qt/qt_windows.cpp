@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QImage>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMouseEvent>
 #include <QPainter>
@@ -20,6 +21,9 @@
 namespace px::tk {
 
 namespace {
+
+// The QAction property that holds a menu item's own tooltip.
+constexpr const char* kTipProperty = "px_tip";
 
 MouseButton button_of(Qt::MouseButton button) {
   if (button == Qt::RightButton) return MouseButton::kRight;
@@ -370,6 +374,24 @@ void QtToolkit::set_menu_enabled(WindowId w, int item, bool on) {
 bool QtToolkit::menu_checked(WindowId w, int item) {
   QtWindow* win = find(w);
   return win && win->actions.count(item) && win->actions[item]->isChecked();
+}
+std::string QtToolkit::menu_tip(WindowId w, int item) {
+  QtWindow* win = find(w);
+  if (!win || !win->actions.count(item)) return {};
+  // An action without a tooltip of its own reports its text as one, so the
+  // tip set here is kept beside it.
+  return from_qt(win->actions[item]->property(kTipProperty).toString());
+}
+void QtToolkit::set_menu_tip(WindowId w, int item, std::string_view text) {
+  QtWindow* win = find(w);
+  if (!win || !win->actions.count(item)) return;
+  QAction* action = win->actions[item];
+  action->setProperty(kTipProperty, to_qt(text));
+  action->setToolTip(text.empty() ? action->text() : to_qt(text));
+  // Menus show their items' tooltips only when asked to.
+  for (QObject* widget : action->associatedObjects()) {
+    if (auto* menu = qobject_cast<QMenu*>(widget)) menu->setToolTipsVisible(true);
+  }
 }
 void QtToolkit::set_menu_checked(WindowId w, int item, bool on) {
   QtWindow* win = find(w);

@@ -1,0 +1,108 @@
+#!/usr/bin/env bash
+# The Debian package, checked as an operator gets it: built by CPack from
+# the build directory, unpacked with dpkg -x into a scratch root, its pxctl
+# run from there against the installed INI file, its desktop entry, man
+# pages and bash completion tried, and lintian asked for errors.
+#
+#   package_test.sh BUILD_DIR SOURCE_DIR
+# Exit 77 (skipped) when a packaging tool is missing (scripts/setup installs
+# them all).
+set -euo pipefail
+build="$1"
+source="$2"
+
+for tool in cpack dpkg-deb lintian desktop-file-validate man; do
+  if ! command -v "$tool" >/dev/null; then
+    echo "package_test: $tool is not installed (scripts/setup installs it); skipped"
+    exit 77
+  fi
+done
+
+scratch="$(mktemp -d)"
+trap 'rm -rf "$scratch"' EXIT
+failures=0
+fail() { echo "FAILED: $*"; failures=$((failures + 1)); }
+
+# --- build the package ------------------------------------------------------
+cpack --config "$build/CPackConfig.cmake" -B "$scratch/out" >"$scratch/cpack.log" 2>&1 ||
+  { cat "$scratch/cpack.log"; exit 1; }
+debs=("$scratch"/out/nexa-control_*_amd64.deb)
+deb="${debs[0]}"
+[ -f "$deb" ] || { cat "$scratch/cpack.log"; echo "FAILED: no nexa-control_VERSION_amd64.deb"; exit 1; }
+echo "package: $(basename "$deb")"
+
+# --- what it holds ----------------------------------------------------------
+dpkg-deb -c "$deb" | awk '{ print $1, $6 }' >"$scratch/contents"
+cat "$scratch/contents"
+expect() {  # expect MODE PATH: the package holds PATH with that mode
+  grep -qxF -- "$1 ./$2" "$scratch/contents" || fail "the package lacks $2 ($1)"
+}
+for program in pxcntrl pxctl pxserver-sim; do
+  expect -rwxr-xr-x "usr/bin/$program"
+  expect -rw-r--r-- "usr/share/man/man1/$program.1.gz"
+done
+expect -rw-r--r-- etc/pxcntrl.ini
+expect -rw-r--r-- usr/share/applications/nexa-control.desktop
+expect -rw-r--r-- usr/share/icons/hicolor/scalable/apps/nexa-control.svg
+expect -rw-r--r-- usr/share/bash-completion/completions/pxctl
+expect -rw-r--r-- usr/share/doc/nexa-control/pxcntrl.html
+expect -rw-r--r-- usr/share/doc/nexa-control/guide.md
+expect -rw-r--r-- usr/share/doc/nexa-control/copyright
+expect -rw-r--r-- usr/share/doc/nexa-control/changelog.gz
+dpkg-deb -I "$deb" conffiles | grep -qx /etc/pxcntrl.ini || fail "/etc/pxcntrl.ini is not a conffile"
+
+# --- run it from a scratch root ---------------------------------------------
+root="$scratch/root"
+dpkg -x "$deb" "$root"
+pxctl=("$root/usr/bin/pxctl" "-aii$root/etc/pxcntrl.ini")
+"${pxctl[@]}" --help >"$scratch/help" || fail "pxctl --help exited $?"
+grep -q 'Usage: pxctl' "$scratch/help" || fail "pxctl --help printed no usage"
+output="$("${pxctl[@]}" msg 164 /etc/pxcntrl.ini 2>/dev/null)" || fail "pxctl msg exited $?"
+[ "$output" = $'30\t[164]No instance of Nexa is configured: the install file named in /etc/pxcntrl.ini lists none in its Configuration section.' ] ||
+  fail "pxctl msg 164 printed: $output"
+"$root/usr/bin/pxserver-sim" --help | grep -q 'STAND-IN' || fail "pxserver-sim --help"
+
+# Every message number of the catalogue's documentation is in the installed
+# INI file.
+while read -r number; do
+  grep -q "^Msg${number#-}=" "$root/etc/pxcntrl.ini" || fail "message $number is missing from /etc/pxcntrl.ini"
+done < <(sed -n 's/^| \(-\{0,1\}[0-9][0-9]*\) |.*/\1/p' "$source/docs/messages.md")
+
+desktop-file-validate "$root/usr/share/applications/nexa-control.desktop" || fail "desktop-file-validate"
+for program in pxcntrl pxctl pxserver-sim; do
+  page="$(MANWIDTH=80 man --warnings -l "$root/usr/share/man/man1/$program.1.gz" 2>&1)"
+  grep -q "^NAME" <<<"$page" || fail "man page $program(1) does not render"
+  if grep -q 'warning' <<<"$page"; then fail "man page $program(1): $(grep warning <<<"$page")"; fi
+done
+
+# --- bash completion: commands, and instance names from the INI's install file
+mkdir -p "$scratch/site"
+printf '[Plexar]\nInstall=%s\n' "$scratch/site/plexar.ini" >"$scratch/site/pxcntrl.ini"
+printf '[Configuration]\nnorth=%s\nsouth=%s\n' "$scratch/site/north.ini" "$scratch/site/south.ini" \
+  >"$scratch/site/plexar.ini"
+printf '[Processes]\nPXSERVER=Plexar Server\nPXEMIO=Plexar E-mail Agent\n' >"$scratch/site/north.ini"
+complete_line() {  # complete_line WORD...: the completions of the last word
+  bash -c '
+    source "$1"; shift
+    COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1))
+    _pxctl
+    printf "%s\n" "${COMPREPLY[@]}"' _ "$root/usr/share/bash-completion/completions/pxctl" "$@" | sort | tr '\n' ' '
+}
+got="$(complete_line "$root/usr/bin/pxctl" re)"
+[ "$got" = "reload-jobs reload-printer resume " ] || fail "completion of 're' gave: $got"
+got="$(complete_line "$root/usr/bin/pxctl" "-aii$scratch/site/pxcntrl.ini" --instance "")"
+[ "$got" = "north south " ] || fail "completion after --instance gave: $got"
+got="$(complete_line "$root/usr/bin/pxctl" "-aii$scratch/site/pxcntrl.ini" --instance north config "")"
+[ "$got" = "PXEMIO PXSERVER " ] || fail "completion of process keys gave: $got"
+got="$(complete_line "$root/usr/bin/pxctl" jmd list x.jmd "")"
+[ "$got" = "jobs memory printers tasks " ] || fail "completion of jmd list tables gave: $got"
+
+# --- lintian ----------------------------------------------------------------
+echo "lintian:"
+lintian --fail-on error "$deb" || fail "lintian reports errors"
+
+if [ "$failures" -ne 0 ]; then
+  echo "$failures check(s) failed"
+  exit 1
+fi
+echo "package test passed"
