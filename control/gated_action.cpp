@@ -8,7 +8,8 @@ namespace {
 
 ActionResult result_of(Outcome outcome) {
   switch (outcome) {
-    case Outcome::kDone: return ActionResult::kDone;
+    case Outcome::kDone:
+    case Outcome::kDeliveredNotWoken: return ActionResult::kDone;
     case Outcome::kCancelled: return ActionResult::kCancelled;
     case Outcome::kFailed: break;
   }

@@ -183,8 +183,9 @@ TEST_F(JmdTest, ADirectoryCannotBeOpenedAsAJmd) {
   EXPECT_FALSE(load_jmd(tables_, reporter_));
   EXPECT_EQ(reporter_.messages(), (std::vector<Entry>{{kMsgCannotOpen, {tables_}}}));
   std::vector<std::string> traces = reporter_.traces();
-  EXPECT_NE(std::find(traces.begin(), traces.end(), "Open of jmd failed in jmd.c: errno 21"),
-            traces.end());
+  EXPECT_TRUE(std::any_of(traces.begin(), traces.end(), [](const std::string& t) {
+    return t.rfind("Open of jmd failed in jmd.c: errno ", 0) == 0;
+  }));
   EXPECT_EQ(table_files(), 0u);
 }
 

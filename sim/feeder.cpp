@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "common/file_replace.h"
 #include "common/file_util.h"
 
 namespace px::sim {
@@ -38,7 +39,7 @@ std::optional<std::string> feed_transaction(const std::string& directory, std::s
   text += "^field OrderNumber\n" + std::to_string(100000 + sequence) + "\n";
   std::string path = join_path(fed_file_name(pattern, sequence), directory);
   std::string hidden = join_path(".feed.part", directory);
-  if (!replace_file_contents(hidden, text) || !move_file(hidden, path)) return std::nullopt;
+  if (!replace_file(hidden, text) || !move_file(hidden, path)) return std::nullopt;
   return path;
 }
 

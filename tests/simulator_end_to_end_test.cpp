@@ -127,7 +127,9 @@ TEST_F(SimulatorEndToEnd, TransactionIncludingADeviceIsRefusedNotRead) {
   };
   for (int count = 1; count <= 2; ++count) {
     send_datagram(port, "^kick north\r\n");
-    EXPECT_TRUE(eventually([&] { return refused() == count; })) << live.simulator_log();
+    // A kick that arrives during a scan waits for the next timed scan.
+    EXPECT_TRUE(eventually([&] { return refused() == count; }, std::chrono::seconds(15)))
+        << live.simulator_log();
   }
   std::ofstream(live.path("north/data/pxctrl00.msg"))
       << "^job PXCNTRLJOB\n^field CommandString\nPause Server\n";

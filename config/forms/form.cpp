@@ -245,14 +245,17 @@ std::vector<std::string> Form::change_lines() const {
 
 bool Form::changed_on_disk() const { return stamp_of(file_) != stamp_; }
 
+// Every key of the form in one locked, crash-safe rewrite that keeps the
+// previous file as a backup: a reader sees all of the form's keys or none.
 bool Form::save() {
   if (file_.empty()) return false;
-  bool all_written = true;
-  for (const Entry& entry : entries()) {
-    if (!ini::write_string(entry.section, entry.key, entry.value, file_)) all_written = false;
-  }
+  std::vector<Entry> saved = entries();
+  std::vector<IniChange> changes;
+  changes.reserve(saved.size());
+  for (const Entry& entry : saved) changes.push_back({entry.section, entry.key, entry.value});
+  bool written = static_cast<bool>(ini::write_changes(changes, file_, {.keep_backup = true}));
   stamp_ = stamp_of(file_);
-  return all_written;
+  return written;
 }
 
 }  // namespace px::forms

@@ -52,14 +52,15 @@ bool InstanceList::changed_on_disk() const { return stamp_of(install_) != stamp_
 
 bool InstanceList::apply() {
   if (install_.empty()) return false;
-  bool written = ini::write_string("Configuration", std::nullopt, std::nullopt, install_);
-  for (const Instance& row : rows_) {
-    written = ini::write_string("Configuration", row.name, row.config_file, install_) && written;
-  }
+  // Section Configuration is written anew in list order in one rewrite.
+  std::vector<IniChange> changes{{"Configuration", std::nullopt, std::nullopt}};
+  for (const Instance& row : rows_) changes.push_back({"Configuration", row.name, row.config_file});
+  bool written = static_cast<bool>(ini::write_changes(changes, install_, {.keep_backup = true}));
   stamp_ = stamp_of(install_);
   for (const Instance& row : rows_) {
     if (row.config_file.size() < 2) continue;
-    written = ini::write_string("Plexar", "WindowTitle", row.window_title, row.config_file) &&
+    written = static_cast<bool>(ini::write_string("Plexar", "WindowTitle", row.window_title,
+                                                  row.config_file)) &&
               written;
   }
   return written;

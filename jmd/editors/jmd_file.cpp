@@ -1,11 +1,6 @@
 #include "jmd/editors/jmd_file.h"
 
-#include <sys/stat.h>
-
-#include <optional>
-
-#include "common/file_util.h"
-#include "config/file_system.h"
+#include "common/file_replace.h"
 #include "jmd/editors/editor_messages.h"
 #include "jmd/jmd_report.h"
 #include "jmd/jmd_writer.h"
@@ -28,25 +23,6 @@ class OperatorReporter : public jmd::Reporter {
 
 }  // namespace
 
-bool replace_jmd_file(jmd::Jmd& jmd, const std::string& path) {
-  FileSystem& files = system_file_system();
-  std::string directory = directory_part(path);
-  if (directory.empty()) directory = ".";
-  std::optional<std::string> fresh = temp_name(directory, "jmd");
-  if (!fresh) return false;
-  if (!jmd::save_jmd(jmd, *fresh) || !files.sync(*fresh)) {
-    files.remove(*fresh);
-    return false;
-  }
-  struct stat info;
-  if (::stat(path.c_str(), &info) == 0) ::chmod(fresh->c_str(), info.st_mode & 07777);
-  if (!files.rename(*fresh, path)) {
-    files.remove(*fresh);
-    return false;
-  }
-  return true;
-}
-
 JmdFile::JmdFile(std::string path, Operator& op)
     : path_(std::move(path)), op_(op), editor_(service_, op) {}
 
@@ -60,7 +36,14 @@ bool JmdFile::load() {
 
 bool JmdFile::save() {
   jmd::Jmd* database = service_.jmd();
-  if (database == nullptr || !replace_jmd_file(*database, path_)) {
+  if (database == nullptr) {
+    op_.show(msg::kFileNotWritten, {path_});
+    return false;
+  }
+  FileResult saved = jmd::save_jmd(*database, path_);
+  if (!saved) {
+    FileMessage why = failure_message(saved, path_);
+    op_.show(why.number, why.args);
     op_.show(msg::kFileNotWritten, {path_});
     return false;
   }

@@ -22,8 +22,8 @@ class JmdFile {
   JmdEditor& editor() { return editor_; }
   const std::string& path() const { return path_; }
 
-  // Writes the tables back over the file in one step (see
-  // replace_jmd_file); false after showing kFileNotWritten.
+  // Writes the tables back over the file in one crash-safe step (the JMD
+  // writer's replace); false after showing why and kFileNotWritten.
   bool save();
 
  private:
@@ -32,11 +32,5 @@ class JmdFile {
   JmdService service_;
   JmdEditor editor_;
 };
-
-// Writes jmd in the save format to a new file beside path, forces it to the
-// disk and renames it over path, keeping path's permission bits: path is the
-// old file or the new one, never a part of either. False (path untouched,
-// the new file removed) when any step fails.
-bool replace_jmd_file(jmd::Jmd& jmd, const std::string& path);
 
 }  // namespace px::editors
