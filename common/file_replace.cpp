@@ -145,9 +145,11 @@ bool FileReplacement::append(std::string_view data) {
 
 FileResult FileReplacement::commit() {
   if (!result_ || !flush()) return result_;
-  if (int error = files_.sync(file_.get())) {
-    fail(FileStep::kSync, error);
-    return result_;
+  if (options_.durable) {
+    if (int error = files_.sync(file_.get())) {
+      fail(FileStep::kSync, error);
+      return result_;
+    }
   }
   if (int error = files_.close(file_)) {
     fail(FileStep::kWrite, error);
@@ -168,7 +170,7 @@ FileResult FileReplacement::commit() {
   // The new contents are whole and in place. Should the directory not sync,
   // only their surviving a power cut is in doubt, and nothing is left that
   // the operator could do about it, so that is not reported.
-  files_.sync_directory(directory_part(target_));
+  if (options_.durable) files_.sync_directory(directory_part(target_));
   return result_;
 }
 

@@ -71,6 +71,10 @@ struct ReplaceOptions {
   // in place (replacing an older one); a backup that cannot be made is not
   // reported and does not stop the rewrite.
   std::string backup;
+  // False skips the syncs: the rewrite still never leaves a mix when the
+  // process dies, but may not survive a power cut. Only for files that are
+  // rewritten all the time and cost nothing to lose (the simulator's status).
+  bool durable = true;
 };
 
 // A new version of a file, written piece by piece and put in place by

@@ -116,6 +116,16 @@ TEST_F(FileReplaceTest, EveryFailedStepLeavesTheOldFileWhole) {
   EXPECT_EQ(dir_.read("data.bak"), old_text);
 }
 
+TEST_F(FileReplaceTest, ARewriteThatNeedNotLastSkipsTheSyncs) {
+  std::string path = dir_.write("a.sts", "old");
+  FaultyFileSystem files(FaultyFileSystem::kSync, EIO);
+  ReplaceOptions options;
+  options.durable = false;
+  EXPECT_TRUE(replace_file(path, "new", files, options));
+  EXPECT_EQ(files.failures(), 0);
+  EXPECT_EQ(dir_.read("a.sts"), "new");
+}
+
 TEST_F(FileReplaceTest, BackupThatCannotBeMadeDoesNotStopTheRewrite) {
   std::string path = dir_.write("a.ini", "first");
   dir_.write("a.ini.bak", "older");

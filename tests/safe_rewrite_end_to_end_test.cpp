@@ -154,6 +154,12 @@ TEST_F(SafeRewriteEndToEnd, KilledJmdSavesLeaveTheOldOrTheNewFile) {
   EXPECT_EQ(figures.damaged, 0);
   EXPECT_GT(figures.kills, 60);
 
+  // The killed loads left no table files: theirs had no names.
+  int table_files = count_starting(tmp_, "");
+  int left_beside = count_starting(dir_.path(), ".out.jmd.");
+  std::printf("after the kills: %d table files in the temporary directory, %d temporaries "
+              "beside OUT\n", table_files, left_beside);
+  EXPECT_EQ(table_files, 0);
   // The next save clears what the killed ones left beside OUT.
   ASSERT_EQ(pxctl({"jmd", "save", in, out}).status, 0);
   EXPECT_EQ(count_starting(dir_.path(), ".out.jmd."), 0);
