@@ -22,7 +22,8 @@ TEST_F(PxctlLogTest, AnUnwritableLogFallsBackToStderrAtOnce) {
   std::string ini = dir_.write("s.ini", "[A]\nk=1\n");
   auto start = std::chrono::steady_clock::now();
   ProgramResult get = pxctl({"-all/nonexistent/x.log", "ini", "get", ini, "A", "k"});
-  ProgramResult set = pxctl({"-all/nonexistent/x.log", "ini", "set", dir_.file("no/s.ini"), "A", "k", "2"});
+  ProgramResult set =
+      pxctl({"-all/nonexistent/x.log", "ini", "set", dir_.file("no/s.ini"), "A", "k", "2"});
   auto took = std::chrono::steady_clock::now() - start;
   EXPECT_LT(took, std::chrono::seconds(5));
   EXPECT_EQ(get.status, 0);

@@ -58,14 +58,18 @@ long owner_of(std::string_view rest) {
   return pid;
 }
 
-bool process_has_ended(long pid) { return ::kill(static_cast<pid_t>(pid), 0) != 0 && errno == ESRCH; }
+bool process_has_ended(long pid) {
+  return ::kill(static_cast<pid_t>(pid), 0) != 0 && errno == ESRCH;
+}
 
 // Gives the new file the old one's owner, group and permission bits, as far
 // as this process may.
 void take_identity(int fd, const struct stat& old) {
   struct stat now;
   if (::fstat(fd, &now) == 0 && (now.st_uid != old.st_uid || now.st_gid != old.st_gid)) {
-    if (::fchown(fd, old.st_uid, old.st_gid) != 0) (void)!::fchown(fd, static_cast<uid_t>(-1), old.st_gid);
+    if (::fchown(fd, old.st_uid, old.st_gid) != 0) {
+      (void)!::fchown(fd, static_cast<uid_t>(-1), old.st_gid);  // the group, at least
+    }
   }
   (void)!::fchmod(fd, old.st_mode & 07777);
 }
