@@ -35,21 +35,45 @@ std::string temp_prefix(std::string_view name) {
   return "." + std::string(name) + std::string(kTempMark);
 }
 
-// A fresh temporary name beside target, owned by this process.
+// This machine's name as it goes into temporary names: letters, digits, "-"
+// and "_" (anything else becomes "_"), at most 32 characters. A process id
+// means something only on the machine that gave it, and a directory may be
+// shared with others.
+const std::string& host_mark() {
+  static const std::string mark = [] {
+    char name[256] = {};
+    if (::gethostname(name, sizeof name - 1) != 0) return std::string("host");
+    std::string result(name, strnlen(name, 32));
+    for (char& c : result) {
+      bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+                   c == '-' || c == '_';
+      if (!plain) c = '_';
+    }
+    return result.empty() ? std::string("host") : result;
+  }();
+  return mark;
+}
+
+// A fresh temporary name beside target, owned by this process:
+// prefix, pid, "-", six hex digits, ".", host mark.
 std::string temp_name_for(const std::string& target) {
   static std::atomic<unsigned> counter{0};
   unsigned mix = static_cast<unsigned>(std::time(nullptr)) * 2654435761u +
                  static_cast<unsigned>(::getpid()) * 40503u + counter++ * 7919u;
   char tail[32];
-  std::snprintf(tail, sizeof tail, "%ld-%06x", static_cast<long>(::getpid()), mix & 0xFFFFFFu);
-  return directory_part(target) + temp_prefix(file_part(target)) + tail;
+  std::snprintf(tail, sizeof tail, "%ld-%06x.", static_cast<long>(::getpid()), mix & 0xFFFFFFu);
+  return directory_part(target) + temp_prefix(file_part(target)) + tail + host_mark();
 }
 
-// The process id in a temporary's name after its prefix ("4711-00a3f2"),
-// or 0 when the rest is not of that form.
+// The process id in a temporary's name after its prefix
+// ("4711-00a3f2.host"), or 0 when the rest is not of that form or was made
+// on another machine.
 long owner_of(std::string_view rest) {
   size_t dash = rest.find('-');
-  if (dash == 0 || dash == std::string_view::npos || rest.size() - dash - 1 != 6) return 0;
+  if (dash == 0 || dash == std::string_view::npos || rest.size() < dash + 7 ||
+      rest.substr(dash + 7) != "." + host_mark()) {
+    return 0;
+  }
   long pid = 0;
   for (char c : rest.substr(0, dash)) {
     if (c < '0' || c > '9' || pid > 100000000) return 0;
