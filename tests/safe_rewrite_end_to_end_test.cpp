@@ -170,10 +170,15 @@ TEST_F(SafeRewriteEndToEnd, KilledJmdSavesLeaveTheOldOrTheNewFile) {
   EXPECT_EQ(count_starting(dir_.path(), ".out.jmd."), 0);
   EXPECT_EQ(read_file(out), new_text);
 
-  // Saving a file over itself keeps it whole.
+  // Saving a file over itself keeps it whole, killed or not.
   ProgramResult self = pxctl({"jmd", "save", out, out});
   EXPECT_EQ(self.status, 0) << self.err;
   EXPECT_EQ(read_file(out), new_text);
+  std::string only = dir_.file("only.jmd");
+  std::string raw = big_jmd(40000);  // no title lines yet: the save adds them
+  KillFigures self_figures =
+      kill_loop({"jmd", "save", only, only}, only, raw, new_text, 40);
+  EXPECT_EQ(self_figures.damaged, 0);
 }
 
 TEST_F(SafeRewriteEndToEnd, KilledIniSetsLeaveTheOldOrTheNewFile) {
