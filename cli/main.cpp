@@ -103,6 +103,9 @@ int dispatch(const Invocation& call) {
 
 int run(int argc, char** argv) {
   use_console_ini();
+  // A script must not stall on a log file it cannot write, nor find the
+  // fallback notice mixed into the command's output.
+  px::messages::set_quick_log_fallback(true);
   std::vector<std::string> args(argv, argv + argc);
   int status = px::common_init(args, own_words_start(args));
   if (status != 0) {

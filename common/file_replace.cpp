@@ -35,21 +35,45 @@ std::string temp_prefix(std::string_view name) {
   return "." + std::string(name) + std::string(kTempMark);
 }
 
-// A fresh temporary name beside target, owned by this process.
+// This machine's name as it goes into temporary names: letters, digits, "-"
+// and "_" (anything else becomes "_"), at most 32 characters. A process id
+// means something only on the machine that gave it, and a directory may be
+// shared with others.
+const std::string& host_mark() {
+  static const std::string mark = [] {
+    char name[256] = {};
+    if (::gethostname(name, sizeof name - 1) != 0) return std::string("host");
+    std::string result(name, strnlen(name, 32));
+    for (char& c : result) {
+      bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+                   c == '-' || c == '_';
+      if (!plain) c = '_';
+    }
+    return result.empty() ? std::string("host") : result;
+  }();
+  return mark;
+}
+
+// A fresh temporary name beside target, owned by this process:
+// prefix, pid, "-", six hex digits, ".", host mark.
 std::string temp_name_for(const std::string& target) {
   static std::atomic<unsigned> counter{0};
   unsigned mix = static_cast<unsigned>(std::time(nullptr)) * 2654435761u +
                  static_cast<unsigned>(::getpid()) * 40503u + counter++ * 7919u;
   char tail[32];
-  std::snprintf(tail, sizeof tail, "%ld-%06x", static_cast<long>(::getpid()), mix & 0xFFFFFFu);
-  return directory_part(target) + temp_prefix(file_part(target)) + tail;
+  std::snprintf(tail, sizeof tail, "%ld-%06x.", static_cast<long>(::getpid()), mix & 0xFFFFFFu);
+  return directory_part(target) + temp_prefix(file_part(target)) + tail + host_mark();
 }
 
-// The process id in a temporary's name after its prefix ("4711-00a3f2"),
-// or 0 when the rest is not of that form.
+// The process id in a temporary's name after its prefix
+// ("4711-00a3f2.host"), or 0 when the rest is not of that form or was made
+// on another machine.
 long owner_of(std::string_view rest) {
   size_t dash = rest.find('-');
-  if (dash == 0 || dash == std::string_view::npos || rest.size() - dash - 1 != 6) return 0;
+  if (dash == 0 || dash == std::string_view::npos || rest.size() < dash + 7 ||
+      rest.substr(dash + 7) != "." + host_mark()) {
+    return 0;
+  }
   long pid = 0;
   for (char c : rest.substr(0, dash)) {
     if (c < '0' || c > '9' || pid > 100000000) return 0;
@@ -58,14 +82,18 @@ long owner_of(std::string_view rest) {
   return pid;
 }
 
-bool process_has_ended(long pid) { return ::kill(static_cast<pid_t>(pid), 0) != 0 && errno == ESRCH; }
+bool process_has_ended(long pid) {
+  return ::kill(static_cast<pid_t>(pid), 0) != 0 && errno == ESRCH;
+}
 
 // Gives the new file the old one's owner, group and permission bits, as far
 // as this process may.
 void take_identity(int fd, const struct stat& old) {
   struct stat now;
   if (::fstat(fd, &now) == 0 && (now.st_uid != old.st_uid || now.st_gid != old.st_gid)) {
-    if (::fchown(fd, old.st_uid, old.st_gid) != 0) (void)!::fchown(fd, static_cast<uid_t>(-1), old.st_gid);
+    if (::fchown(fd, old.st_uid, old.st_gid) != 0) {
+      (void)!::fchown(fd, static_cast<uid_t>(-1), old.st_gid);  // the group, at least
+    }
   }
   (void)!::fchmod(fd, old.st_mode & 07777);
 }
@@ -146,9 +174,11 @@ bool FileReplacement::append(std::string_view data) {
 
 FileResult FileReplacement::commit() {
   if (!result_ || !flush()) return result_;
-  if (int error = files_.sync(file_.get())) {
-    fail(FileStep::kSync, error);
-    return result_;
+  if (options_.durable) {
+    if (int error = files_.sync(file_.get())) {
+      fail(FileStep::kSync, error);
+      return result_;
+    }
   }
   if (int error = files_.close(file_)) {
     fail(FileStep::kWrite, error);
@@ -169,7 +199,7 @@ FileResult FileReplacement::commit() {
   // The new contents are whole and in place. Should the directory not sync,
   // only their surviving a power cut is in doubt, and nothing is left that
   // the operator could do about it, so that is not reported.
-  files_.sync_directory(directory_part(target_));
+  if (options_.durable) files_.sync_directory(directory_part(target_));
   return result_;
 }
 

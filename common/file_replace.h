@@ -8,9 +8,10 @@
 // rewrite is refused.
 //
 // Temporary files are named "." + the target's name + ".px" + the writing
-// process's id + "-" + six hex digits, e.g. ".jobs.jmd.px4711-00a3f2". A
-// process killed mid-write leaves its temporary behind; the next rewrite or
-// load of the same target removes those whose process has ended.
+// process's id + "-" + six hex digits + "." + the machine's host name, e.g.
+// ".jobs.jmd.px4711-00a3f2.north1". A process killed mid-write leaves its
+// temporary behind; the next rewrite or load of the same target on the same
+// machine removes those whose process has ended.
 //
 // The new file takes the old one's permission bits, and its owner and group
 // where the process may set them (as root always; otherwise the writer's
@@ -74,6 +75,10 @@ struct ReplaceOptions {
   // in place (replacing an older one); a backup that cannot be made is not
   // reported and does not stop the rewrite.
   std::string backup;
+  // False skips the syncs: the rewrite still never leaves a mix when the
+  // process dies, but may not survive a power cut. Only for files that are
+  // rewritten all the time and cost nothing to lose (the simulator's status).
+  bool durable = true;
 };
 
 // A new version of a file, written piece by piece and put in place by

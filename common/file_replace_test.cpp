@@ -116,6 +116,16 @@ TEST_F(FileReplaceTest, EveryFailedStepLeavesTheOldFileWhole) {
   EXPECT_EQ(dir_.read("data.bak"), old_text);
 }
 
+TEST_F(FileReplaceTest, ARewriteThatNeedNotLastSkipsTheSyncs) {
+  std::string path = dir_.write("a.sts", "old");
+  FaultyFileSystem files(FaultyFileSystem::kSync, EIO);
+  ReplaceOptions options;
+  options.durable = false;
+  EXPECT_TRUE(replace_file(path, "new", files, options));
+  EXPECT_EQ(files.failures(), 0);
+  EXPECT_EQ(dir_.read("a.sts"), "new");
+}
+
 TEST_F(FileReplaceTest, BackupThatCannotBeMadeDoesNotStopTheRewrite) {
   std::string path = dir_.write("a.ini", "first");
   dir_.write("a.ini.bak", "older");
@@ -151,15 +161,20 @@ TEST_F(FileReplaceTest, ADirectoryThatCannotTakeANewFileRefusesTheRewrite) {
 
 TEST_F(FileReplaceTest, TemporariesOfEndedProcessesAreRemovedByTheNextRewrite) {
   std::string path = dir_.write("jobs.jmd", "old");
-  const std::string dead = ".jobs.jmd.px" + std::to_string(ended_process()) + "-00a3f2";
-  const std::string live = ".jobs.jmd.px" + std::to_string(getppid()) + "-00a3f2";
-  const std::string other = ".other.jmd.px" + std::to_string(ended_process()) + "-00a3f2";
-  for (const std::string& name : {dead, live, other}) dir_.write(name, "left behind");
+  char host[256] = {};
+  ASSERT_EQ(gethostname(host, sizeof host - 1), 0);
+  const std::string here = "." + std::string(host).substr(0, 32);  // a plain name here
+  const std::string dead = ".jobs.jmd.px" + std::to_string(ended_process()) + "-00a3f2" + here;
+  const std::string live = ".jobs.jmd.px" + std::to_string(getppid()) + "-00a3f2" + here;
+  const std::string elsewhere = ".jobs.jmd.px" + std::to_string(ended_process()) + "-00a3f2.x";
+  const std::string other = ".other.jmd.px" + std::to_string(ended_process()) + "-00a3f2" + here;
+  const std::string odd = ".jobs.jmd.px12-";  // not of the form: left alone
+  for (const std::string& name : {dead, live, elsewhere, other, odd}) dir_.write(name, "left");
 
   ASSERT_TRUE(replace_file(path, "new"));
-  EXPECT_EQ(names(), (std::set<std::string>{"jobs.jmd", live, other}));
+  EXPECT_EQ(names(), (std::set<std::string>{"jobs.jmd", live, elsewhere, other, odd}));
   remove_stale_temporaries(dir_.file("other.jmd"));
-  EXPECT_EQ(names(), (std::set<std::string>{"jobs.jmd", live}));
+  EXPECT_EQ(names(), (std::set<std::string>{"jobs.jmd", live, elsewhere, odd}));
 }
 
 TEST_F(FileReplaceTest, RewriteCreatesReadsAndLeavesAlone) {

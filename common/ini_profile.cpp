@@ -175,7 +175,7 @@ FileResult write_changes(std::span<const IniChange> changes, std::string_view fi
         }
         return text;
       },
-      system_file_system(), replace);
+      options.files ? *options.files : system_file_system(), replace);
 }
 
 void set_file(std::string_view name) {

@@ -45,6 +45,8 @@ struct WriteOptions {
   // Keep the file as it was before the rewrite as NAME.bak (NAME the file's
   // real path), replacing the previous backup.
   bool keep_backup = false;
+  // The file steps, when not the real ones (tests fail them).
+  FileSystem* files = nullptr;
 };
 
 // Sets key to value in section and rewrites the file; no value deletes the

@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <unistd.h>
 
 #include "common/directory_map.h"
+#include "tests/support/faulty_file_system.h"
 #include "tests/support/test_dir.h"
 
 namespace px {
@@ -87,6 +89,29 @@ TEST_F(IniProfileTest, SeveralChangesMakeOneRewriteThatCanKeepABackup) {
   // A new file has nothing to back up.
   ASSERT_TRUE(ini::write_string("S", "k", "v", dir_.file("fresh.ini"), {.keep_backup = true}));
   EXPECT_FALSE(std::filesystem::exists(dir_.file("fresh.ini.bak")));
+}
+
+// Each step of the rewrite failed: the file stays byte for byte and the
+// result names the message to show.
+TEST_F(IniProfileTest, AFailedRewriteLeavesTheFileAsItWas) {
+  const std::string old_text = "; keep me\r\n[A]\r\nk=1\r\n";
+  std::string path = dir_.write("f.ini", old_text);
+  const std::pair<FaultyFileSystem::Step, int> faults[] = {
+      {FaultyFileSystem::kLock, kMsgNotLocked},     {FaultyFileSystem::kCreate, kMsgTempNotCreated},
+      {FaultyFileSystem::kWrite, kMsgTempNotWritten}, {FaultyFileSystem::kSync, kMsgTempNotSynced},
+      {FaultyFileSystem::kRename, kMsgNotRenamed}};
+  for (auto [step, message] : faults) {
+    for (int error : {ENOSPC, EIO, EACCES}) {
+      FaultyFileSystem files(step, error);
+      FileResult result = ini::write_string("A", "k", "2", path, {.files = &files});
+      EXPECT_EQ(failure_message(result, path).number, message) << step << " " << error;
+      EXPECT_EQ(dir_.read("f.ini"), old_text);
+      EXPECT_EQ(ini::get_string("A", "k", "", 10, path), "1");
+    }
+  }
+  for (const auto& entry : std::filesystem::directory_iterator(dir_.path())) {
+    EXPECT_FALSE(entry.path().filename().string().starts_with(".f.ini")) << entry.path();
+  }
 }
 
 TEST_F(IniProfileTest, KeyArrayGrowsPastOneBuffer) {

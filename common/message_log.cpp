@@ -1,5 +1,6 @@
 // Writing stamped lines to the log and trace files, with the retry and panic
-// path for a log file that cannot be opened.
+// path for a log file that cannot be opened (or the quick fallback to
+// standard error of programs run from scripts).
 #include <unistd.h>
 
 #include <cstdio>
@@ -83,17 +84,19 @@ std::string stamped_line(std::string_view text) {
 bool write_log_line(const std::string& line) {
   MessageState& s = state();
   if (s.log_file.empty()) return true;
-  for (int attempt = 0; attempt <= kLogRetries; ++attempt) {
+  const int retries = s.quick_log_fallback ? 0 : kLogRetries;
+  for (int attempt = 0; attempt <= retries; ++attempt) {
     if (append_line(s.log_file, line)) return true;
-    if (attempt < kLogRetries && !s.shutting_down) sleep(kRetrySeconds);
+    if (attempt < retries && !s.shutting_down) sleep(kRetrySeconds);
   }
-  write_panic_record(s.log_file);
+  if (!s.quick_log_fallback) write_panic_record(s.log_file);
+  std::FILE* notice = s.quick_log_fallback ? stderr : stdout;
   if (iequals(s.log_file, "stdout")) {
-    std::fputs("Unable to log to stdout - logging disabled\n", stdout);
+    std::fputs("Unable to log to stdout - logging disabled\n", notice);
     s.log_file.clear();
     return false;
   }
-  std::fputs("Redirecting logfile output to stderr.\n", stdout);
+  std::fputs("Redirecting logfile output to stderr.\n", notice);
   s.log_file = "stderr";
   return append_line(s.log_file, line);
 }

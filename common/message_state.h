@@ -27,6 +27,7 @@ struct MessageState {
   std::string date_format;
   std::string last_message_file;
   bool shutting_down = false;
+  bool quick_log_fallback = false;
 };
 
 MessageState& state();

@@ -70,8 +70,10 @@ void init(std::string_view program_name) {
   MessageState& s = state();
   std::string kept_log = s.log_file;
   std::string kept_name = s.program_name;
+  bool kept_fallback = s.quick_log_fallback;
   s = MessageState{};
   s.log_file = kept_log;
+  s.quick_log_fallback = kept_fallback;
   s.program_name = kept_name.empty() ? cut_to_buffer(program_name, kNameLimit) : kept_name;
 
   if (s.log_file.empty()) s.log_file = cut_to_buffer(program_setting("LogFile"), kNameLimit);
@@ -104,6 +106,7 @@ void set_number_prefix(bool on) { state().number_prefix = on; }
 bool number_prefix() { return state().number_prefix; }
 void set_last_message_file(std::string_view name) { state().last_message_file = name; }
 void set_shutting_down(bool on) { state().shutting_down = on; }
+void set_quick_log_fallback(bool on) { state().quick_log_fallback = on; }
 
 std::string message_text(int n) {
   MessageState& s = state();

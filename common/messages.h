@@ -50,6 +50,11 @@ bool number_prefix();
 void set_last_message_file(std::string_view name);
 // Skips the waits between log retries (set while the program shuts down).
 void set_shutting_down(bool on);
+// When on, a log file that cannot be opened is given up at once: no retries
+// and no panic file; the notice "Redirecting logfile output to stderr." goes
+// to standard error, so standard output keeps only the program's own output.
+// For programs run from scripts (pxctl). Kept by init, cleared by reset.
+void set_quick_log_fallback(bool on);
 
 // The text of message n (loaded and cached on first use); sets the current
 // level to its level.

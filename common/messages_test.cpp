@@ -1,6 +1,9 @@
 #include "common/messages.h"
 
 #include <gtest/gtest.h>
+
+#include <ctime>
+#include <filesystem>
 #include <unistd.h>
 
 #include "common/expand.h"
@@ -110,6 +113,26 @@ TEST_F(MessagesTest, UnwritableLogPanicsAndRedirects) {
   std::string panic = dir_.read("panic.000");
   EXPECT_EQ(panic, "PANIC ERROR: 'STAMP prog: prog:  The logfile \"" + dir_.file("no/such/dir.log") +
                        "\" has been unavailable for too long.'\n");
+  ASSERT_EQ(chdir(cwd), 0);
+}
+
+TEST_F(MessagesTest, QuickFallbackRedirectsAtOnceWithTheNoticeOnStderr) {
+  char cwd[4096];
+  ASSERT_NE(getcwd(cwd, sizeof cwd), nullptr);
+  ASSERT_EQ(chdir(dir_.path().c_str()), 0);
+  messages::set_quick_log_fallback(true);
+  messages::set_log_file(dir_.file("no/such/dir.log"));
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  time_t start = time(nullptr);
+  messages::show(40);
+  EXPECT_LE(time(nullptr) - start, 1);  // no retries two seconds apart
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "Redirecting logfile output to stderr.\nSTAMP prog: [40]fatal\n");
+  EXPECT_EQ(messages::log_file(), "stderr");
+  EXPECT_FALSE(std::filesystem::exists(dir_.file("panic.000")));
+  messages::set_quick_log_fallback(false);
   ASSERT_EQ(chdir(cwd), 0);
 }
 

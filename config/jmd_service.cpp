@@ -59,14 +59,12 @@ std::optional<std::string> jmd_path(Operator& op) {
   return path;
 }
 
-// An empty table of the job table's row layout in a fresh file of the
-// temporary directory, its name taken from name's first letters.
+// An empty table of the job table's row layout in an unnamed file of the
+// temporary directory, called after name's first letters.
 engine::Table open_scratch_table(std::string_view name) {
-  std::optional<std::string> file = temp_name("", name);
-  if (!file) return {};
   const jmd::TableSchema& jobs = jmd::table_schema(jmd::kJobTable);
-  return engine::Table::open(*file, static_cast<int>(jobs.record_size), engine::kOpenNew,
-                             jmd::column_definitions(jmd::kJobTable));
+  return engine::Table::open(jmd::table_file_name(name), static_cast<int>(jobs.record_size),
+                             engine::kOpenNew, jmd::column_definitions(jmd::kJobTable));
 }
 
 // The rows that a query over column yields (every row not deleted), in row

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <filesystem>
 #include <set>
 
@@ -140,13 +141,22 @@ TEST_F(JmdServiceTest, OpensOnceAndKeepsItUntilClosedOrTheInstanceChanges) {
   EXPECT_TRUE(op_.shown().empty());
 }
 
-TEST_F(JmdServiceTest, ProcessServiceClosesItsTablesWhenTheProgramEnds) {
+// The tables' files have no name even while open, so neither a normal end
+// nor a killed process leaves anything in the temporary directory.
+TEST_F(JmdServiceTest, ProcessServiceLeavesNoTableFiles) {
   EXPECT_EXIT(
       {
-        bool opened = jmd_service().open(op_) != nullptr && jmd_service().clipboard(op_);
-        std::exit(opened && !files_in("tmp").empty() ? 0 : 1);
+        bool opened = jmd_service().open(op_) != nullptr && jmd_service().clipboard(op_) &&
+                      jmd_service().job_names(op_);
+        std::exit(opened && files_in("tmp").empty() ? 0 : 1);
       },
       ::testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(
+      {
+        if (jmd_service().open(op_) != nullptr) ::kill(::getpid(), SIGKILL);
+        std::exit(1);
+      },
+      ::testing::KilledBySignal(SIGKILL), "");
   EXPECT_TRUE(files_in("tmp").empty());
 }
 
@@ -285,9 +295,8 @@ TEST_F(JmdServiceTest, ClipboardIsMadeOnFirstUseAndEmptiedOnRequest) {
   service_.empty_clipboard();
   EXPECT_EQ(service_.clipboard(op_)->row_count(), 0);
   ASSERT_NE(service_.job_names(op_), nullptr);
-  EXPECT_FALSE(files_in("tmp").empty());
   service_.close();
-  EXPECT_TRUE(files_in("tmp").empty());  // the scratch tables' files are gone
+  EXPECT_TRUE(files_in("tmp").empty());  // the scratch tables' files never had names
 }
 
 TEST_F(JmdServiceTest, ScratchTablesThatCannotBeMadeAreReported) {

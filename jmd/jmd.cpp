@@ -1,6 +1,7 @@
 #include "jmd/jmd.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <array>
 #include <cerrno>
@@ -8,6 +9,7 @@
 #include <new>
 #include <vector>
 
+#include "common/file_replace.h"
 #include "common/file_util.h"
 #include "common/readable_file.h"
 #include "jmd/engine/report.h"
@@ -56,14 +58,11 @@ class EngineReports : public engine::ReportSink {
 bool open_tables(Jmd& jmd, Reporter& reporter) {
   for (int slot = 0; slot < kTableCount; ++slot) {
     const TableSchema& schema = table_schema(slot);
-    std::string name = temp_name("", std::string(1, schema.letter)).value_or("");
-    if (!name.empty()) {
-      jmd.table(slot) = engine::Table::open(name, static_cast<int>(schema.record_size),
-                                            engine::kOpenNew, column_definitions(slot));
-    }
+    std::string name = table_file_name(std::string(1, schema.letter));
+    jmd.table(slot) = engine::Table::open(name, static_cast<int>(schema.record_size),
+                                          engine::kOpenNew, column_definitions(slot));
     if (!jmd.table(slot)) {
       reporter.trace("open of table '" + name + "' failed\n");
-      if (!name.empty()) std::remove(name.c_str());
       return false;
     }
     // A save lists the table in its sort column's order. Keeping that
@@ -85,6 +84,15 @@ std::span<const engine::ColumnDef> column_definitions(int slot) {
   return kColumns.at(static_cast<size_t>(slot));
 }
 
+std::string table_file_name(std::string_view prefix) {
+  static unsigned counter = 0;
+  const std::string stem(prefix.size() < 3 ? std::string_view("PXX") : prefix.substr(0, 3));
+  unsigned number = (static_cast<unsigned>(::getpid()) * 40503u + ++counter) & 0xFFFFu;
+  char hex[8];
+  std::snprintf(hex, sizeof hex, "%X", number);
+  return join_path(stem + hex + ".tmp", temp_directory());
+}
+
 std::unique_ptr<Jmd> load_jmd(const std::string& path, Reporter& reporter) {
   std::unique_ptr<Jmd> jmd;
   try {
@@ -93,6 +101,7 @@ std::unique_ptr<Jmd> load_jmd(const std::string& path, Reporter& reporter) {
     reporter.message(kMsgNoMemory, {});
     return nullptr;
   }
+  remove_stale_temporaries(path);
   if (!open_tables(*jmd, reporter)) return nullptr;
   reporter.trace("jmd.c: database initialized successfully");
 

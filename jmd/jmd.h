@@ -9,6 +9,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "jmd/engine/table.h"
 #include "jmd/jmd_report.h"
@@ -17,7 +18,8 @@
 namespace px::jmd {
 
 // The JMD handle: the tables in slot order job, printer, task, managed
-// memory. Destroying it closes every table and removes its files.
+// memory. Destroying it closes every table and frees its files, which have
+// no name while open (a killed load leaves nothing in the temporary directory).
 class Jmd {
  public:
   engine::Table& table(int slot) { return tables_.at(static_cast<size_t>(slot)); }
@@ -33,8 +35,8 @@ class Jmd {
 // outlives every table.
 std::span<const engine::ColumnDef> column_definitions(int slot);
 
-// Creates the four tables (open mode 3, in fresh temporary names that all
-// begin with "PXX") and loads the file at path into them. Nothing on failure,
+// Creates the four tables (open mode 3, in unnamed files of the temporary
+// directory, called by table_file_name for traces) and loads the file at path into them. Nothing on failure,
 // every table closed again:
 //   a table that cannot be opened   trace "open of table '%s' failed\n"
 //   the file cannot be opened       trace "Open of jmd failed in jmd.c:
@@ -47,8 +49,15 @@ std::span<const engine::ColumnDef> column_definitions(int slot);
 //   the handle cannot be had        kMsgNoMemory
 // A value cut to its field is reported with kMsgValueCut and the load goes
 // on. Traces "jmd.c: database initialized successfully" once the tables are
-// open.
+// open. Temporary files beside path left by saves of processes that have
+// ended (common/file_replace.h) are removed first.
 std::unique_ptr<Jmd> load_jmd(const std::string& path, Reporter& reporter);
+
+// A name for a new table in the temporary directory: "PXX" (or the prefix's
+// first three characters) and a hex number, ".tmp". The table's file never
+// takes the name (open mode 3 makes unnamed files), so nothing is created to
+// reserve it and a killed process leaves nothing; traces show it.
+std::string table_file_name(std::string_view prefix);
 
 // Closes every open table; true when each closed cleanly. No handle is
 // success.

@@ -43,7 +43,11 @@ std::string stamped(std::string_view program, std::string_view text) {
 }
 
 bool write_status_line(const std::string& path, std::string_view program, std::string_view text) {
-  return static_cast<bool>(replace_file(path, stamped(program, text) + "\n"));
+  // Rewritten on every change of state; a power cut may cost the last one.
+  ReplaceOptions options;
+  options.durable = false;
+  std::string line = stamped(program, text) + "\n";
+  return static_cast<bool>(replace_file(path, line, system_file_system(), options));
 }
 
 bool append_log_line(const std::string& path, std::string_view program, std::string_view text) {

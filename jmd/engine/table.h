@@ -9,7 +9,9 @@
 //
 // Index files are named after the table with its extension replaced by
 // "i%02d" and the column number (table /tmp/PXX1A.tmp, column 3:
-// /tmp/PXX1A.i03). They are always created new and deleted when closed.
+// /tmp/PXX1A.i03). They are always created new. A created table's file and
+// every index file have no name in the directory while open (vlist.h), so a
+// killed process leaves nothing behind.
 //
 // The engine's state is process-wide: a pool of 10 open tables, a pool of 20
 // queries, the trace file, the directory for relative table names and the
@@ -82,7 +84,7 @@ inline constexpr int32_t kIndexAtOpen = 1;  // build the index when the table op
 inline constexpr int32_t kUniqueKey = 2;    // the index admits no two equal values
 
 // Table open modes (passed on to the record and index files).
-inline constexpr int kOpenCreate = 1;          // start empty; files deleted on close
+inline constexpr int kOpenCreate = 1;          // start empty in unnamed files
 inline constexpr int kOpenCreateIfMissing = 2;
 inline constexpr int kOpenReadOnly = 4;
 inline constexpr int kOpenNew = 3;             // what the JMD uses
@@ -129,7 +131,7 @@ Value value_of(const T& number) {
 class Query;
 
 // An open table: a move-only handle on one slot of the pool of 10. Destroying
-// the handle closes the table (and with mode kOpenCreate deletes its files).
+// the handle closes the table (and with mode kOpenCreate frees its files).
 class Table {
  public:
   Table() = default;

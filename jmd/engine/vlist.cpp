@@ -49,6 +49,21 @@ bool read_exact(int fd, void* buffer, size_t n, off_t offset) {
   return true;
 }
 
+// Opens a new, empty file that no name in any directory reaches, so the
+// kernel frees it with the last descriptor even when the process is killed:
+// an unnamed file in name's directory, or, where the file system cannot
+// make one, name created afresh and unlinked at once. A file that has the
+// name already is never touched.
+int open_unnamed(const std::string& name) {
+  size_t slash = name.rfind('/');
+  std::string directory = slash == std::string::npos ? "." : name.substr(0, slash + 1);
+  int fd = ::open(directory.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
+  if (fd >= 0) return fd;
+  fd = ::open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+  if (fd >= 0) ::unlink(name.c_str());
+  return fd;
+}
+
 }  // namespace
 
 int vlist_last_error() { return g_last_error; }
@@ -91,7 +106,8 @@ std::unique_ptr<VList> VList::open(std::string_view name, int record_size, int m
   int flags = O_CLOEXEC | ((mode & kVListReadOnly) ? O_RDONLY : O_RDWR);
   if (mode & kVListCreateIfMissing) flags |= O_CREAT;
   if (mode & kVListCreate) flags |= O_TRUNC;
-  list->fd_ = ::open(list->name_.c_str(), flags, 0666);
+  list->fd_ = (mode & kVListCreate) ? open_unnamed(list->name_)
+                                    : ::open(list->name_.c_str(), flags, 0666);
   if (list->fd_ < 0) {
     list->closed_ = true;
     g_last_error = kVListErrorCannotOpen;
@@ -110,7 +126,6 @@ std::unique_ptr<VList> VList::open(std::string_view name, int record_size, int m
     list->closed_ = true;
     ::close(list->fd_);
     list->fd_ = -1;
-    if (mode & kVListCreate) unlink(list->name_.c_str());
     return nullptr;
   }
   return list;
@@ -170,9 +185,8 @@ bool VList::close() {
   closed_ = true;
   if (keep && writable) write_header();
   mapping_.unmap();
-  ::close(fd_);
+  ::close(fd_);  // a created VList's file has no name: this frees it
   fd_ = -1;
-  if (!keep) unlink(name_.c_str());
   return true;
 }
 

@@ -60,8 +60,10 @@
 namespace px::engine {
 
 // Open mode bits.
-inline constexpr int kVListCreate = 1;          // empty an existing file; implies 2, clears 4;
-                                                // the file is deleted again on close
+inline constexpr int kVListCreate = 1;          // a new, empty file; implies 2, clears 4. It
+                                                // has no name at all (gone with the process,
+                                                // even a killed one); the name only places
+                                                // it in a directory and names it in reports
 inline constexpr int kVListCreateIfMissing = 2;
 inline constexpr int kVListReadOnly = 4;
 
@@ -101,8 +103,8 @@ class VList {
   VList& operator=(const VList&) = delete;
 
   // Writes back dirty blocks and the header (unless read only or created with
-  // kVListCreate), drops the cached blocks, closes the file and deletes it
-  // when it was created with kVListCreate. Always true; a second call does
+  // kVListCreate), drops the cached blocks and closes the file (which frees
+  // a created VList's unnamed file). Always true; a second call does
   // nothing.
   bool close();
 

@@ -153,7 +153,7 @@ TEST(VListOpen, ReopenChecksMagicAndGeometry) {
   EXPECT_EQ(vlist_last_error(), kVListErrorCannotOpen);
 }
 
-TEST(VListOpen, ModesCreateReadOnlyAndDeleteOnClose) {
+TEST(VListOpen, ModesCreateReadOnlyAndUnnamedFiles) {
   TestDir dir;
   MessageCapture log(dir);
   std::string path = dir.file("modes.vl");
@@ -171,15 +171,28 @@ TEST(VListOpen, ModesCreateReadOnlyAndDeleteOnClose) {
     EXPECT_TRUE(log.contains("VLPut failed - Name '" + path + "' RecNum 0"));
   }
   {
-    // Create empties the file and deletes it again on close.
+    // Create works in a new file without a name, which the kernel frees
+    // with the process; a file of the name is left alone.
     auto list = VList::open(path, 64, kVListCreate | kVListReadOnly, 4);
     ASSERT_TRUE(list);
     EXPECT_EQ(list->record_count(), 0);
     EXPECT_TRUE(list->put(3, record_of(64, 3)));
-    EXPECT_TRUE(file_exists(path));
+    std::vector<std::byte> back(64);
+    EXPECT_TRUE(list->get(3, back));
+    EXPECT_EQ(back, record_of(64, 3));
     EXPECT_TRUE(list->close());
     EXPECT_TRUE(list->close());
-    EXPECT_FALSE(file_exists(path));
+    auto old = VList::open(path, 64, kVListReadOnly, 4);
+    ASSERT_TRUE(old);
+    EXPECT_EQ(old->record_count(), 1);
+  }
+  {
+    std::string fresh = dir.file("fresh.vl");
+    auto list = VList::open(fresh, 64, kVListCreate, 4);
+    ASSERT_TRUE(list);
+    EXPECT_FALSE(file_exists(fresh));
+    EXPECT_TRUE(list->close());
+    EXPECT_FALSE(file_exists(fresh));
   }
 }
 
