@@ -46,6 +46,7 @@ const char* const kSummary =
     "  instances edit NAME [--title TEXT] [--config FILE]\n"
     "  instances default NAME               make an instance the default\n"
     "  instances remove NAME                take an instance out of the list\n"
+    "\n"
     "  --help                               this text\n"
     "\n"
     "Common options (value written directly behind the option):\n"
