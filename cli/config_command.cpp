@@ -6,7 +6,8 @@
 // of the instance's configuration file, FORM one of its sub-dialogs. show
 // prints each shown field as KEY, TAB, text. set types each VALUE into its
 // field (the typing rules apply; choices take their words), then presses
-// OK: a refused OK shows its message and writes nothing; a file changed
+// OK (a value the typing rules cut or changed is reported, 1606 or 1613): a
+// refused OK shows its message and writes nothing; a file changed
 // since the form read it is left alone unless --force; --dry-run prints
 // each key OK would change as KEY, TAB, old value ("(none)" when absent),
 // TAB, new value (a password as asterisks), and writes nothing.
@@ -104,6 +105,8 @@ bool assign(forms::Form& form, const std::string& key, const std::string& value)
   if (typed.cut_to_limit) {
     report(forms::kMsgValueCut,
            {form.field(field).key, std::to_string(form.field(field).limit)});
+  } else if (form.field(field).kind != forms::FieldKind::kPassword && typed.text != word) {
+    report(forms::kMsgValueChanged, {form.field(field).key, word, typed.text});
   }
   return true;
 }

@@ -68,6 +68,7 @@ const char* const kSummary =
     "  instances remove NAME                take an instance out of the list\n"
     "  audit [--since TIME]                 the operator audit log (AuditLog in Options),\n"
     "                                       from TIME (YYYY-MM-DD[THH:MM[:SS]][Z]) on\n"
+    "\n"
     "  --help                               this text\n"
     "\n"
     "Common options (value written directly behind the option):\n"

@@ -23,6 +23,7 @@ class PxctlConfigTest : public PxctlFixture {
                           "Msg1601=30 @P1 is elsewhere\n"
                           "Msg1602=30 @P1 changed\n"
                           "Msg1606=20 @P1 cut to @P2\n"
+                          "Msg1613=20 @P1 took @P2 as @P3\n"
                           "Msg1607=30 no instance @P1\n"
                           "Msg1608=30 @P1 exists\n"
                           "Msg1609=30 bad name @P1\n");
@@ -103,6 +104,12 @@ TEST_F(PxctlConfigTest, RefusalsAndUsageErrors) {
   EXPECT_EQ(pxctl({"config", "show", "PXSERVER", "jobcard"}).status, 2);
   EXPECT_EQ(pxctl({"config", "show"}).status, 2);
   EXPECT_EQ(dir_.read("north.ini"), before);
+
+  ProgramResult digits = pxctl({"config", "set", "PXSERVER", "LogFileSize=5x0", "PauseTime=0"});
+  EXPECT_EQ(digits.status, 0);
+  EXPECT_EQ(digits.err, "[1613]LogFileSize took 5x0 as 50\n[1613]PauseTime took 0 as 1\n");
+  EXPECT_NE(dir_.read("north.ini").find("LogFileSize=50"), std::string::npos);
+  dir_.write("north.ini", before);
 
   ProgramResult missing = pxctl({"config", "show", "PXNONE"});
   EXPECT_EQ(missing.status, 1);

@@ -21,6 +21,7 @@ constexpr int kPostOfficeLabel = 18;
 constexpr int kPostOffice = 21;
 constexpr int kBrowsePostOffice = 23;
 constexpr int kEmailChanges = 24;
+constexpr int kEmailStatus = 25;
 // E-Mail Agent File Locations (148): "Browse..." 9 to 11 beside 4, 6, 8.
 constexpr int kEmailBrowseFirst = 9;
 constexpr int kEmailLocationFields[] = {4, 6, 8};
@@ -33,6 +34,7 @@ constexpr int kYield = 11;
 constexpr int kPrintBrowseFirst = 19;  // 19 to 21 beside 14, 16, 18
 constexpr int kPrintPathFields[] = {14, 16, 18};
 constexpr int kPrintChanges = 22;
+constexpr int kPrintStatus = 23;
 // The sub-dialogs of the Print Agent put the focus on their first field.
 constexpr int kFirstSubField = 4;
 constexpr int kLocationLeft = 254;
@@ -100,6 +102,7 @@ bool run_email_dialog(const ConfigContext& context, const std::string& config_fi
   controls.minutes = kEmailMinutes;
   controls.seconds = kEmailSeconds;
   controls.changes = kEmailChanges;
+  controls.status = kEmailStatus;
   controls.shown_with = {{kPostOffice, kPostOfficeLabel, kBrowsePostOffice}};
   return run(context, forms::FormKind::kEmail, file, controls,
              [&context, config_file](const tk::Event& e, forms::Form& form) {
@@ -145,6 +148,7 @@ bool run_print_dialog(const ConfigContext& context, const std::string& config_fi
   FormControls controls;
   controls.shown_with = {{kYield, kYieldLabel}};
   controls.changes = kPrintChanges;
+  controls.status = kPrintStatus;
   return run(context, forms::FormKind::kPrint, file, controls,
              [&context, config_file](const tk::Event& e, forms::Form& form) {
                if (e.type == tk::EventType::kCreate) {

@@ -1,5 +1,6 @@
 #include "config/dialogs/form_dialog.h"
 
+#include "common/expand.h"
 #include "common/messages.h"
 #include "common/text.h"
 #include "config/forms/form_messages.h"
@@ -122,6 +123,22 @@ void FormDialog::changed(tk::Window dialog, int control_id) {
     dialog.control(controls_.spin).set_position(parse_int(result.text));
   }
   if (result.beep) dialog.toolkit().beep();
+  note(dialog, form_.field(static_cast<std::size_t>(i)), result);
+}
+
+void FormDialog::note(tk::Window dialog, const forms::FieldDef& field,
+                      const forms::EditResult& result) {
+  if (controls_.status == 0) return;
+  std::string text;
+  if (result.cut_to_limit && field.kind != FieldKind::kScanTime) {
+    set_message_arguments({std::to_string(field.limit)});
+    text = expand(message_label(forms::kNoteLimit));
+  } else if (result.beep && field.kind == FieldKind::kScanTime) {
+    text = message_label(forms::kNoteScanTime);
+  } else if (result.beep && (field.kind == FieldKind::kDigits || field.kind == FieldKind::kInteger)) {
+    text = message_label(forms::kNoteDigits);
+  }
+  dialog.control(controls_.status).set_text(text);
 }
 
 void FormDialog::clicked(tk::Window dialog, int control_id) {
@@ -168,6 +185,8 @@ void FormDialog::scrolled(tk::Window dialog, const tk::Event& e) {
   for (std::size_t i = 0; i < form_.size(); ++i) {
     if (form_.field(i).kind != FieldKind::kScanTime) continue;
     bool clamped = form_.step(i, delta);
+    forms::EditResult result{form_.text(i), 0, clamped, false};
+    note(dialog, form_.field(i), result);
     tk::Control field = dialog.control(form_.field(i).control);
     field.set_text(form_.text(i));
     field.set_caret(static_cast<int>(form_.text(i).size()));

@@ -12,7 +12,9 @@
 // file changed on disk since it was read, saves and closes; Cancel and the
 // close box close without saving. "Changes..." shows the keys OK would
 // change with their old and new values (1612), or that it would change
-// nothing (1611).
+// nothing (1611). When a typing rule beeps, the status line says why (the
+// limit 1614, digits only 1615, the scan time's range 1616); the next
+// change that passes clears it.
 #pragma once
 
 #include <functional>
@@ -30,6 +32,7 @@ namespace px::dialogs {
 struct FormControls {
   int ok = 1;
   int changes = 0;                // "Changes...": lists what OK would write
+  int status = 0;                 // the status line for notes on typing rules
   int spin = 0;                   // the scan time's spin bar
   int minutes = 0;                // the unit's radio pair
   int seconds = 0;
@@ -59,6 +62,7 @@ class FormDialog {
   void scrolled(tk::Window dialog, const tk::Event& e);
   void ok(tk::Window dialog);
   void show_changes();
+  void note(tk::Window dialog, const forms::FieldDef& field, const forms::EditResult& result);
   int field_of(int control) const { return form_.index_of_control(control); }
 
   forms::Form& form_;

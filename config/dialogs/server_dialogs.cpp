@@ -16,6 +16,7 @@ constexpr int kMinutes = 23;
 constexpr int kSeconds = 24;
 constexpr int kBrowseLogFile = 25;
 constexpr int kChanges = 26;
+constexpr int kStatus = 27;
 constexpr int kLogFilePrompt = 261;
 // Network Command (136): the check box, then each label and its edit.
 constexpr int kSend = 3;
@@ -44,6 +45,7 @@ bool run_server_dialog(const ConfigContext& context, const std::string& file) {
   controls.minutes = kMinutes;
   controls.seconds = kSeconds;
   controls.changes = kChanges;
+  controls.status = kStatus;
   return run(context, forms::FormKind::kServer, file, controls,
              [&context, file](const tk::Event& e, forms::Form& form) {
                tk::Window dialog = e.window;

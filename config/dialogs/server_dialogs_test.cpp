@@ -32,21 +32,25 @@ TEST_F(ServerDialogTest, LoadsTypesStepsAndSavesInOrder) {
     EXPECT_TRUE(tk.scroll(d, 14, tk::ScrollAction::kLineUp));
     EXPECT_EQ(text(d, 5), "999");
     EXPECT_EQ(tk.beeps(), beeps + 1);
+    EXPECT_EQ(text(d, 27), "The scan time is a whole number from 1 to 999.");
     EXPECT_TRUE(tk.replace_text(d, 20, "5x0"));
     EXPECT_EQ(text(d, 20), "50");
+    EXPECT_EQ(text(d, 27), "This field takes digits only (a minus sign may come first).");
+    EXPECT_TRUE(tk.replace_text(d, 20, "500"));
+    EXPECT_EQ(text(d, 27), "");
     EXPECT_TRUE(tk.click(d, 10));  // unchecks
     EXPECT_TRUE(tk.click(d, 26));  // Changes...
     EXPECT_EQ(op.last(), 1612);
     EXPECT_EQ(op.shown().back().args.at(0),
               "\nPauseTime: 120 -> 59940\nBackupFiles: yes -> No\nLogFile: (none) -> \n"
-              "LogFileSize: (none) -> 50\nVerbosity: (none) -> -10\nFileSpec: (none) -> *.DAT\n"
+              "LogFileSize: (none) -> 500\nVerbosity: (none) -> -10\nFileSpec: (none) -> *.DAT\n"
               "DeleteExt: (none) -> DA*");
     EXPECT_TRUE(tk.click(d, 1));
   });
   ASSERT_TRUE(run_server_dialog(context, config()));
   EXPECT_EQ(dir.read("north.ini"),
             "; north\n[Options]\nPauseTime=59940\nBackupFiles=No\nKeep=1\nFileSpec=*.DAT\n"
-            "DeleteExt=DA*\n[Plexar]\nLogFile=\nLogFileSize=50\nVerbosity=-10\n");
+            "DeleteExt=DA*\n[Plexar]\nLogFile=\nLogFileSize=500\nVerbosity=-10\n");
 }
 
 TEST_F(ServerDialogTest, CancelWritesNothingAndBrowseFillsTheLogFile) {

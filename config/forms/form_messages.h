@@ -18,6 +18,11 @@ inline constexpr int kMsgUnusableInstanceName = 1609;  // @P1 name
 inline constexpr int kMsgNoInstallFile = 1610;         // @P1 console INI file
 inline constexpr int kMsgNoChanges = 1611;             // Show changes: nothing would change
 inline constexpr int kMsgChangesList = 1612;           // @P1 the changes, one per line
+inline constexpr int kMsgValueChanged = 1613;          // @P1 field, @P2 typed, @P3 taken
+// Notes in a dialog's status line after a typing rule beeped.
+inline constexpr int kNoteLimit = 1614;                // @P1 the limit
+inline constexpr int kNoteDigits = 1615;
+inline constexpr int kNoteScanTime = 1616;
 inline constexpr int kMsgCancelButton = 140;
 
 }  // namespace px::forms

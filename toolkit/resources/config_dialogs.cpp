@@ -8,7 +8,8 @@
 // Shared layout: labels in a column on the left, fields from one x on, a
 // "Browse..." button at the right end of each path field, the sub-dialog
 // buttons bottom left, "Changes..." (what OK would write, a feature of this
-// console) beside them, and OK / Cancel bottom right. A scan time is a three
+// console) beside them, and OK / Cancel bottom right; under them a status
+// line where the dialog says what a typing rule did. A scan time is a three
 // digit field with a spin bar (a small vertical scroll bar) beside it.
 #include "toolkit/resources/groups.h"
 #include "toolkit/resources/resource_ids.h"
@@ -46,9 +47,10 @@ constexpr ControlDef kServerControls[] = {
     {kServerChanges, K::kButton, "Chan&ges...", {131, 171, 44, 14}},
     {kOk, K::kButton, "OK", {179, 171, 50, 14}, kDefaultButton},
     {kCancel, K::kButton, "Cancel", {233, 171, 50, 14}, kCancelButton},
+    {kServerStatus, K::kStatic, "", {7, 190, 276, 8}},
 };
 constexpr WindowDef kServer{kServerConfigDialog, WindowKind::kDialog, "Main Configuration for %s",
-                            {290, 192}, kServerControls};
+                            {290, 202}, kServerControls};
 
 // The labels carry ids: the check box enables and disables them with their
 // fields.
@@ -112,13 +114,14 @@ constexpr ControlDef kEmailControls[] = {
      {7, 135, 278, 8}},
     {kNoId, K::kStatic, "for these changes to take effect.", {7, 143, 278, 8}},
     {kEmailJobCard, K::kButton, "&Job Card...", {7, 159, 56, 14}},
-    {kEmailFileLocations, K::kButton, "&File Locations...", {67, 159, 66, 14}, kHidden},
-    {kEmailChanges, K::kButton, "Chan&ges...", {137, 159, 40, 14}},
+    {kEmailFileLocations, K::kButton, "&File Locations...", {67, 159, 62, 14}, kHidden},
+    {kEmailChanges, K::kButton, "Chan&ges...", {133, 159, 44, 14}},
     {kOk, K::kButton, "OK", {181, 159, 50, 14}, kDefaultButton},
     {kCancel, K::kButton, "Cancel", {235, 159, 50, 14}, kCancelButton},
+    {kEmailStatus, K::kStatic, "", {7, 178, 278, 8}},
 };
 constexpr WindowDef kEmail{kEmailConfigDialog, WindowKind::kDialog,
-                           "E-Mail Agent Configuration for %s", {292, 180}, kEmailControls};
+                           "E-Mail Agent Configuration for %s", {292, 190}, kEmailControls};
 
 constexpr ControlDef kEmailLocationsControls[] = {
     {kNoId, K::kStatic, "&Transaction files:", {7, 9, 84, 8}},
@@ -178,9 +181,10 @@ constexpr ControlDef kPrintControls[] = {
     {kPrintChanges, K::kButton, "Chan&ges...", {127, 123, 48, 14}},
     {kOk, K::kButton, "OK", {179, 123, 50, 14}, kDefaultButton},
     {kCancel, K::kButton, "Cancel", {233, 123, 50, 14}, kCancelButton},
+    {kPrintStatus, K::kStatic, "", {7, 142, 276, 8}},
 };
 constexpr WindowDef kPrint{kPrintAgentConfigDialog, WindowKind::kDialog,
-                           "Print Agent Configuration for %s", {290, 144}, kPrintControls};
+                           "Print Agent Configuration for %s", {290, 154}, kPrintControls};
 
 // Every field holds one or a few characters.
 constexpr ControlDef kCurrencyControls[] = {

@@ -204,6 +204,7 @@ inline constexpr int kEmailPostOffice = 21;
 inline constexpr int kEmailScanTime = 22;
 inline constexpr int kEmailBrowsePostOffice = 23;
 inline constexpr int kEmailChanges = 24;  // "Changes...": what OK would write
+inline constexpr int kEmailStatus = 25;   // a note on what a typing rule did
 
 // Main Configuration for %s (134).
 inline constexpr int kServerScanTime = 5;
@@ -220,6 +221,7 @@ inline constexpr int kServerMinutes = 23;
 inline constexpr int kServerSeconds = 24;
 inline constexpr int kServerBrowseLogFile = 25;
 inline constexpr int kServerChanges = 26;  // "Changes...": what OK would write
+inline constexpr int kServerStatus = 27;   // a note on what a typing rule did
 
 // Network Command (136): each edit's label is the id before it.
 inline constexpr int kNetworkSend = 3;
@@ -245,6 +247,7 @@ inline constexpr int kPrintBrowseForm = 19;
 inline constexpr int kPrintBrowseLogo = 20;
 inline constexpr int kPrintBrowseData = 21;
 inline constexpr int kPrintChanges = 22;  // "Changes...": what OK would write
+inline constexpr int kPrintStatus = 23;   // a note on what a typing rule did
 
 // Print Agent Currency Options (139).
 inline constexpr int kCurrencyComma = 4;
