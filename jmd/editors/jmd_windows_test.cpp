@@ -291,6 +291,15 @@ TEST_F(JmdWindowsTest, APrinterOnTheClipboardDoesNotPasteIntoTasks) {
   (void)tasks;
 }
 
+TEST_F(JmdWindowsTest, AJmdThatCannotBeLoadedLeavesTheListEmpty) {
+  use_jmd("not a JMD\n");
+  tk::Window list = open(ListKind::kTasks);
+  ASSERT_TRUE(list.exists());
+  EXPECT_EQ(list.control(tk::kJmdList).count(), 0);
+  EXPECT_EQ(list.control(tk::kJmdCount).text(), "0 of 0");
+  EXPECT_EQ(op.numbers(), (std::vector<int>{-384, 179}));
+}
+
 TEST_F(JmdWindowsTest, ClosingEveryWindowLeavesNoneOpen) {
   use_jmd(kSmallJmd);
   open(ListKind::kJobNames);
