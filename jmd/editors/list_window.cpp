@@ -292,6 +292,7 @@ void ListWindow::handle(const tk::Event& e) {
       }
       break;
     case tk::EventType::kControl:
+      owner_.note_active(e.window);
       if (e.control == tk::kJmdFilter && e.notice == tk::Notice::kChanged) {
         list_.set_filter(window_.control(tk::kJmdFilter).text());
         list_.show_from(0);
