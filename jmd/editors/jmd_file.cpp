@@ -29,7 +29,10 @@ class OperatorReporter : public jmd::Reporter {
 }  // namespace
 
 bool replace_jmd_file(jmd::Jmd& jmd, const std::string& path) {
-  FileSystem& files = system_file_system();
+  return replace_jmd_file(jmd, path, system_file_system());
+}
+
+bool replace_jmd_file(jmd::Jmd& jmd, const std::string& path, FileSystem& files) {
   std::string directory = directory_part(path);
   if (directory.empty()) directory = ".";
   std::optional<std::string> fresh = temp_name(directory, "jmd");

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "config/file_system.h"
 #include "config/jmd_service.h"
 #include "config/operator.h"
 #include "jmd/editors/jmd_editor.h"
@@ -37,6 +38,8 @@ class JmdFile {
 // disk and renames it over path, keeping path's permission bits: path is the
 // old file or the new one, never a part of either. False (path untouched,
 // the new file removed) when any step fails.
+// The file steps go through files (a test's can fail any of them).
 bool replace_jmd_file(jmd::Jmd& jmd, const std::string& path);
+bool replace_jmd_file(jmd::Jmd& jmd, const std::string& path, FileSystem& files);
 
 }  // namespace px::editors
