@@ -29,6 +29,18 @@ TEST_F(JmdMenuTest, TheSubmenuOpensOneListWindowPerTable) {
   EXPECT_FALSE(editors::jmd_windows().edit_command(tk::kCmdCut));
 }
 
+TEST_F(JmdMenuTest, TheEditMenuActsOnTheJmdWindowLastWorkedIn) {
+  ASSERT_TRUE(tk.choose_menu(task(), tk::kCmdTasks));
+  tk::Window tasks = editors::jmd_windows().window(editors::ListKind::kTasks);
+  tk.activate(tasks);
+  tk.click_row(tasks, tk::kJmdList, 0);
+  EXPECT_TRUE(task().menu_enabled(tk::kCmdCopy));
+  // Reaching the menu bar makes the task window the focused one.
+  tk.activate(task());
+  ASSERT_TRUE(tk.choose_menu(task(), tk::kCmdCopy));
+  EXPECT_TRUE(editors::jmd_windows().editor().can_paste(editors::ListKind::kTasks));
+}
+
 TEST_F(JmdMenuTest, UndoAndRedoTakeBackADeleteInTheOpenList) {
   ASSERT_TRUE(tk.choose_menu(task(), tk::kCmdPrinters));
   tk::Window printers = editors::jmd_windows().window(editors::ListKind::kPrinters);

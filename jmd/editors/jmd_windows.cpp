@@ -85,7 +85,9 @@ ListWindow* JmdWindows::open_window(tk::WindowId id) const {
 
 bool JmdWindows::edit_command(int command) {
   if (tk_ == nullptr) return false;
-  ListWindow* focused = open_window(tk_->focused_top_window().id());
+  tk::Window top = tk_->focused_top_window();
+  ListWindow* focused = open_window(top.id());
+  if (focused == nullptr && top == tk_->task_window()) focused = open_window(last_active_);
   if (focused == nullptr) return false;
   switch (command) {
     case tk::kCmdCut: focused->cut_or_copy(true); break;
@@ -96,6 +98,8 @@ bool JmdWindows::edit_command(int command) {
   }
   return true;
 }
+
+void JmdWindows::note_active(tk::Window window) { last_active_ = window.id(); }
 
 void JmdWindows::undo_command(int command) {
   bool done = command == tk::kCmdUndo ? editor_.undo() : editor_.redo();
@@ -122,6 +126,7 @@ void JmdWindows::close_all() {
   }
   for (std::unique_ptr<ListWindow>& open : windows_) open.reset();
   closing_ = false;
+  last_active_ = 0;
   // No JMD window: the Edit menu is as for an empty selection.
   if (tk_ != nullptr) {
     for (int item : {tk::kCmdCut, tk::kCmdCopy, tk::kCmdPaste, tk::kCmdDelete}) {

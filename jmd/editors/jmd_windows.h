@@ -39,7 +39,13 @@ class JmdWindows {
 
   // Cut (32027), Copy (32028), Paste (32029) or Delete (1043) on the focused
   // top-level window; false, with nothing done, when that is no JMD window.
+  // The task window, whose menu bar holds the Edit menu, stands for the JMD
+  // window the operator worked in last (its menu is reached by leaving that
+  // window, where the original console's document windows sat inside it).
   bool edit_command(int command);
+  // A JMD window the operator acted in: the task window's Edit menu acts on
+  // it.
+  void note_active(tk::Window window);
 
   // Undo (1500) or Redo (1501) of the unsaved edits, whichever window has
   // the focus; the open lists show the result. Message 1509 when there is
@@ -63,6 +69,7 @@ class JmdWindows {
   ListWindow* open_window(tk::WindowId id) const;
   tk::Toolkit* tk_ = nullptr;
   bool closing_ = false;  // close_all at work: nothing is read again
+  tk::WindowId last_active_ = 0;
   JmdEditor editor_;
   std::array<std::unique_ptr<ListWindow>, kListKindCount> windows_;
 };

@@ -144,6 +144,28 @@ TEST_F(JmdWindowsTest, TheNewPrinterDialogCutsBeepsAndRefusesADeviceName) {
   EXPECT_TRUE(jmd_service().modified());
 }
 
+TEST_F(JmdWindowsTest, AddManagedMemoryPutsTheNewIdIntoThePrinterDialog) {
+  use_jmd(kSmallJmd);
+  tk::Window memory = open(ListKind::kMemory);
+  tk::Window list = open(ListKind::kPrinters);
+  tk.on_dialog(tk::kPrinterDialog, [&](tk::Window dialog) {
+    tk.on_dialog(tk::kManagedMemoryDialog, [&](tk::Window nested) {
+      EXPECT_EQ(nested.title(), message_label(msg::kMemoryTitle));
+      EXPECT_EQ(nested.control(tk::kMemoryAmount).text(), "0");
+      tk.type(nested, tk::kMemoryPrinterId, "NEWMEM");
+      tk.type(nested, tk::kMemoryAmount, "12a");
+      tk.click(nested, tk::kOk);
+    });
+    ASSERT_TRUE(tk.click(dialog, tk::kPrinterAddMemory));
+    EXPECT_EQ(dialog.control(tk::kPrinterId).count(), 2);
+    EXPECT_EQ(dialog.control(tk::kPrinterId).text(), "NEWMEM");
+    tk.click(dialog, tk::kCancel);
+  });
+  ASSERT_TRUE(tk.click(list, tk::kJmdNew));
+  EXPECT_EQ(rows(memory).size(), 2u);
+  EXPECT_EQ(rows(memory)[1].substr(0, 22), "NEWMEM            12  ");
+}
+
 TEST_F(JmdWindowsTest, EditingAPriorityDropsWhatIsNotADigit) {
   use_jmd(kSmallJmd);
   tk::Window list = open(ListKind::kPrinters);
@@ -267,6 +289,15 @@ TEST_F(JmdWindowsTest, APrinterOnTheClipboardDoesNotPasteIntoTasks) {
   ASSERT_TRUE(windows().edit_command(tk::kCmdPaste));
   EXPECT_EQ(rows(printers_list).size(), 2u);
   (void)tasks;
+}
+
+TEST_F(JmdWindowsTest, AJmdThatCannotBeLoadedLeavesTheListEmpty) {
+  use_jmd("not a JMD\n");
+  tk::Window list = open(ListKind::kTasks);
+  ASSERT_TRUE(list.exists());
+  EXPECT_EQ(list.control(tk::kJmdList).count(), 0);
+  EXPECT_EQ(list.control(tk::kJmdCount).text(), "0 of 0");
+  EXPECT_EQ(op.numbers(), (std::vector<int>{-384, 179}));
 }
 
 TEST_F(JmdWindowsTest, ClosingEveryWindowLeavesNoneOpen) {

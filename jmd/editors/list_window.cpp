@@ -47,8 +47,10 @@ bool ListWindow::create() {
 engine::Table* ListWindow::table() { return owner_.editor().table(kind()); }
 
 void ListWindow::refill() {
+  // A JMD that cannot be had was reported by the service; the list stays
+  // empty.
   engine::Table* rows = table();
-  if (rows == nullptr || !list_.reload(*rows)) {
+  if (rows != nullptr && !list_.reload(*rows)) {
     owner_.editor().op().show(msg::kInternalError, {"'pxcjmd', line " + std::to_string(__LINE__)});
   }
   fill();
@@ -58,7 +60,8 @@ void ListWindow::fill() {
   tk::Control lines = window_.control(tk::kJmdList);
   lines.suspend();
   lines.clear_rows();
-  engine::Table* rows = table();
+  // Only a JMD that is open is read here: opening it is refill's business.
+  engine::Table* rows = owner_.editor().service().is_open() ? table() : nullptr;
   if (rows != nullptr) {
     std::vector<std::string> page = list_.page_lines(*rows);
     Record step = blank_record(jmd::kJobTable);
@@ -289,6 +292,7 @@ void ListWindow::handle(const tk::Event& e) {
       }
       break;
     case tk::EventType::kControl:
+      owner_.note_active(e.window);
       if (e.control == tk::kJmdFilter && e.notice == tk::Notice::kChanged) {
         list_.set_filter(window_.control(tk::kJmdFilter).text());
         list_.show_from(0);

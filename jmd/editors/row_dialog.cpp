@@ -111,15 +111,19 @@ struct RowDialog {
     dialog.destroy();
   }
 
+  // "Add Managed Memory...", "Add Task...", "Add Printer...": the nested
+  // dialog of kind in New mode; its new key goes into the combo box.
+  void add_nested(tk::Window dialog, ListKind kind, int combo) {
+    std::optional<OkResult> added_row = run_row_dialog(
+        toolkit, editor, RowRequest{editor.new_form(kind), 0, {}, std::nullopt}, added);
+    if (!added_row) return;
+    dialog.control(combo).add(added_row->key);
+    dialog.control(combo).set_text(added_row->key);
+    if (added) added(kind);
+  }
+
   void handle(const tk::Event& e);
 };
-
-}  // namespace
-
-std::optional<OkResult> run_row_dialog(tk::Toolkit& toolkit, JmdEditor& editor,
-                                       RowRequest request, const RowAdded& added);
-
-namespace {
 
 void RowDialog::handle(const tk::Event& e) {
   tk::Window dialog = e.window;
@@ -136,31 +140,17 @@ void RowDialog::handle(const tk::Event& e) {
         break;
       }
       if (e.notice != tk::Notice::kClicked) break;
-      int combo = 0;
-      ListKind nested = ListKind::kMemory;
       if (e.control == tk::kOk) {
         ok(dialog);
       } else if (e.control == tk::kCancel) {
         dialog.destroy();
       } else if (form().kind() == ListKind::kPrinters && e.control == tk::kPrinterAddMemory) {
-        combo = tk::kPrinterId;
+        add_nested(dialog, ListKind::kMemory, tk::kPrinterId);
       } else if (form().kind() == ListKind::kSteps && e.control == tk::kStepAddTask) {
-        combo = tk::kStepTaskId;
-        nested = ListKind::kTasks;
+        add_nested(dialog, ListKind::kTasks, tk::kStepTaskId);
       } else if (form().kind() == ListKind::kSteps && e.control == tk::kStepAddPrinter) {
-        combo = tk::kStepPrinterName;
-        nested = ListKind::kPrinters;
+        add_nested(dialog, ListKind::kPrinters, tk::kStepPrinterName);
       }
-      if (combo == 0) break;
-      // "Add Managed Memory...", "Add Task...", "Add Printer...": the nested
-      // dialog in New mode; its new key goes into the combo box.
-      std::optional<OkResult> added_row =
-          run_row_dialog(toolkit, editor, RowRequest{editor.new_form(nested), 0, {}, std::nullopt},
-                         added);
-      if (!added_row) break;
-      dialog.control(combo).add(added_row->key);
-      dialog.control(combo).set_text(added_row->key);
-      if (added) added(nested);
       break;
     }
     default:

@@ -117,6 +117,11 @@ TEST_F(TableTest, UpdateKeepsIndexesInStepAndRefusesDuplicates) {
   log_.clear();
   EXPECT_FALSE(t.update_row(3, record_bytes(printer("b", "Y", 3))));
   EXPECT_TRUE(log_.contains("[-370]"));
+  // The refused row is as it was, still listed under its own key.
+  EXPECT_EQ(rows_of(t, 1), (std::vector<long>{2, 1, 3}));
+  Printer kept{};
+  ASSERT_TRUE(t.get_row(3, record_bytes(kept)));
+  EXPECT_STREQ(kept.name, "D");
   EXPECT_FALSE(t.update_row(4, record_bytes(printer("Q", "Y", 3))));
   EXPECT_FALSE(t.update_row(0, record_bytes(printer("Q", "Y", 3))));
 }

@@ -1,0 +1,93 @@
+// Feeds arbitrary bytes to the JMD editors' rules: the first byte picks a
+// row dialog and its mode, the rest is typed into its fields (one line per
+// field, each key a change), then OK validates and stores. A second part is
+// taken as a raw record and formatted as every list kind's line. Typed
+// fields never pass their longest length, and every line has its exact
+// width.
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "config/recording_operator.h"
+#include "jmd/editors/jmd_file.h"
+#include "jmd/jmd_schema.h"
+
+namespace {
+
+using px::editors::FormMode;
+using px::editors::ListKind;
+
+px::editors::JmdFile& jmd() {
+  static px::RecordingOperator op;
+  static std::unique_ptr<px::editors::JmdFile> file = [] {
+    char name[] = "/tmp/jmd_edit_fuzz.XXXXXX";
+    int fd = mkstemp(name);
+    if (fd < 0) std::abort();
+    std::string text =
+        "# Plexar Job Management Database (JMD) file\n"
+        "!f INVOICE LASER1 inv.mdf * 1 T PXMERGE N N C *\n"
+        "!p LASER1 HP4 LPT1 * 50 *\n"
+        "!x PXMERGE WClass pxmerge.exe * *\n"
+        "!m HP4 4096 *\n";
+    if (write(fd, text.data(), text.size()) != static_cast<ssize_t>(text.size())) std::abort();
+    close(fd);
+    auto loaded = std::make_unique<px::editors::JmdFile>(name, op);
+    if (!loaded->load()) std::abort();
+    unlink(name);
+    return loaded;
+  }();
+  return *file;
+}
+
+// Line widths of the kinds; a memory line is wider when its amount has more
+// than nine characters.
+constexpr size_t kLineWidth[] = {51, 50, 49, 50, 40};
+constexpr size_t kWidestAmount = 11;
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  if (size == 0) return 0;
+  px::editors::JmdEditor& editor = jmd().editor();
+  ListKind kind = static_cast<ListKind>(1 + data[0] % 4);
+  FormMode mode = data[0] & 0x10 ? FormMode::kNew : FormMode::kEdit;
+  std::string_view rest(reinterpret_cast<const char*>(data + 1), size - 1);
+  size_t split = rest.find('\0');
+  std::string_view typed = rest.substr(0, split);
+  std::string_view raw = split == std::string_view::npos ? std::string_view() : rest.substr(split + 1);
+
+  px::editors::RowForm form = mode == FormMode::kNew ? editor.new_form(kind, "FUZZ")
+                                                     : px::editors::RowForm(kind, mode);
+  size_t field = 0;
+  for (size_t start = 0; start <= typed.size() && field < form.rules().size(); ++field) {
+    size_t end = typed.find('\n', start);
+    if (end == std::string_view::npos) end = typed.size();
+    const px::editors::FieldRule& rule = form.rules()[field];
+    form.type(rule.control, typed.substr(start, end - start));
+    if (form.text(rule.control).size() > rule.longest) std::abort();
+    start = end + 1;
+  }
+  if (mode == FormMode::kNew) {
+    if (kind == ListKind::kSteps) {
+      editor.ok_step(form, 0, editor.job_steps("FUZZ"), std::nullopt);
+    } else {
+      editor.ok(form);
+    }
+  }
+  for (int k = 0; k < px::editors::kListKindCount; ++k) {
+    ListKind list = static_cast<ListKind>(k);
+    std::vector<char> record(px::jmd::table_schema(px::editors::table_slot(list)).record_size, 0);
+    std::copy_n(raw.begin(), std::min(raw.size(), record.size()), record.begin());
+    size_t width = px::editors::format_line(list, record).size();
+    size_t widest = kLineWidth[k] + (list == ListKind::kMemory ? kWidestAmount - 9 : 0);
+    if (width < kLineWidth[k] || width > widest) std::abort();
+  }
+  return 0;
+}
