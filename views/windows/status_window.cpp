@@ -69,7 +69,7 @@ void show_rows(tk::Window w, const std::vector<std::string>& rows, bool keep_sel
 // Shows the rows of a finished listing, waiting for it at most wait.
 void show_finished(tk::Window w, Clock& clock, std::chrono::milliseconds wait = {}) {
   StatusView& view = the_view();
-  if (auto rows = view.listing.take(wait)) show_rows(w, *rows, view.keep_selection, clock);
+  if (auto blocks = view.listing.take(wait)) show_rows(w, rows_of(*blocks), view.keep_selection, clock);
 }
 
 // Refills the list: the settings are read here, the files are listed on a
