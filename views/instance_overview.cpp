@@ -19,6 +19,7 @@ std::string padded(std::string text, size_t columns) {
 const char* state_word(const BlockPlan& plan, const ListedBlock& block) {
   if (plan.status_file.empty()) return server_state_name(ServerState::kUnknown);
   if (!block.status_line) return server_state_name(ServerState::kNotRunning);
+  if (block.status_line->empty()) return server_state_name(ServerState::kUnknown);
   return server_state_name(state_of_status_line(*block.status_line, plan.config_file));
 }
 

@@ -350,6 +350,35 @@ TEST_F(ViewWindowsTest, LargeLogsPageAndFollowOnlyWhileAtTheEnd) {
   EXPECT_TRUE(op.shown().empty());
 }
 
+TEST_F(ViewWindowsTest, FindLooksThroughAPagedLogAndTheLoadedText) {
+  install("", "[Processes]\nPXSERVER=Server\n");
+  std::string text = numbered(0, 20000);
+  text.replace(text.find("line 1234\n"), 10, "LINE 1234 ERROR\n");
+  text.replace(text.find("line 19990\n"), 11, "line 19990 error\n");
+  dir.write("logs/server.log", text);
+  tk::Window w = open_process_log(host, "PXSERVER");
+  ASSERT_TRUE(w.exists());
+  tk::Control page = w.control(tk::kLogText);
+  ASSERT_TRUE(tk.type(w, tk::kLogFindText, "error"));
+  ASSERT_TRUE(tk.click(w, tk::kLogFindPrevious));  // back from the last page
+  EXPECT_EQ(page.paragraph(0), "line 19970");      // the page keeps to the end
+  ASSERT_TRUE(tk.click(w, tk::kLogFindPrevious));
+  EXPECT_EQ(page.paragraph(0), "LINE 1234 ERROR");
+  ASSERT_TRUE(tk.click(w, tk::kLogFindPrevious));  // nothing before it
+  EXPECT_EQ(tk.beeps(), 1);
+  EXPECT_EQ(page.paragraph(0), "LINE 1234 ERROR");
+  ASSERT_TRUE(tk.click(w, tk::kLogFindNext));
+  EXPECT_EQ(page.paragraph(10), "line 19980");
+
+  // A small log: the loaded paragraphs are searched and scrolled to.
+  dir.write("logs/agent.log", numbered(0, 500) + "mail ERROR\n" + numbered(501, 600));
+  tk::Window small = open_email_log(host);
+  ASSERT_TRUE(small.exists());
+  ASSERT_TRUE(tk.type(small, tk::kLogFindText, "Error"));
+  ASSERT_TRUE(tk.click(small, tk::kLogFindPrevious));
+  EXPECT_EQ(small.control(tk::kLogText).origin().line, 500);
+}
+
 TEST_F(ViewWindowsTest, SeveralProcessesAskWhichLogToShow) {
   install("", "[Processes]\nPXSERVER=Server\nPXEMIO=Agent\nPXMERGE=Print Agent\n[PXMERGE]\nLogFile=" +
                   dir.file("logs/merge.log") + "\n");
