@@ -17,9 +17,9 @@ using K = ControlKind;
 constexpr ControlDef kLogControls[] = {
     {kLogCaption, K::kStatic, "Log file:", {7, 5, 250, 8}},
     {kNoId, K::kStatic, "&Find:", {262, 5, 20, 8}},
-    {kLogFindText, K::kEdit, "", {284, 3, 66, 12}, kNoStyle, 255},
-    {kLogFindNext, K::kButton, "&Next", {352, 3, 28, 12}},
-    {kLogFindPrevious, K::kButton, "Pre&vious", {382, 3, 31, 12}},
+    {kLogFindText, K::kEdit, "", {284, 3, 58, 12}, kNoStyle, 255},
+    {kLogFindNext, K::kButton, "&Next", {344, 3, 28, 12}},
+    {kLogFindPrevious, K::kButton, "Pre&vious", {374, 3, 39, 12}},
     {kLogText, K::kTextEdit, "", {7, 16, 396, 226}, kReadOnly | kFixedFont},
     {kLogVScroll, K::kVScrollBar, "", {403, 16, 10, 226}},
     {kLogHScroll, K::kHScrollBar, "", {7, 242, 396, 8}},
