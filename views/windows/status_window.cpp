@@ -26,7 +26,11 @@ struct StatusView {
   long watch_timer = 0;
   BackgroundListing listing;           // the refill under way
   bool keep_selection = false;         // what the refill under way is to do
+  bool change_seen = false;            // something watched changed since the last fill
+  int ticks_since_fill = 0;            // watch ticks since the last fill
 };
+
+constexpr int kWatchRefillTicks = 2;
 
 // Watches what the rows are made from, as the configuration says now.
 void watch_sources(StatusView& view) {
@@ -63,6 +67,8 @@ void show_rows(tk::Window w, const std::vector<std::string>& rows, bool keep_sel
   char stamp[16];
   std::strftime(stamp, sizeof stamp, "%H:%M:%S", &now);
   the_view().updated = stamp;
+  the_view().ticks_since_fill = 0;
+  the_view().change_seen = false;
   w.invalidate();
 }
 
@@ -167,8 +173,12 @@ void handle(const ViewHost& host, const tk::Event& e) {
         watch_sources(the_view());
       } else if (the_view().listing.busy()) {
         show_finished(w, host.clock);
-      } else if (the_view().watch && the_view().watch->changed()) {
-        fill(w, true, host.clock);
+      } else {
+        // A queue that never rests is refilled at most every
+        // kWatchRefillTicks ticks, so a big one does not keep the window busy.
+        StatusView& view = the_view();
+        view.change_seen = (view.watch && view.watch->changed()) || view.change_seen;
+        if (view.change_seen && ++view.ticks_since_fill >= kWatchRefillTicks) fill(w, true, host.clock);
       }
       break;
     default:

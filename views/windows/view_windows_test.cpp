@@ -180,9 +180,11 @@ TEST_F(ViewWindowsTest, StatusViewRefreshesAtOnceWhenAQueueOrStatusChanges) {
   tk.advance_time(kWatchPeriodMs);
   EXPECT_EQ(list.count(), 3);
   queued("data/A.DAT", 100);
-  tk.advance_time(kWatchPeriodMs);
+  tk.advance_time(2 * kWatchPeriodMs);
   EXPECT_TRUE(list.row(2).ends_with("  A.DAT")) << list.row(2);
   dir.write("north.sts", "Nexa is paused\n");
+  tk.advance_time(kWatchPeriodMs);
+  EXPECT_EQ(list.row(1), "  - Nexa is running");  // not twice in one second
   tk.advance_time(kWatchPeriodMs);
   EXPECT_EQ(list.row(1), "  - Nexa is paused");
   dir.write("unwatched.txt", "x");
