@@ -52,9 +52,19 @@ void show_rows(tk::Window w, const std::vector<std::string>& rows, bool keep_sel
   tk::Control list = w.control(tk::kStatusList);
   int old_index = list.selected();
   std::string old_row = old_index >= 0 ? list.row(old_index) : std::string();
+  // Rows are changed in place rather than the list cleared, so the list
+  // keeps where the operator scrolled it to.
   list.suspend();
-  list.clear_rows();
-  for (const std::string& row : rows) list.add(row);
+  const int count = static_cast<int>(rows.size());
+  const int before = list.count();
+  for (int i = 0; i < count; ++i) {
+    if (i >= before) {
+      list.add(rows[static_cast<size_t>(i)]);
+    } else if (list.row(i) != rows[static_cast<size_t>(i)]) {
+      list.set_row(i, rows[static_cast<size_t>(i)]);
+    }
+  }
+  for (int i = before - 1; i >= count; --i) list.remove(i);
   list.resume();
   int index = 0;
   if (keep_selection && old_index >= 0) {
