@@ -63,11 +63,14 @@ ServerState server_state(const std::string& config_file, Operator& op) {
     op.show(msg::kFileNotOpened, {display_path(status_file)});
     return ServerState::kUnknown;
   }
-  std::string line = first_line(f.get());
+  return state_of_status_line(first_line(f.get()), config_file);
+}
+
+ServerState state_of_status_line(std::string_view line, const std::string& config_file) {
   std::string not_running = text_after_first_word(message_value(kNotRunningText, config_file));
-  if (line.find(not_running) != std::string::npos) return ServerState::kNotRunning;
+  if (line.find(not_running) != std::string_view::npos) return ServerState::kNotRunning;
   std::string paused = text_after_first_word(message_value(kPausedText, config_file));
-  if (line.find(paused) != std::string::npos) return ServerState::kPaused;
+  if (line.find(paused) != std::string_view::npos) return ServerState::kPaused;
   return ServerState::kRunning;
 }
 

@@ -35,6 +35,11 @@ inline constexpr size_t kStatusLineLength = 1024;
 // give kUnknown.
 ServerState server_state(const std::string& config_file, Operator& op);
 
+// The state a status file's first line tells, by the rule above: not
+// running when it holds message 310's text, paused when it holds 315's, else
+// running. Reads only the configuration's messages.
+ServerState state_of_status_line(std::string_view line, const std::string& config_file);
+
 // The word pxctl prints for a state: "unknown", "not running", "paused" or
 // "running".
 const char* server_state_name(ServerState state);

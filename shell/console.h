@@ -14,6 +14,7 @@
 #include "shell/gui_operator.h"
 #include "shell/help_desk.h"
 #include "toolkit/toolkit.h"
+#include "views/windows/task_overview.h"
 
 namespace px::shell {
 
@@ -30,6 +31,8 @@ class Console {
   tk::Window task() const { return tk_.task_window(); }
   Operator& op() { return *op_; }
   HelpDesk& help() { return help_; }
+  // The task window's overview of the instances.
+  views::TaskOverview& overview() { return overview_; }
   ProgramRunner& runner() { return runner_; }
   const std::string& program_path() const { return program_path_; }
 
@@ -50,6 +53,7 @@ class Console {
   GuiOperator gui_op_;
   Operator* op_;
   HelpDesk help_;
+  views::TaskOverview overview_;
   PrinterSource printers_;
   SignalTimes times_;
 };

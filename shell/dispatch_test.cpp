@@ -171,3 +171,27 @@ TEST_F(LiveDispatchTest, DisplayMenuOpensTheMonitoringViews) {
 
 }  // namespace
 }  // namespace px::shell
+
+namespace px::shell {
+namespace {
+
+// The task window shows one line per instance, and follows the queue on
+// its timer.
+TEST_F(LiveDispatchTest, TaskWindowShowsEveryInstancesStateAndQueue) {
+  live.signal_simulator(SIGCONT);
+  // The stopped server's status file says so once the simulator wrote it.
+  ASSERT_TRUE(eventually([&] { return !live.read("south/pxserver.sts").empty(); }));
+  tk.advance_time(5000);  // the demo's QueueRefreshCycle
+  tk.advance_time(5000);
+  std::vector<std::string> lines = tk.paint(task());
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_THAT(lines[0], HasSubstr("Nexa North"));
+  EXPECT_THAT(lines[0], HasSubstr("running"));
+  EXPECT_THAT(lines[1], HasSubstr("not running   0 waiting"));
+  std::ofstream(live.path("south/data/STM1.DAT")) << "^job STATEMENT\n";
+  tk.advance_time(5000);
+  EXPECT_THAT(tk.paint(task())[1], HasSubstr("not running   1 waiting"));
+}
+
+}  // namespace
+}  // namespace px::shell

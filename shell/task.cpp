@@ -19,6 +19,7 @@ void on_create(Console& console, tk::Window task) {
   console.help().install();
   select_instance_at_start(console, task, tk::kCmdSelectInstance);
   set_edit_items_for_no_selection(task);
+  console.overview().start(task);
   open_splash(console.toolkit(), console.op(), console.program_path());
 }
 
@@ -57,6 +58,12 @@ void handle_task_event(Console& console, const tk::Event& event) {
       break;
     case tk::EventType::kCommand:
       dispatch_command(console, event);
+      break;
+    case tk::EventType::kTimer:
+      console.overview().on_timer(event.window, event);
+      break;
+    case tk::EventType::kPaint:
+      console.overview().paint(event.window);
       break;
     case tk::EventType::kQuit:
       if (!event.query) {

@@ -7,10 +7,14 @@
 //               file; 164 when there is none, 165 when it has no
 //               configuration file); title, menu state, the E-mail Agent
 //               rule, "Select Instance" disabled with fewer than two
-//               instances; Edit items; the splash when SplashTime >= 1
+//               instances; Edit items; the instances' overview and its
+//               timer; the splash when SplashTime >= 1
 //   1 destroy   the help file and its queue are released
 //   5 close     the may-the-program-end check, then the end
 //   13 command  the dispatcher
+//   16 timer    the instances' overview is listed again
+//   4 paint     the overview: one line per instance (title, state, files
+//               waiting)
 //   17 quit     a plain quit ends at once; a query allows the quit when the
 //               may-the-program-end check does
 //   19 user     nothing

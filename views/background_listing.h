@@ -26,16 +26,16 @@ class BackgroundListing {
   // started, while one is busy).
   bool start(std::vector<BlockPlan> plans);
 
-  // The rows once the listing has finished, waiting for it at most wait;
-  // nullopt while it still runs (or when none was started).
-  std::optional<std::vector<std::string>> take(std::chrono::milliseconds wait = {});
+  // The listed blocks once the listing has finished, waiting for it at most
+  // wait; nullopt while it still runs (or when none was started).
+  std::optional<std::vector<ListedBlock>> take(std::chrono::milliseconds wait = {});
 
  private:
   struct State {
     std::mutex mutex;
     std::condition_variable finished;
     bool done = false;
-    std::vector<std::string> rows;
+    std::vector<ListedBlock> blocks;
   };
   std::shared_ptr<State> state_;
 };

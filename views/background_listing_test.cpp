@@ -33,9 +33,12 @@ TEST_F(BackgroundListingTest, AHungStatusFileHoldsOnlyTheListing) {
   ASSERT_GE(writer, 0);
   ASSERT_EQ(::write(writer, "Nexa is running\n", 16), 16);
   ::close(writer);
-  auto rows = listing.take(std::chrono::seconds(5));
-  ASSERT_TRUE(rows);
-  EXPECT_EQ(rows->at(1), "  - Nexa is running");
+  auto blocks = listing.take(std::chrono::seconds(5));
+  ASSERT_TRUE(blocks);
+  ASSERT_EQ(blocks->size(), 1u);
+  EXPECT_EQ(rows_of(*blocks).at(1), "  - Nexa is running");
+  EXPECT_EQ(blocks->front().status_line, "Nexa is running");
+  EXPECT_EQ(blocks->front().waiting, 0);
   EXPECT_FALSE(listing.busy());
 }
 

@@ -65,6 +65,8 @@ std::string status_line(const std::string& status_file) {
 
 BlockPlan plan_block(const Instance& instance) {
   BlockPlan plan;
+  plan.title = instance.window_title;
+  plan.config_file = instance.config_file;
   load_directory_map(instance.name);
   const std::string& config = instance.config_file;
   const std::string& title = instance.window_title;
@@ -92,25 +94,38 @@ BlockPlan plan_block(const Instance& instance) {
   return plan;
 }
 
-std::vector<std::string> list_block(const BlockPlan& plan) {
-  if (plan.only_row) return {*plan.only_row};
-  if (!directory_exists(plan.directory)) return {plan.missing_directory_row};
+ListedBlock list_block_detail(const BlockPlan& plan) {
+  ListedBlock block;
+  if (plan.only_row) {
+    block.rows = {*plan.only_row};
+    return block;
+  }
+  if (!directory_exists(plan.directory)) {
+    block.rows = {plan.missing_directory_row};
+    return block;
+  }
+  block.listed = true;
   auto control_jobs = list_files(plan.directory, kControlJobPattern);
   auto transactions = list_files(plan.directory, plan.pattern);
 
   std::string status = plan.not_set_status;
   if (!plan.status_file.empty()) {
-    auto line = read_status_line(plan.status_file);
-    status = !line ? plan.unopened_status : line->empty() ? plan.empty_status : *line;
+    block.status_line = read_status_line(plan.status_file);
+    status = !block.status_line           ? plan.unopened_status
+             : block.status_line->empty() ? plan.empty_status
+                                          : *block.status_line;
   }
-  std::vector<std::string> rows = {plan.title_row, "  - " + status};
+  block.rows = {plan.title_row, "  - " + status};
   std::vector<std::string> names;
   if (control_jobs) sort_by_age(std::move(*control_jobs), kServerStopFile, names);
   if (transactions) sort_by_age(std::move(*transactions), kServerStopFile, names);
+  block.waiting = static_cast<int>(names.size());
   append_file_rows(plan.directory, names.empty() ? std::vector<std::string>{plan.no_files} : names,
-                   rows);
-  return rows;
+                   block.rows);
+  return block;
 }
+
+std::vector<std::string> list_block(const BlockPlan& plan) { return list_block_detail(plan).rows; }
 
 std::vector<std::string> instance_block(const Instance& instance) {
   return list_block(plan_block(instance));
@@ -128,13 +143,20 @@ std::vector<BlockPlan> plan_status_queue() {
   return plans;
 }
 
-std::vector<std::string> list_status_queue(const std::vector<BlockPlan>& plans) {
+std::vector<ListedBlock> list_blocks(const std::vector<BlockPlan>& plans) {
+  std::vector<ListedBlock> blocks;
+  for (const BlockPlan& plan : plans) blocks.push_back(list_block_detail(plan));
+  return blocks;
+}
+
+std::vector<std::string> rows_of(const std::vector<ListedBlock>& blocks) {
   std::vector<std::string> rows;
-  for (const BlockPlan& plan : plans) {
-    std::vector<std::string> block = list_block(plan);
-    rows.insert(rows.end(), block.begin(), block.end());
-  }
+  for (const ListedBlock& block : blocks) rows.insert(rows.end(), block.rows.begin(), block.rows.end());
   return rows;
+}
+
+std::vector<std::string> list_status_queue(const std::vector<BlockPlan>& plans) {
+  return rows_of(list_blocks(plans));
 }
 
 std::vector<std::string> status_queue_rows() { return list_status_queue(plan_status_queue()); }

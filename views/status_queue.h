@@ -36,6 +36,8 @@ inline constexpr size_t kStatusLineLength = 339;
 // then listed with files alone, on any thread, so that a slow or hung
 // network directory never holds up the window.
 struct BlockPlan {
+  std::string title;                    // the instance's WindowTitle
+  std::string config_file;              // its configuration file
   std::optional<std::string> only_row;  // a settings problem: the whole block
   std::string directory;                // the collector directory
   std::string pattern;                  // FileSpec up to its first ";"
@@ -52,7 +54,16 @@ struct BlockPlan {
 // The plan of one instance's block. Makes the instance the profile engine's
 // active instance (its directory map is loaded) and leaves it so.
 BlockPlan plan_block(const Instance& instance);
-// The rows of a planned block; reads only the file system.
+// What listing a planned block found.
+struct ListedBlock {
+  std::vector<std::string> rows;           // the block's rows
+  bool listed = false;                     // false: a settings or directory problem row
+  std::optional<std::string> status_line;  // the status file's first line, when it opened
+  int waiting = 0;                         // files listed (control jobs and transactions)
+};
+// Lists a planned block; reads only the file system.
+ListedBlock list_block_detail(const BlockPlan& plan);
+// The rows of a planned block.
 std::vector<std::string> list_block(const BlockPlan& plan);
 // plan_block, then list_block.
 std::vector<std::string> instance_block(const Instance& instance);
@@ -60,6 +71,10 @@ std::vector<std::string> instance_block(const Instance& instance);
 // Every instance's plan in install-file order; afterwards the current
 // instance is the active one again.
 std::vector<BlockPlan> plan_status_queue();
+// Every planned block listed, in order; reads only the file system.
+std::vector<ListedBlock> list_blocks(const std::vector<BlockPlan>& plans);
+// The rows of listed blocks, one after the other.
+std::vector<std::string> rows_of(const std::vector<ListedBlock>& blocks);
 // The rows of every planned block, in order; reads only the file system.
 std::vector<std::string> list_status_queue(const std::vector<BlockPlan>& plans);
 // Every instance's block: plan_status_queue, then list_status_queue.

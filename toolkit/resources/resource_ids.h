@@ -146,6 +146,11 @@ inline constexpr int kLogCaption = 2;
 inline constexpr int kLogText = 3;
 inline constexpr int kLogVScroll = 45;
 inline constexpr int kLogHScroll = 46;
+// Find in the log: the text, and the buttons that look for its next and
+// previous line.
+inline constexpr int kLogFindText = 47;
+inline constexpr int kLogFindNext = 48;
+inline constexpr int kLogFindPrevious = 49;
 
 // Nexa Control Configuration (121): OK is 5 here, since 1 is "Edit...".
 inline constexpr int kInstanceEdit = 1;

@@ -10,11 +10,16 @@ namespace {
 
 using K = ControlKind;
 
-// The log view: a caption line, the read-only text and the two scroll bars
-// that move it (the text edit has none of its own). The handler sets the
-// title and the caption. The rejected-file view opens the same window.
+// The log view: a caption line, the find field with its two buttons, the
+// read-only text and the two scroll bars that move it (the text edit has
+// none of its own). The handler sets the title and the caption. The
+// rejected-file view opens the same window.
 constexpr ControlDef kLogControls[] = {
-    {kLogCaption, K::kStatic, "Log file:", {7, 5, 406, 8}},
+    {kLogCaption, K::kStatic, "Log file:", {7, 5, 250, 8}},
+    {kNoId, K::kStatic, "&Find:", {262, 5, 20, 8}},
+    {kLogFindText, K::kEdit, "", {284, 3, 58, 12}, kNoStyle, 255},
+    {kLogFindNext, K::kButton, "&Next", {344, 3, 28, 12}},
+    {kLogFindPrevious, K::kButton, "Pre&vious", {374, 3, 39, 12}},
     {kLogText, K::kTextEdit, "", {7, 16, 396, 226}, kReadOnly | kFixedFont},
     {kLogVScroll, K::kVScrollBar, "", {403, 16, 10, 226}},
     {kLogHScroll, K::kHScrollBar, "", {7, 242, 396, 8}},

@@ -10,6 +10,8 @@
 #include "config/instances.h"
 #include "toolkit/resources/resource_ids.h"
 #include "views/file_lists.h"
+#include "common/text.h"
+#include "views/log_find.h"
 #include "views/log_follow.h"
 #include "views/log_source.h"
 #include "views/log_text.h"
@@ -36,6 +38,7 @@ struct TextView {
   bool paged = false;           // a large log shown a page at a time
   int64_t first_line = 0;       // paged: the first line shown
   int widest = 0;               // the longest paragraph shown
+  int64_t found = -1;           // the line (paged) or paragraph last found
 };
 
 tk::Control text_of(tk::Window w) { return w.control(tk::kLogText); }
@@ -184,6 +187,43 @@ void scroll(tk::Window w, TextView& view, const tk::Event& e) {
   sync_scroll_bars(w, view);
 }
 
+// Find Next and Find Previous: a paged log is searched through its index
+// from the page shown (never loaded whole) and shows the page from the line
+// found; loaded text is searched paragraph by paragraph and scrolled to the
+// one found. Nothing found: a beep.
+void find(tk::Window w, TextView& view, FindDirection direction) {
+  std::string text = w.control(tk::kLogFindText).text();
+  bool forward = direction == FindDirection::kForward;
+  tk::Control edit = text_of(w);
+  std::optional<int64_t> hit;
+  if (view.paged) {
+    int64_t from = view.found >= 0 ? view.found + (forward ? 1 : -1)
+                                   : view.first_line + (forward ? 0 : kPageLines - 1);
+    if (from >= 0) hit = find_line(*view.index, text, from, direction);
+    if (hit) show_page(w, view, *hit);
+  } else if (!text.empty()) {
+    int count = edit.paragraph_count();
+    tk::TextOrigin origin = edit.origin();
+    int from = view.found >= 0 ? static_cast<int>(view.found) + (forward ? 1 : -1)
+                               : origin.line + (forward ? 0 : edit.visible_lines() - 1);
+    for (int i = std::min(from, count - 1); i >= 0 && i < count; i += forward ? 1 : -1) {
+      if (ifind(edit.paragraph(i), text) != std::string::npos) {
+        hit = i;
+        break;
+      }
+    }
+    if (hit) {
+      edit.set_origin({static_cast<int>(*hit), origin.column});
+      sync_scroll_bars(w, view);
+    }
+  }
+  if (hit) {
+    view.found = *hit;
+  } else {
+    w.toolkit().beep();
+  }
+}
+
 // The caption over the text, and the text and the bars filling the rest.
 void place_controls(tk::Window w, tk::Size client) {
   tk::Control text = text_of(w);
@@ -262,6 +302,12 @@ void handle_text(TextView& view, const tk::Event& e) {
       if (e.notice == tk::Notice::kScrolled &&
           (e.control == tk::kLogVScroll || e.control == tk::kLogHScroll)) {
         scroll(w, view, e);
+      } else if (e.is_control(tk::kLogFindNext, tk::Notice::kClicked)) {
+        find(w, view, FindDirection::kForward);
+      } else if (e.is_control(tk::kLogFindPrevious, tk::Notice::kClicked)) {
+        find(w, view, FindDirection::kBackward);
+      } else if (e.is_control(tk::kLogFindText, tk::Notice::kChanged)) {
+        view.found = -1;  // a new text is looked for from what is shown
       }
       break;
     case tk::EventType::kTimer:

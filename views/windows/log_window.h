@@ -8,6 +8,10 @@
 // columns, page steps by the bar's page (times 10 columns), the thumb to its
 // position (a large log shows the page starting there).
 //
+// Find: the text in the find field is looked for, without regard to case,
+// by "Next" (from the page or text shown onwards) and "Previous"; a paged
+// log is searched through its index, never loaded whole.
+//
 // Beyond that, the view follows its log: a timer looks at it every second;
 // appended lines are indexed (never the whole log again) and shown when the
 // operator is at the end, and a log that was truncated or replaced is
@@ -21,7 +25,8 @@
 //   1 destroy   help dropped
 //   3 resize    the text and the scroll bars take the client area
 //   5 close     destroy
-//   15 control  scroll bars 45 and 46
+//   15 control  scroll bars 45 and 46; Next (48) and Previous (49) find
+//               the text of field 47
 //   16 timer    follow the log
 #pragma once
 

@@ -26,7 +26,11 @@ struct StatusView {
   long watch_timer = 0;
   BackgroundListing listing;           // the refill under way
   bool keep_selection = false;         // what the refill under way is to do
+  bool change_seen = false;            // something watched changed since the last fill
+  int ticks_since_fill = 0;            // watch ticks since the last fill
 };
+
+constexpr int kWatchRefillTicks = 2;
 
 // Watches what the rows are made from, as the configuration says now.
 void watch_sources(StatusView& view) {
@@ -48,9 +52,19 @@ void show_rows(tk::Window w, const std::vector<std::string>& rows, bool keep_sel
   tk::Control list = w.control(tk::kStatusList);
   int old_index = list.selected();
   std::string old_row = old_index >= 0 ? list.row(old_index) : std::string();
+  // Rows are changed in place rather than the list cleared, so the list
+  // keeps where the operator scrolled it to.
   list.suspend();
-  list.clear_rows();
-  for (const std::string& row : rows) list.add(row);
+  const int count = static_cast<int>(rows.size());
+  const int before = list.count();
+  for (int i = 0; i < count; ++i) {
+    if (i >= before) {
+      list.add(rows[static_cast<size_t>(i)]);
+    } else if (list.row(i) != rows[static_cast<size_t>(i)]) {
+      list.set_row(i, rows[static_cast<size_t>(i)]);
+    }
+  }
+  for (int i = before - 1; i >= count; --i) list.remove(i);
   list.resume();
   int index = 0;
   if (keep_selection && old_index >= 0) {
@@ -63,13 +77,15 @@ void show_rows(tk::Window w, const std::vector<std::string>& rows, bool keep_sel
   char stamp[16];
   std::strftime(stamp, sizeof stamp, "%H:%M:%S", &now);
   the_view().updated = stamp;
+  the_view().ticks_since_fill = 0;
+  the_view().change_seen = false;
   w.invalidate();
 }
 
 // Shows the rows of a finished listing, waiting for it at most wait.
 void show_finished(tk::Window w, Clock& clock, std::chrono::milliseconds wait = {}) {
   StatusView& view = the_view();
-  if (auto rows = view.listing.take(wait)) show_rows(w, *rows, view.keep_selection, clock);
+  if (auto blocks = view.listing.take(wait)) show_rows(w, rows_of(*blocks), view.keep_selection, clock);
 }
 
 // Refills the list: the settings are read here, the files are listed on a
@@ -167,8 +183,12 @@ void handle(const ViewHost& host, const tk::Event& e) {
         watch_sources(the_view());
       } else if (the_view().listing.busy()) {
         show_finished(w, host.clock);
-      } else if (the_view().watch && the_view().watch->changed()) {
-        fill(w, true, host.clock);
+      } else {
+        // A queue that never rests is refilled at most every
+        // kWatchRefillTicks ticks, so a big one does not keep the window busy.
+        StatusView& view = the_view();
+        view.change_seen = (view.watch && view.watch->changed()) || view.change_seen;
+        if (view.change_seen && ++view.ticks_since_fill >= kWatchRefillTicks) fill(w, true, host.clock);
       }
       break;
     default:

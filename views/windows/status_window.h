@@ -1,7 +1,8 @@
 // "Nexa Status and Queue" (window 137): every instance's status line and
 // waiting files, refilled by its timer every QueueRefreshCycle seconds, and
-// within half a second when a collector directory or a status file changes
-// (inotify). The files are listed on a thread of their own: a directory
+// within a second when a collector directory or a status file changes
+// (inotify; at most once a second while changes go on). A refill changes
+// the rows in place, so the list stays scrolled where the operator left it. The files are listed on a thread of their own: a directory
 // that hangs leaves the window answering, and its rows come when the
 // listing ends. At most one exists; opening it again refills it at once. A
 // refill keeps the operator's selected row (the same row text, else the

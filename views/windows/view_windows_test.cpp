@@ -180,9 +180,11 @@ TEST_F(ViewWindowsTest, StatusViewRefreshesAtOnceWhenAQueueOrStatusChanges) {
   tk.advance_time(kWatchPeriodMs);
   EXPECT_EQ(list.count(), 3);
   queued("data/A.DAT", 100);
-  tk.advance_time(kWatchPeriodMs);
+  tk.advance_time(2 * kWatchPeriodMs);
   EXPECT_TRUE(list.row(2).ends_with("  A.DAT")) << list.row(2);
   dir.write("north.sts", "Nexa is paused\n");
+  tk.advance_time(kWatchPeriodMs);
+  EXPECT_EQ(list.row(1), "  - Nexa is running");  // not twice in one second
   tk.advance_time(kWatchPeriodMs);
   EXPECT_EQ(list.row(1), "  - Nexa is paused");
   dir.write("unwatched.txt", "x");
@@ -348,6 +350,35 @@ TEST_F(ViewWindowsTest, LargeLogsPageAndFollowOnlyWhileAtTheEnd) {
   tk.advance_time(kFollowPeriodMs);
   EXPECT_EQ(paragraphs_of(text), std::vector<std::string>{"fresh start"});
   EXPECT_TRUE(op.shown().empty());
+}
+
+TEST_F(ViewWindowsTest, FindLooksThroughAPagedLogAndTheLoadedText) {
+  install("", "[Processes]\nPXSERVER=Server\n");
+  std::string text = numbered(0, 20000);
+  text.replace(text.find("line 1234\n"), 10, "LINE 1234 ERROR\n");
+  text.replace(text.find("line 19990\n"), 11, "line 19990 error\n");
+  dir.write("logs/server.log", text);
+  tk::Window w = open_process_log(host, "PXSERVER");
+  ASSERT_TRUE(w.exists());
+  tk::Control page = w.control(tk::kLogText);
+  ASSERT_TRUE(tk.type(w, tk::kLogFindText, "error"));
+  ASSERT_TRUE(tk.click(w, tk::kLogFindPrevious));  // back from the last page
+  EXPECT_EQ(page.paragraph(0), "line 19970");      // the page keeps to the end
+  ASSERT_TRUE(tk.click(w, tk::kLogFindPrevious));
+  EXPECT_EQ(page.paragraph(0), "LINE 1234 ERROR");
+  ASSERT_TRUE(tk.click(w, tk::kLogFindPrevious));  // nothing before it
+  EXPECT_EQ(tk.beeps(), 1);
+  EXPECT_EQ(page.paragraph(0), "LINE 1234 ERROR");
+  ASSERT_TRUE(tk.click(w, tk::kLogFindNext));
+  EXPECT_EQ(page.paragraph(10), "line 19980");
+
+  // A small log: the loaded paragraphs are searched and scrolled to.
+  dir.write("logs/agent.log", numbered(0, 500) + "mail ERROR\n" + numbered(501, 600));
+  tk::Window small = open_email_log(host);
+  ASSERT_TRUE(small.exists());
+  ASSERT_TRUE(tk.type(small, tk::kLogFindText, "Error"));
+  ASSERT_TRUE(tk.click(small, tk::kLogFindPrevious));
+  EXPECT_EQ(small.control(tk::kLogText).origin().line, 500);
 }
 
 TEST_F(ViewWindowsTest, SeveralProcessesAskWhichLogToShow) {
