@@ -1,5 +1,6 @@
 // scripts/demo --stop on processes recorded in a demo directory.
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -25,11 +26,15 @@ pid_t start_stand_in(bool ignore_term) {
   return pid;
 }
 
+// True when pid ended by itself within two seconds; it is killed otherwise,
+// so no stand-in outlives its test.
 bool reaped(pid_t pid) {
   for (int tick = 0; tick < 100; ++tick) {
     if (waitpid(pid, nullptr, WNOHANG) == pid) return true;
     usleep(20000);
   }
+  kill(pid, SIGKILL);
+  waitpid(pid, nullptr, 0);
   return false;
 }
 
