@@ -33,7 +33,8 @@ struct CacheState {
   std::vector<std::pair<int32_t, int>> order;  // reused by write_back
 };
 
-CacheState g_cache;
+// The one node cache of the process, there before any code runs.
+constinit CacheState g_cache;
 
 size_t bucket_of(const BTree* owner, int32_t n) {
   auto mix = reinterpret_cast<uintptr_t>(owner) >> 4;
