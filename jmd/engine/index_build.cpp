@@ -164,7 +164,10 @@ class RunFile {
   bool usable() const { return fd_ >= 0; }
   // Appends n entries; false when they cannot all be written.
   bool append(const SortEntry* entries, size_t n) {
-    return transfer(const_cast<SortEntry*>(entries), n, size_, true) && (size_ += n, true);
+    // transfer() only reads from the entries when it writes them.
+    if (!transfer(const_cast<SortEntry*>(entries), n, size_, true)) return false;
+    size_ += n;
+    return true;
   }
   // Reads n entries from entry index at.
   bool read(size_t at, SortEntry* out, size_t n) { return transfer(out, n, at, false); }
