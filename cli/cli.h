@@ -34,9 +34,6 @@ struct Invocation {
 // Shows numbered message n with arguments on stderr and logs it.
 void report(int n, const std::vector<std::string>& args = {});
 
-// The text of message n without its "[n]" number, as a label or list row.
-std::string message_label(int n);
-
 // Reports a usage error for command with its synopsis; returns kExitUsage.
 int usage_error(const std::string& command, const std::string& synopsis);
 

@@ -10,7 +10,10 @@
 // refused OK shows its message and writes nothing; a file changed
 // since the form read it is left alone unless --force; --dry-run prints
 // each key OK would change as KEY, TAB, old value ("(none)" when absent),
-// TAB, new value (a password as asterisks), and writes nothing.
+// TAB, new value (a password as asterisks), and writes nothing. The write
+// is the operator action "config set PROCESS [FORM]": refused in read-only
+// mode (1700), recorded in the audit log; a failed write shows the
+// rewrite's message, then 902, and leaves the file as it was.
 #include <cstdio>
 #include <optional>
 
@@ -20,6 +23,7 @@
 #include "config/forms/form.h"
 #include "config/forms/form_messages.h"
 #include "config/forms/process_list.h"
+#include "config/operator_action.h"
 #include "config/settings.h"
 #include "control/node.h"
 
@@ -116,29 +120,38 @@ int show(const forms::Form& form) {
   return kExitOk;
 }
 
-int set(forms::Form& form, const Request& request) {
+int set(forms::Form& form, const Request& request, ControlSession& session) {
   for (const auto& [key, value] : request.assignments) {
     if (!assign(form, key, value)) return usage_error("config set " + key, kSynopsis);
   }
-  if (std::optional<forms::Refusal> refusal = form.check()) {
-    report(refusal->message);
-    return kExitFailed;
-  }
   if (request.dry_run) {
+    if (std::optional<forms::Refusal> refusal = form.check()) {
+      report(refusal->message);
+      return kExitFailed;
+    }
     for (const forms::Change& change : form.changes()) {
       std::printf("%s\t%s\t%s\n", change.key.c_str(), change.old_value.value_or("(none)").c_str(),
                   change.new_value.c_str());
     }
     return kExitOk;
   }
+  OperatorAction action(session.op(), form.action(), session.instance().name);
+  if (!action.permitted()) return kExitFailed;
+  if (std::optional<forms::Refusal> refusal = form.check()) {
+    action.op().show(refusal->message);
+    return kExitFailed;
+  }
   if (form.changed_on_disk() && !request.force) {
-    report(forms::kMsgChangedOnDisk, {form.file()});
+    action.op().show(forms::kMsgChangedOnDisk, {form.file()});
     return kExitFailed;
   }
-  if (!form.save()) {
-    report(kMsgIniWriteFailed, {form.file()});
+  if (FileResult written = form.save(); !written) {
+    FileMessage why = failure_message(written, form.file());
+    action.op().show(why.number, why.args);
+    action.op().show(forms::kMsgNotSaved, {form.file()});
     return kExitFailed;
   }
+  action.finish(ActionResult::kDone);
   return kExitOk;
 }
 
@@ -163,7 +176,7 @@ int run_config(const Invocation& call) {
   }
   forms::Form form(*def, target->second);
   form.load();
-  return request.action == "show" ? show(form) : set(form, request);
+  return request.action == "show" ? show(form) : set(form, request, session);
 }
 
 }  // namespace px::cli

@@ -29,7 +29,7 @@ size_t ConsoleOperator::ask(int n, const std::vector<std::string>& args,
   if (buttons.empty()) return 0;
   std::vector<std::string> labels;
   for (size_t i = 0; i < buttons.size(); ++i) {
-    labels.push_back(message_label(buttons[i]));
+    labels.push_back(messages::message_label(buttons[i]));
     std::fprintf(stderr, "  %zu) %s\n", i + 1, labels.back().c_str());
   }
   std::fprintf(stderr, "? ");

@@ -8,12 +8,17 @@
 // Make Default moves the instance to the top; remove is its Delete button)
 // and applies it as the dialog's OK: section Configuration of the install
 // file is rewritten in list order and each instance's WindowTitle is
-// written into its configuration file.
+// written into its configuration file. Each is the operator action
+// "instances add|edit|default|remove NAME": refused in read-only mode
+// (1700) and recorded in the audit log. A file that could not be written
+// is reported with the rewrite's message, then 902.
 #include "cli/cli.h"
+#include "cli/console_operator.h"
 #include "common/ini_profile.h"
 #include "config/forms/form_messages.h"
 #include "config/forms/instance_list.h"
 #include "config/operator.h"
+#include "config/operator_action.h"
 
 namespace px::cli {
 
@@ -31,41 +36,46 @@ std::string typed(const forms::FieldDef& field, const std::string& text) {
 }
 
 // The row of name; reports it missing when there is none.
-int row_of(const forms::InstanceList& list, const std::string& name) {
+int row_of(const forms::InstanceList& list, const std::string& name, Operator& op) {
   int row = list.find(name);
-  if (row < 0) report(forms::kMsgNoSuchInstance, {name, display_path(list.install_file())});
+  if (row < 0) op.show(forms::kMsgNoSuchInstance, {name, display_path(list.install_file())});
   return row;
 }
 
 // Applies the list unless the install file changed since it was read.
-int apply(forms::InstanceList& list) {
+int apply(forms::InstanceList& list, OperatorAction& action) {
   if (list.changed_on_disk()) {
-    report(forms::kMsgChangedOnDisk, {list.install_file()});
+    action.op().show(forms::kMsgChangedOnDisk, {list.install_file()});
     return kExitFailed;
   }
-  if (!list.apply()) {
-    report(kMsgIniWriteFailed, {list.install_file()});
+  if (forms::InstanceList::Applied applied = list.apply(); !applied) {
+    FileMessage why = failure_message(applied.result, applied.file);
+    action.op().show(why.number, why.args);
+    action.op().show(forms::kMsgNotSaved, {applied.file});
     return kExitFailed;
   }
+  action.finish(ActionResult::kDone);
   return kExitOk;
 }
 
-int add(forms::InstanceList& list, const std::vector<std::string>& w) {
+int add(forms::InstanceList& list, const std::vector<std::string>& w,
+        OperatorAction& action) {
   if (w.size() != 4) return usage_error("instances add", kSynopsis);
   std::string name = typed(forms::kRecordName, w[1]);
   if (!forms::InstanceList::usable_name(name)) {
-    report(forms::kMsgUnusableInstanceName, {name});
+    action.op().show(forms::kMsgUnusableInstanceName, {name});
     return kExitFailed;
   }
   if (list.find(name) >= 0) {
-    report(forms::kMsgInstanceExists, {name});
+    action.op().show(forms::kMsgInstanceExists, {name});
     return kExitFailed;
   }
   list.add({name, typed(forms::kRecordTitle, w[2]), typed(forms::kRecordConfig, w[3])});
-  return apply(list);
+  return apply(list, action);
 }
 
-int edit(forms::InstanceList& list, const std::vector<std::string>& w) {
+int edit(forms::InstanceList& list, const std::vector<std::string>& w,
+         OperatorAction& action) {
   if (w.size() < 2 || w.size() % 2 != 0) return usage_error("instances edit", kSynopsis);
   std::optional<std::string> title;
   std::optional<std::string> config;
@@ -78,29 +88,31 @@ int edit(forms::InstanceList& list, const std::vector<std::string>& w) {
       return usage_error("instances edit", kSynopsis);
     }
   }
-  int row = row_of(list, w[1]);
+  int row = row_of(list, w[1], action.op());
   if (row < 0) return kExitFailed;
   Instance changed = list.rows()[static_cast<std::size_t>(row)];
   if (title) changed.window_title = *title;
   if (config) changed.config_file = *config;
   list.replace(static_cast<std::size_t>(row), changed);
-  return apply(list);
+  return apply(list, action);
 }
 
-int make_default(forms::InstanceList& list, const std::vector<std::string>& w) {
+int make_default(forms::InstanceList& list, const std::vector<std::string>& w,
+                 OperatorAction& action) {
   if (w.size() != 2) return usage_error("instances default", kSynopsis);
-  int row = row_of(list, w[1]);
+  int row = row_of(list, w[1], action.op());
   if (row < 0) return kExitFailed;
   list.make_default(static_cast<std::size_t>(row));
-  return apply(list);
+  return apply(list, action);
 }
 
-int remove(forms::InstanceList& list, const std::vector<std::string>& w) {
+int remove(forms::InstanceList& list, const std::vector<std::string>& w,
+           OperatorAction& action) {
   if (w.size() != 2) return usage_error("instances remove", kSynopsis);
-  int row = row_of(list, w[1]);
+  int row = row_of(list, w[1], action.op());
   if (row < 0) return kExitFailed;
   list.remove(static_cast<std::size_t>(row));
-  return apply(list);
+  return apply(list, action);
 }
 
 }  // namespace
@@ -112,16 +124,19 @@ int run_instances_change(const Invocation& call) {
                 ((action == "default" || action == "remove") && w.size() == 2) ||
                 (action == "edit" && w.size() >= 2 && w.size() % 2 == 0);
   if (!shaped) return usage_error("instances " + action, kSynopsis);
+  ConsoleOperator op;
+  OperatorAction gate(op, "instances " + action + " " + w[1], "");
+  if (!gate.permitted()) return kExitFailed;
   forms::InstanceList list;
   list.load();
   if (list.install_file().empty()) {
-    report(forms::kMsgNoInstallFile, {display_path(ini::default_file())});
+    gate.op().show(forms::kMsgNoInstallFile, {display_path(ini::default_file())});
     return kExitFailed;
   }
-  if (action == "add") return add(list, w);
-  if (action == "edit") return edit(list, w);
-  if (action == "default") return make_default(list, w);
-  return remove(list, w);
+  if (action == "add") return add(list, w, gate);
+  if (action == "edit") return edit(list, w, gate);
+  if (action == "default") return make_default(list, w, gate);
+  return remove(list, w, gate);
 }
 
 }  // namespace px::cli

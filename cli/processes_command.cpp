@@ -6,6 +6,7 @@
 
 #include "cli/cli.h"
 #include "cli/control_session.h"
+#include "common/messages.h"
 #include "config/forms/process_list.h"
 #include "control/node.h"
 
@@ -19,7 +20,7 @@ int run_processes(const Invocation& call) {
   forms::ProcessListing listing =
       forms::list_processes(session.instance().config_file, other_node, session.op());
   if (listing.closes) return kExitFailed;
-  std::printf("%s\n", message_label(forms::kMsgInstanceListRow).c_str());
+  std::printf("%s\n", messages::message_label(forms::kMsgInstanceListRow).c_str());
   for (const forms::Process& process : listing.processes) {
     std::printf("%s\n", process.name.c_str());
   }

@@ -2,7 +2,11 @@
 // lines, refusals, exit codes and the bytes the files end up with.
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <filesystem>
+
 #include "cli/pxctl_test_fixture.h"
+#include "tests/support/file_size_limit.h"
 
 namespace px {
 namespace {
@@ -167,6 +171,72 @@ TEST_F(PxctlConfigTest, InstancesAddEditDefaultRemove) {
   EXPECT_EQ(pxctl({"instances", "edit", "north", "--colour", "red"}).status, 2);
   EXPECT_EQ(pxctl({"instances", "add", "only-a-name"}).status, 2);
   EXPECT_EQ(pxctl({"instances", "rename", "x"}).status, 2);
+}
+
+TEST_F(PxctlConfigTest, AFailedWriteShowsWhyThenItsOwnMessageAndLeavesTheFile) {
+  // A file larger than pxctl may write: its new version cannot be written.
+  std::string big = dir_.read("north.ini") + "; " + std::string(60000, 'x') + "\r\n";
+  dir_.write("north.ini", big);
+  ProgramResult r;
+  {
+    FileSizeLimit limit(40000);
+    ASSERT_TRUE(limit.set());
+    r = pxctl({"config", "set", "PXSERVER", "PauseTime=45"});
+  }
+  EXPECT_EQ(r.status, 1);
+  EXPECT_TRUE(r.err.starts_with("[1301]")) << r.err;
+  EXPECT_NE(r.err.find("\n[902]"), std::string::npos) << r.err;
+  EXPECT_EQ(dir_.read("north.ini"), big);
+  EXPECT_FALSE(std::filesystem::exists(north_ + ".bak"));
+  for (const auto& entry : std::filesystem::directory_iterator(dir_.path())) {
+    EXPECT_FALSE(entry.path().filename().string().starts_with(".north.ini")) << entry.path();
+  }
+  // The agent's file is a directory: it cannot be locked for the change.
+  std::filesystem::remove(email_);
+  std::filesystem::create_directory(email_);
+  ProgramResult locked = pxctl({"config", "set", "PXEMIO", "CycleTime=5"});
+  EXPECT_EQ(locked.status, 1);
+  EXPECT_TRUE(locked.err.starts_with("[130")) << locked.err;
+  EXPECT_NE(locked.err.find("\n[902]"), std::string::npos) << locked.err;
+
+  // Written whole, with the old file as its backup.
+  EXPECT_EQ(pxctl({"config", "set", "PXSERVER", "PauseTime=45"}).status, 0);
+  EXPECT_EQ(dir_.read("north.ini.bak"), big);
+}
+
+TEST_F(PxctlConfigTest, ReadOnlyRefusesSetsAndInstanceChangesAndAuditsThem) {
+  std::string audit = dir_.file("audit.log");
+  dir_.write("test.ini", dir_.read("test.ini") + "[Options]\nReadOnly=Yes\nAuditLog=" + audit +
+                             "\n");
+  std::string north = dir_.read("north.ini");
+  std::string install = dir_.read("install.ini");
+  const std::vector<std::vector<std::string>> refused = {
+      {"config", "set", "PXSERVER", "PauseTime=45"},
+      {"config", "set", "PXEMIO", "jobcard", "JobCardPrefix=x"},
+      {"instances", "add", "west", "West", dir_.file("west.ini")},
+      {"instances", "edit", "north", "--title", "N"},
+      {"instances", "default", "far"},
+      {"instances", "remove", "far"}};
+  for (const std::vector<std::string>& words : refused) {
+    ProgramResult r = pxctl(words);
+    EXPECT_EQ(r.status, 1) << words[1];
+    EXPECT_TRUE(r.err.starts_with("[1700]")) << r.err;
+  }
+  EXPECT_EQ(dir_.read("north.ini"), north);
+  EXPECT_EQ(dir_.read("install.ini"), install);
+  EXPECT_FALSE(std::filesystem::exists(dir_.file("west.ini")));
+  std::string log = dir_.read("audit.log");
+  for (const char* action : {"config set PXSERVER", "config set PXEMIO jobcard",
+                             "instances add west", "instances edit north",
+                             "instances default far", "instances remove far"}) {
+    EXPECT_NE(log.find(action), std::string::npos) << action << "\n" << log;
+  }
+  EXPECT_NE(log.find("refused"), std::string::npos);
+  // Looking is not changing: show and a dry run still work.
+  EXPECT_EQ(pxctl({"config", "show", "PXSERVER"}).status, 0);
+  ProgramResult dry = pxctl({"config", "set", "PXSERVER", "PauseTime=45", "--dry-run"});
+  EXPECT_EQ(dry.status, 0) << dry.err;
+  EXPECT_EQ(dir_.read("north.ini"), north);
 }
 
 }  // namespace

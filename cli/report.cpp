@@ -12,15 +12,6 @@ void report(int n, const std::vector<std::string>& args) {
   std::fprintf(stderr, "%s\n", text.c_str());
 }
 
-std::string message_label(int n) {
-  std::string text = messages::message_text(n);
-  if (!text.empty() && text[0] == '[') {
-    size_t close = text.find(']');
-    if (close != std::string::npos) text.erase(0, close + 1);
-  }
-  return text;
-}
-
 int usage_error(const std::string& command, const std::string& synopsis) {
   report(kMsgBadArguments, {command, synopsis});
   return kExitUsage;

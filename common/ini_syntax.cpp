@@ -206,10 +206,12 @@ std::string rewrite_text(std::string_view old_text, const IniChange& change,
   out.reserve(old_text.size() + 64);
   const bool has_entry = change.key && change.value;
   bool in_target = false, found = false, done = false;
-  size_t blanks = 0;
+  // Blank lines are held back until the next line shows where they go; they
+  // keep their own line ends ("\n" or "\r\n").
+  std::string blanks;
   auto flush_blanks = [&] {
-    out.append(blanks, '\n');
-    blanks = 0;
+    out += blanks;
+    blanks.clear();
   };
 
   size_t pos = 0;
@@ -223,8 +225,8 @@ std::string rewrite_text(std::string_view old_text, const IniChange& change,
 
     if (done) {
       out += piece;
-    } else if (piece == "\n") {
-      ++blanks;
+    } else if (piece == "\n" || piece == "\r\n") {
+      blanks += piece;
     } else if (piece[0] == delims.section_open) {
       if (in_target) {
         // Leaving the section without meeting the key: the entry goes at its

@@ -134,6 +134,12 @@ TEST(IniRewrite, LongLinesAreCopiedWhole) {
 
 TEST(IniRewrite, CrLfFilesKeepTheirOtherLines) {
   EXPECT_EQ(rewrite("[A]\r\nk=1\r\nj=2\r\n", "A", "k", "3"), "[A]\r\nk=3\nj=2\r\n");
+  // Blank lines ending in CR LF stay where they were, byte for byte: a new
+  // entry goes ahead of them, and emptying the section keeps them.
+  EXPECT_EQ(rewrite("[A]\r\nk=1\r\n\r\n[B]\r\n", "A", "n", "2"),
+            "[A]\r\nk=1\r\nn=2\n\r\n[B]\r\n");
+  EXPECT_EQ(rewrite("[A]\r\nk=1\r\n\r\n[B]\r\n", "A", std::nullopt, std::nullopt),
+            "[A]\r\n\r\n[B]\r\n");
 }
 
 TEST(IniWritable, OnlyWhatReadsBackIsWritten) {

@@ -148,6 +148,13 @@ void log_line(int level, std::string_view text) {
   if (level >= state().verbosity) write_log_line(stamped_line(text) + "\n");
 }
 
+std::string message_label(int n) {
+  std::string text = message_text(n);
+  const std::string number = "[" + std::to_string(n) + "]";
+  if (text.starts_with(number)) text.erase(0, number.size());
+  return text;
+}
+
 std::string show(int n) {
   std::string text = message_text(n);
   emit(n, text);

@@ -59,6 +59,9 @@ void set_quick_log_fallback(bool on);
 // The text of message n (loaded and cached on first use); sets the current
 // level to its level.
 std::string message_text(int n);
+// Message n's text without its "[n]" number, for labels, titles, buttons
+// and list rows; sets the current level as message_text does.
+std::string message_label(int n);
 // The level of the message most recently looked up.
 int current_level();
 

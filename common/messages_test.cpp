@@ -46,10 +46,13 @@ class MessagesTest : public ::testing::Test {
 TEST_F(MessagesTest, LevelAndTextAreSplit) {
   EXPECT_EQ(messages::message_text(7), "[7]word");
   EXPECT_EQ(messages::current_level(), -5);
+  EXPECT_EQ(messages::message_label(7), "word");
   messages::reset();
   messages::set_number_prefix(false);
   EXPECT_EQ(messages::message_text(7), "word");
   EXPECT_EQ(messages::message_text(50), "[not a prefix] text");
+  // Only the message's own number is a prefix to take off.
+  EXPECT_EQ(messages::message_label(50), "[not a prefix] text");
   EXPECT_EQ(messages::current_level(), 5);
 }
 

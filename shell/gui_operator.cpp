@@ -16,13 +16,6 @@ std::string expanded(int n, const std::vector<std::string>& args) {
 
 }  // namespace
 
-std::string message_label(int n) {
-  std::string text = messages::message_text(n);
-  const std::string number = "[" + std::to_string(n) + "]";
-  if (text.starts_with(number)) text.erase(0, number.size());
-  return text;
-}
-
 void GuiOperator::show(int n, const std::vector<std::string>& args) {
   std::string text = expanded(n, args);
   if (messages::current_level() >= kErrorLevel) {
@@ -39,9 +32,9 @@ size_t GuiOperator::ask(int n, const std::vector<std::string>& args,
     tk_.post_note(text);
     return 0;
   }
-  std::string first = message_label(buttons[0]);
-  std::string second = message_label(buttons[1]);
-  std::string third = buttons.size() > 2 ? message_label(buttons[2]) : std::string();
+  std::string first = messages::message_label(buttons[0]);
+  std::string second = messages::message_label(buttons[1]);
+  std::string third = buttons.size() > 2 ? messages::message_label(buttons[2]) : std::string();
   tk::Answer answer = tk_.post_ask(text, first, second, third);
   size_t index = static_cast<size_t>(answer) - 1;
   return index < buttons.size() ? index : buttons.size() - 1;

@@ -20,10 +20,6 @@ namespace px::shell {
 // Messages from this level up are shown as errors.
 inline constexpr int kErrorLevel = 20;
 
-// Message n's text without the "[n]" that shown messages carry in front, as
-// used for a button's label.
-std::string message_label(int n);
-
 class GuiOperator : public Operator {
  public:
   explicit GuiOperator(tk::Toolkit& toolkit) : tk_(toolkit) {}

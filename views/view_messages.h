@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "common/messages.h"
+
 namespace px::views {
 
 namespace msg {
@@ -44,6 +46,6 @@ inline constexpr int kProcessNotListed = 1401;     // @P1 section, @P2 file
 std::string message_row(int n, const std::vector<std::string>& args = {});
 
 // Message n as a title or caption: its text without the "[n]" number.
-std::string message_label(int n);
+using messages::message_label;
 
 }  // namespace px::views

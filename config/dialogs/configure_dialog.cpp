@@ -2,11 +2,13 @@
 
 #include <optional>
 
+#include "common/messages.h"
 #include "config/dialogs/agent_dialogs.h"
 #include "config/dialogs/form_dialog.h"
 #include "config/dialogs/instance_dialogs.h"
 #include "config/dialogs/server_dialogs.h"
 #include "config/forms/process_list.h"
+#include "config/operator_action.h"
 
 namespace px::dialogs {
 
@@ -60,7 +62,7 @@ class Configure {
     bool opened = true;
     switch (editor->kind) {
       case forms::EditorKind::kCommand:
-        run_command(editor->command);
+        run_command(*chosen_, editor->command);
         return;
       case forms::EditorKind::kServer:
         opened = run_server_dialog(context_, editor->ini_file);
@@ -77,8 +79,8 @@ class Configure {
 
  private:
   void create(tk::Window dialog) {
-    dialog.set_title(message_label(forms::kMsgConfigureTitle));
-    dialog.control(kEditFile).set_text(message_label(forms::kMsgEditFileButton));
+    dialog.set_title(messages::message_label(forms::kMsgConfigureTitle));
+    dialog.control(kEditFile).set_text(messages::message_label(forms::kMsgEditFileButton));
     listing_ = forms::list_processes(instance_.config_file, other_node_, context_.op);
     if (listing_.closes) {
       dialog.destroy();
@@ -86,7 +88,7 @@ class Configure {
     }
     tk::Control list = dialog.control(kList);
     list.clear_rows();
-    list.add(message_label(forms::kMsgInstanceListRow));
+    list.add(messages::message_label(forms::kMsgInstanceListRow));
     for (const forms::Process& process : listing_.processes) list.add(process.name);
     list.select(0);
     list.focus();
@@ -105,15 +107,20 @@ class Configure {
     dialog.destroy();
   }
 
-  // EditCfgRtn: the task window stays disabled while the editor runs.
-  void run_command(const std::string& command) {
+  // EditCfgRtn: the operator action "config edit PROCESS", as the editor
+  // it runs may change the files (refused in read-only mode). The task
+  // window stays disabled while the editor runs.
+  void run_command(const std::string& process, const std::string& command) {
+    OperatorAction action(context_.op, "config edit " + process, instance_.name);
+    if (!action.permitted()) return;
     tk::Window task = context_.toolkit.task_window();
     task.set_enabled(false);
     set_start_minimised(0);
     if (context_.run_and_wait(command) == kRunFailed) {
-      context_.op.show(forms::kMsgEditorNotRun, {command});
+      action.op().show(forms::kMsgEditorNotRun, {command});
     }
     task.set_enabled(true);
+    action.finish(action.last_message() == 0 ? ActionResult::kDone : ActionResult::kFailed);
   }
 
   const ConfigContext& context_;

@@ -1,6 +1,7 @@
 #include "config/dialogs/configure_dialog.h"
 
 #include "config/dialogs/dialog_test_support.h"
+#include "config/operator_action.h"
 
 namespace px::dialogs {
 namespace {
@@ -70,6 +71,20 @@ TEST_F(ConfigureDialogTest, MissingSettingsAndOtherNodes) {
   dir.write("north.ini", "[Plexar]\n");
   ASSERT_TRUE(run_configure_dialog(context, instance, false));  // closes itself
   EXPECT_EQ(op.last(), 175);
+}
+
+TEST_F(ConfigureDialogTest, ReadOnlyRefusesEditCfgRtnButOpensTheBuiltInEditors) {
+  Instance instance = north("[PXSERVER]\nEditCfgRtn=myeditor %s\n");
+  ASSERT_TRUE(ini::write_string("Options", "ReadOnly", "Yes"));
+  tk.on_dialog(123, [&](tk::Window d) { EXPECT_TRUE(tk.double_click_row(d, 3, 1)); });
+  ASSERT_TRUE(run_configure_dialog(context, instance, false));
+  EXPECT_TRUE(commands.empty());
+  EXPECT_EQ(op.numbers(), (std::vector<int>{msg::kReadOnlyRefused}));
+  EXPECT_EQ(op.shown().back().args.at(0), "config edit PXSERVER");
+
+  tk.on_dialog(123, [&](tk::Window d) { EXPECT_TRUE(tk.double_click_row(d, 3, 0)); });
+  tk.on_dialog(121, [&](tk::Window i) { EXPECT_TRUE(tk.click(i, 2)); });
+  ASSERT_TRUE(run_configure_dialog(context, instance, false));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include "common/messages.h"
 #include "common/text.h"
 #include "config/forms/form_messages.h"
+#include "config/operator_action.h"
 
 namespace px::dialogs {
 
@@ -20,17 +21,10 @@ std::string filled_title(std::string title, const std::string& name) {
 
 }  // namespace
 
-std::string message_label(int n) {
-  std::string text = messages::message_text(n);
-  const std::string number = "[" + std::to_string(n) + "]";
-  if (text.starts_with(number)) text.erase(0, number.size());
-  return text;
-}
-
 FormDialog::FormDialog(forms::Form& form, Operator& op, std::string instance_name,
-                       FormControls controls, ExtraHandler extra)
+                       FormControls controls, ExtraHandler extra, FileSystem* files)
     : form_(form), op_(op), instance_name_(std::move(instance_name)),
-      controls_(std::move(controls)), extra_(std::move(extra)) {}
+      controls_(std::move(controls)), extra_(std::move(extra)), files_(files) {}
 
 void FormDialog::handle(const tk::Event& e) {
   tk::Window dialog = e.window;
@@ -65,9 +59,10 @@ void FormDialog::create(tk::Window dialog) {
   if (!controls_.location_rows.empty()) {
     int location = form_.index_of("CurrencyLocation");
     tk::Control list = dialog.control(form_.field(static_cast<std::size_t>(location)).control);
-    for (int n : controls_.location_rows) list.add(message_label(n));
+    for (int n : controls_.location_rows) list.add(messages::message_label(n));
   }
   fill(dialog);
+  disable_when_read_only(dialog.control(controls_.ok));
 }
 
 void FormDialog::fill(tk::Window dialog) {
@@ -132,11 +127,11 @@ void FormDialog::note(tk::Window dialog, const forms::FieldDef& field,
   std::string text;
   if (result.cut_to_limit && field.kind != FieldKind::kScanTime) {
     set_message_arguments({std::to_string(field.limit)});
-    text = expand(message_label(forms::kNoteLimit));
+    text = expand(messages::message_label(forms::kNoteLimit));
   } else if (result.beep && field.kind == FieldKind::kScanTime) {
-    text = message_label(forms::kNoteScanTime);
+    text = messages::message_label(forms::kNoteScanTime);
   } else if (result.beep && (field.kind == FieldKind::kDigits || field.kind == FieldKind::kInteger)) {
-    text = message_label(forms::kNoteDigits);
+    text = messages::message_label(forms::kNoteDigits);
   }
   dialog.control(controls_.status).set_text(text);
 }
@@ -224,14 +219,29 @@ void FormDialog::ok(tk::Window dialog) {
     }
     if (answer != 1) return;
   }
-  form_.save();  // a failed write is not reported, as the product has it
+  OperatorAction action(op_, form_.action(), instance_name_);
+  if (!action.permitted()) return;
+  if (FileResult written = form_.save(files_); !written) {
+    FileMessage why = failure_message(written, form_.file());
+    action.op().show(why.number, why.args);
+    action.op().show(forms::kMsgNotSaved, {form_.file()});
+    return;  // open still, with what the operator typed
+  }
+  action.finish(ActionResult::kDone);
   saved_ = true;
   dialog.destroy();
 }
 
+void disable_when_read_only(tk::Control control) {
+  if (!read_only_mode()) return;
+  control.set_enabled(false);
+  control.set_tip(read_only_reason());
+}
+
 bool run_form_dialog(const ConfigContext& context, forms::Form& form,
                      const FormControls& controls, ExtraHandler extra) {
-  FormDialog binding(form, context.op, context.instance_name, controls, std::move(extra));
+  FormDialog binding(form, context.op, context.instance_name, controls, std::move(extra),
+                     context.files);
   if (!context.toolkit.run_modal_dialog(form.def().dialog,
                                         [&binding](const tk::Event& e) { binding.handle(e); })) {
     return false;

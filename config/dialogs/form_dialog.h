@@ -9,8 +9,12 @@
 // check boxes, radio pairs and the drop-down list choose; the spin bar
 // steps the scan time; OK checks the form (a refusal beeps, shows its
 // message and focuses the field), asks Reload / Overwrite / Cancel when the
-// file changed on disk since it was read, saves and closes; Cancel and the
-// close box close without saving. "Changes..." shows the keys OK would
+// file changed on disk since it was read, saves as the operator action
+// "config set PROCESS [FORM]" (config/operator_action.h) and closes; a save
+// that failed shows why (the rewrite's message, then 902) and leaves the
+// dialog open with what the operator typed. Cancel and the close box close
+// without saving. In read-only mode the dialog opens to show the settings
+// but its OK is disabled with the reason as its tooltip. "Changes..." shows the keys OK would
 // change with their old and new values (1612), or that it would change
 // nothing (1611). When a typing rule beeps, the status line says why (the
 // limit 1614, digits only 1615, the scan time's range 1616); the next
@@ -48,7 +52,7 @@ using ExtraHandler = std::function<bool(const tk::Event&, forms::Form&)>;
 class FormDialog {
  public:
   FormDialog(forms::Form& form, Operator& op, std::string instance_name, FormControls controls,
-             ExtraHandler extra = {});
+             ExtraHandler extra = {}, FileSystem* files = nullptr);
 
   void handle(const tk::Event& e);
   // Puts every field of the form into the dialog's controls.
@@ -70,6 +74,7 @@ class FormDialog {
   std::string instance_name_;
   FormControls controls_;
   ExtraHandler extra_;
+  FileSystem* files_;
   bool saved_ = false;
 };
 
@@ -87,8 +92,9 @@ bool run_sub_dialog(forms::Form& parent, const std::function<bool()>& run);
 // takes it under the field's typing rules.
 void take_field_text(tk::Window dialog, forms::Form& form, int control);
 
-// Message n's text without its "[n]" number, for labels and list rows.
-std::string message_label(int n);
+// In read-only mode: disables the OK button (or any control that changes
+// something) with the reason as its tooltip. Nothing otherwise.
+void disable_when_read_only(tk::Control control);
 
 // A dialog that could not be created.
 inline constexpr int kMsgDialogNotCreated = 101;

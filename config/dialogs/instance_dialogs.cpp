@@ -4,6 +4,7 @@
 #include "config/forms/form_messages.h"
 #include "config/forms/instance_list.h"
 #include "config/forms/process_list.h"
+#include "config/operator_action.h"
 
 namespace px::dialogs {
 
@@ -36,6 +37,7 @@ class InstanceRecord {
         set(dialog, forms::kRecordTitle, instance_.window_title);
         set(dialog, forms::kRecordConfig, instance_.config_file);
         dialog.control(forms::kRecordName.control).focus();
+        disable_when_read_only(dialog.control(kOk));
         break;
       case tk::EventType::kClose:
         dialog.destroy();
@@ -115,6 +117,9 @@ class InstanceConfig {
         list_.load();
         dialog.control(kDelete).set_visible(true);
         fill(dialog, -1);
+        for (int changes : {kListOk, kMakeDefault, kDelete}) {
+          disable_when_read_only(dialog.control(changes));
+        }
         break;
       case tk::EventType::kDestroy:
         dialog.toolkit().forget_help_topics(dialog.id());
@@ -203,7 +208,15 @@ class InstanceConfig {
       }
       if (answer != 1) return;
     }
-    list_.apply();
+    OperatorAction action(context_.op, "instances apply", "");
+    if (!action.permitted()) return;
+    if (forms::InstanceList::Applied applied = list_.apply(context_.files); !applied) {
+      FileMessage why = failure_message(applied.result, applied.file);
+      action.op().show(why.number, why.args);
+      action.op().show(forms::kMsgNotSaved, {applied.file});
+      return;  // open still, with the operator's changes
+    }
+    action.finish(ActionResult::kDone);
     dialog.destroy();
   }
 

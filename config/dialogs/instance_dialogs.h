@@ -8,7 +8,11 @@
 // created hidden, is shown and takes the selected row out; OK (5) rewrites
 // section Configuration of the install file in list order and each
 // WindowTitle, after asking Reload / Overwrite / Cancel when the install
-// file changed since the dialog read it; Cancel writes nothing.
+// file changed since the dialog read it; Cancel writes nothing. OK is the
+// operator action "instances apply"; a file it could not write is reported
+// (the rewrite's message, then 902) and the dialog stays open. In read-only
+// mode OK, Make Default and Delete are disabled with the reason as their
+// tooltip, and 124's OK too, but both dialogs open to show the instances.
 #pragma once
 
 #include "config/dialogs/config_context.h"

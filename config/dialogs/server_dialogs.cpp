@@ -1,5 +1,6 @@
 #include "config/dialogs/server_dialogs.h"
 
+#include "common/messages.h"
 #include "config/dialogs/form_dialog.h"
 #include "config/dialogs/select_directory_dialog.h"
 
@@ -69,7 +70,7 @@ bool run_server_dialog(const ConfigContext& context, const std::string& file) {
                    }
                    return true;
                  case kBrowseLogFile:
-                   if (browse_for_file(dialog, kLogFile, message_label(kLogFilePrompt))) {
+                   if (browse_for_file(dialog, kLogFile, messages::message_label(kLogFilePrompt))) {
                      take_field_text(dialog, form, kLogFile);
                    }
                    return true;

@@ -1,5 +1,7 @@
 #include "config/forms/form.h"
 
+#include <cerrno>
+
 #include "common/ini_profile.h"
 #include "common/text.h"
 
@@ -243,17 +245,23 @@ std::vector<std::string> Form::change_lines() const {
   return lines;
 }
 
+std::string Form::action() const {
+  std::string action = std::string("config set ") + def_->process;
+  if (*def_->name != '\0') action += std::string(" ") + def_->name;
+  return action;
+}
+
 bool Form::changed_on_disk() const { return stamp_of(file_) != stamp_; }
 
 // Every key of the form in one locked, crash-safe rewrite that keeps the
 // previous file as a backup: a reader sees all of the form's keys or none.
-bool Form::save() {
-  if (file_.empty()) return false;
+FileResult Form::save(FileSystem* files) {
+  if (file_.empty()) return {FileStep::kLock, ENOENT};
   std::vector<Entry> saved = entries();
   std::vector<IniChange> changes;
   changes.reserve(saved.size());
   for (const Entry& entry : saved) changes.push_back({entry.section, entry.key, entry.value});
-  bool written = static_cast<bool>(ini::write_changes(changes, file_, {.keep_backup = true}));
+  FileResult written = ini::write_changes(changes, file_, {.keep_backup = true, .files = files});
   stamp_ = stamp_of(file_);
   return written;
 }

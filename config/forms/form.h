@@ -26,6 +26,7 @@
 #include <string_view>
 #include <vector>
 
+#include "common/file_replace.h"
 #include "config/forms/field.h"
 #include "config/forms/file_stamp.h"
 #include "config/forms/form_defs.h"
@@ -63,6 +64,8 @@ class Form {
 
   const FormDef& def() const { return *def_; }
   const std::string& file() const { return file_; }
+  // The operator action OK is recorded as: "config set PROCESS [FORM]".
+  std::string action() const;
   std::size_t size() const { return texts_.size(); }
   const FieldDef& field(std::size_t i) const { return def_->fields[i]; }
   // The field called key (any case), or -1.
@@ -108,10 +111,12 @@ class Form {
   // Takes the file as it is now as the state the form knows (after a
   // sub-dialog of the same dialog saved other keys into it).
   void take_disk_state() { stamp_ = stamp_of(file_); }
-  // Writes entries() through the INI engine, one key at a time in order,
-  // and takes the file's new stamp. False when a write failed (the keys
-  // before it are written).
-  bool save();
+  // Writes entries() in order in one locked, crash-safe rewrite of the
+  // file that keeps the previous file as NAME.bak, through files (the real
+  // file system when null), and takes the file's new stamp. On failure the
+  // file is as it was and the result names the failed step
+  // (failure_message gives its message).
+  FileResult save(FileSystem* files = nullptr);
 
  private:
   void load_field(std::size_t i);

@@ -24,5 +24,7 @@ inline constexpr int kNoteLimit = 1614;                // @P1 the limit
 inline constexpr int kNoteDigits = 1615;
 inline constexpr int kNoteScanTime = 1616;
 inline constexpr int kMsgCancelButton = 140;
+// A save that failed, after the message that tells why.
+inline constexpr int kMsgNotSaved = 902;  // @P1 file
 
 }  // namespace px::forms

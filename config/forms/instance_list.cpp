@@ -1,5 +1,7 @@
 #include "config/forms/instance_list.h"
 
+#include <cerrno>
+
 #include <utility>
 
 #include "common/ini_profile.h"
@@ -50,20 +52,21 @@ void InstanceList::remove(std::size_t row) {
 
 bool InstanceList::changed_on_disk() const { return stamp_of(install_) != stamp_; }
 
-bool InstanceList::apply() {
-  if (install_.empty()) return false;
+InstanceList::Applied InstanceList::apply(FileSystem* files) {
+  if (install_.empty()) return {{FileStep::kLock, ENOENT}, install_};
   // Section Configuration is written anew in list order in one rewrite.
   std::vector<IniChange> changes{{"Configuration", std::nullopt, std::nullopt}};
   for (const Instance& row : rows_) changes.push_back({"Configuration", row.name, row.config_file});
-  bool written = static_cast<bool>(ini::write_changes(changes, install_, {.keep_backup = true}));
+  Applied applied{ini::write_changes(changes, install_, {.keep_backup = true, .files = files}),
+                  install_};
   stamp_ = stamp_of(install_);
   for (const Instance& row : rows_) {
     if (row.config_file.size() < 2) continue;
-    written = static_cast<bool>(ini::write_string("Plexar", "WindowTitle", row.window_title,
-                                                  row.config_file)) &&
-              written;
+    FileResult written = ini::write_string("Plexar", "WindowTitle", row.window_title,
+                                           row.config_file, {.files = files});
+    if (!written && applied) applied = {written, row.config_file};
   }
-  return written;
+  return applied;
 }
 
 }  // namespace px::forms

@@ -14,6 +14,7 @@
 #include <string_view>
 #include <vector>
 
+#include "common/file_replace.h"
 #include "config/forms/field.h"
 #include "config/forms/file_stamp.h"
 #include "config/instances.h"
@@ -47,9 +48,15 @@ class InstanceList {
 
   // True when the install file changed on disk since load or apply.
   bool changed_on_disk() const;
-  // OK. False when the install file or a configuration file could not be
-  // written (what came before stays written).
-  bool apply();
+  // How OK went: true when every file was written, else the first file
+  // that was not and why (that file is as it was; the others are written).
+  struct Applied {
+    FileResult result;
+    std::string file;
+    explicit operator bool() const { return static_cast<bool>(result); }
+  };
+  // OK, with the file steps of files (the real file system when null).
+  Applied apply(FileSystem* files = nullptr);
 
  private:
   std::vector<Instance> rows_;

@@ -51,9 +51,7 @@ int header_message(ListKind kind) {
 }
 
 std::string message_label(int n, const std::vector<std::string>& args) {
-  std::string text = messages::message_text(n);
-  const std::string number = "[" + std::to_string(n) + "]";
-  if (text.starts_with(number)) text.erase(0, number.size());
+  std::string text = messages::message_label(n);
   set_message_arguments(args);
   return expand(text);
 }
