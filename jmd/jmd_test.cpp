@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "common/ini_profile.h"
+#include "jmd/engine/btree.h"
 #include "jmd/jmd_writer.h"
 #include "jmd/recording_reporter.h"
 #include "tests/support/file_size_limit.h"
@@ -96,6 +97,33 @@ TEST_F(JmdTest, SaveSortsBySortColumnAndKeepsStepsInFileOrder) {
                                       "jmd.c: jmd file opened and verified",
                                       "jmd.c: database initialized successfully",
                                       "jmd.c: jmd file opened and verified"}));
+  EXPECT_EQ(table_files(), 0u);
+}
+
+// A JMD far larger than the engine's memory limits (a node cache of a few
+// nodes, no room for value copies) saves exactly as with the usual ones.
+TEST_F(JmdTest, TightMemoryLimitsSaveTheSameFile) {
+  std::string text = kHead;
+  for (int k = 0; k < 4000; ++k) {
+    int form = (k * 7919) % 1500;
+    text += "!f " + std::string(form % 2 ? "Form" : "FORM") + std::to_string(form) + " P" +
+            std::to_string(k % 300) + " m.mdf * " + std::to_string(k % 50) + " Y T N N N *\n";
+  }
+  for (int k = 0; k < 600; ++k) {
+    int p = (k * 7919) % 600;
+    text += "!p " + std::string(p % 2 ? "pr" : "PR") + std::to_string(p) + " I" +
+            std::to_string(p) + " /dev/lp0 * 1 *\n";
+  }
+  std::string usual = resave(text);
+  ASSERT_NE(usual.find("!p pr599 "), std::string::npos);
+  int nodes = engine::node_cache::capacity();
+  size_t budget = engine::value_budget::budget();
+  ASSERT_TRUE(engine::node_cache::set_capacity(engine::kNodeCacheMinimum));
+  engine::value_budget::set_budget(0);
+  std::string tight = resave(text);
+  engine::value_budget::set_budget(budget);
+  engine::node_cache::set_capacity(nodes);
+  EXPECT_TRUE(tight == usual);
   EXPECT_EQ(table_files(), 0u);
 }
 

@@ -96,8 +96,7 @@ void BTree::mark_dirty(long n) { NodeCache::mark_dirty(*this, static_cast<int32_
 void BTree::forget_node(long n) { NodeCache::forget(*this, static_cast<int32_t>(n)); }
 
 bool BTree::store(int32_t n, const BTreeNode& node, int line) {
-  BTreeNode copy = node;
-  if (!valid_node(n) || !file_->put(n, bytes_of(copy))) {
+  if (!valid_node(n) || !file_->put(n, std::as_bytes(std::span<const BTreeNode, 1>(&node, 1)))) {
     report(true, line, n);
     return false;
   }

@@ -25,7 +25,7 @@
 //
 // Node cache: the trees do their work on copies of their nodes held in one
 // cache that all open trees share, of at most kNodeCacheNodes nodes (4 MiB of
-// node data and 24 bytes of bookkeeping per node), whatever the number and
+// node data and about 40 bytes of bookkeeping a node), whatever the number and
 // size of the trees. A node not in it is read from the tree's file through
 // the record store (and its block cache); when the cache is full, the least
 // recently used node gives its place up, written to its file first when it

@@ -7,7 +7,8 @@
 // key and the first bytes of its value, and then inserted in that order: each
 // insertion then follows the tree's rightmost path, whose values are the ones
 // just inserted. The array holds at most kSortRunEntries entries: a larger
-// table is sorted and inserted in runs of that many rows.
+// table is sorted in runs of that many rows, kept in a temporary file, and
+// merged as they are inserted, so the tree is built in the same order.
 //
 // The tree places every entry by its own comparison, whatever the order of
 // insertion, so the index holds the same entries in the same order as the
@@ -16,8 +17,14 @@
 // break ties its own way (texts equal in their first bytes go by row); it
 // must only be a strict order, which is why floating-point columns (NaN) and
 // columns with their own compare function are left to the row-order build.
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
 #include <cstring>
+#include <memory>
 #include <new>
 
 #include "jmd/engine/report.h"
@@ -130,12 +137,105 @@ size_t sort_run_entries() { return g_sort_run_entries; }
 
 void set_sort_run_entries(size_t entries) { g_sort_run_entries = std::max<size_t>(entries, 1); }
 
+namespace {
+
+// Sorted runs of entries in a temporary file that has no name (it goes away
+// with its descriptor), in the directory of the table.
+class RunFile {
+ public:
+  explicit RunFile(const std::string& table_name) {
+    std::string directory = table_name.substr(0, table_name.find_last_of('/') + 1);
+    fd_ = open(directory.empty() ? "." : directory.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
+    if (fd_ < 0) {
+      // A file system without unnamed files: the C library's temporary file,
+      // which is removed as soon as it is made.
+      if (std::FILE* f = std::tmpfile()) {
+        fd_ = dup(fileno(f));
+        std::fclose(f);
+      }
+    }
+  }
+  ~RunFile() {
+    if (fd_ >= 0) close(fd_);
+  }
+  RunFile(const RunFile&) = delete;
+  RunFile& operator=(const RunFile&) = delete;
+
+  bool usable() const { return fd_ >= 0; }
+  // Appends n entries; false when they cannot all be written.
+  bool append(const SortEntry* entries, size_t n) {
+    // transfer() only reads from the entries when it writes them.
+    if (!transfer(const_cast<SortEntry*>(entries), n, size_, true)) return false;
+    size_ += n;
+    return true;
+  }
+  // Reads n entries from entry index at.
+  bool read(size_t at, SortEntry* out, size_t n) { return transfer(out, n, at, false); }
+
+ private:
+  bool transfer(SortEntry* entries, size_t n, size_t at, bool write) {
+    auto* bytes = reinterpret_cast<char*>(entries);
+    size_t total = n * sizeof(SortEntry);
+    off_t offset = static_cast<off_t>(at * sizeof(SortEntry));
+    for (size_t done = 0; done < total;) {
+      off_t from = offset + static_cast<off_t>(done);
+      ssize_t k = write ? pwrite(fd_, bytes + done, total - done, from)
+                        : pread(fd_, bytes + done, total - done, from);
+      if (k < 0 && errno == EINTR) continue;
+      if (k <= 0) return false;
+      done += static_cast<size_t>(k);
+    }
+    return true;
+  }
+  int fd_ = -1;
+  size_t size_ = 0;  // entries written
+};
+
+// One sorted run being merged: where it lies in the run file, and the part
+// of it read into its share of the buffer.
+struct RunCursor {
+  size_t next = 0;    // index in the run file of the first entry not yet read
+  size_t end = 0;     // index past the run's last entry
+  SortEntry* buffer = nullptr;
+  size_t capacity = 0;
+  size_t at = 0;      // position in the buffer
+  size_t held = 0;    // entries in the buffer
+
+  // Makes the cursor's current entry available; false at the end of the
+  // run, or (failed set) when it cannot be read.
+  bool fill(RunFile& file, bool& failed) {
+    if (at < held) return true;
+    if (next == end) return false;
+    held = std::min(capacity, end - next);
+    at = 0;
+    if (!file.read(next, buffer, held)) {
+      failed = true;
+      return false;
+    }
+    next += held;
+    return true;
+  }
+};
+
+// Inserts e, the next entry in sorted order (previous: the one before it),
+// into column c's index, which holds the entries before it.
+bool insert_sorted(TableState& t, int c, const EntryOrder& entry_order, const SortEntry& e,
+                   const SortEntry* previous) {
+  Placing placing = previous != nullptr && entry_order.known_after(*previous, e)
+                        ? Placing::kAfterAll
+                        : Placing::kInOrder;
+  return insert_entry(t, c, e.key, e.row, placing);
+}
+
+}  // namespace
+
 OrderedBuild add_index_in_key_order(TableState& t, int c) {
   const ColumnDef& column = t.column(c);
   if (!sortable_type(column.type) || t.row_count < 2) return OrderedBuild::kNotTried;
+  const size_t run = g_sort_run_entries;
   std::vector<SortEntry> entries;
   try {
-    entries.reserve(std::min(static_cast<size_t>(t.row_count), g_sort_run_entries));
+    entries.reserve(std::min(static_cast<size_t>(t.row_count), run));
   } catch (const std::bad_alloc&) {
     return OrderedBuild::kNotTried;
   }
@@ -147,21 +247,15 @@ OrderedBuild add_index_in_key_order(TableState& t, int c) {
   std::vector<std::byte> record;
   std::vector<std::byte> head;
   bool hashed = column.type == kTypeString || column.type == kTypeStringNoCase;
-  // A row that cannot be had: before anything is inserted the row-order
-  // build is left to try (and report); later the index is partial.
-  auto stop = [&t](long first_row) {
-    if (first_row == 1) return OrderedBuild::kNotTried;
-    report_message(kMsgBadArgument, {t.name});
-    return OrderedBuild::kFailed;
-  };
-  // The rows in runs of at most kSortRunEntries, each sorted and inserted in
-  // order. The first run goes in at the end of the tree; a later one meets
-  // the entries of the runs before it, and its entries are placed by a
-  // search, still in order, so that each goes into the leaf where the one
-  // before it went or one further on.
-  const long run = static_cast<long>(g_sort_run_entries);
-  for (long first = 1; first <= t.row_count; first += run) {
-    long last = std::min(t.row_count, first + run - 1);
+  auto less = [&](const SortEntry& a, const SortEntry& b) { return entry_order.compare(a, b) < 0; };
+  // The rows in runs of at most `run` entries, each sorted; more than one run
+  // is kept in a file and the runs are merged. Nothing is inserted before
+  // every row has been read, so a row that cannot be had leaves the index to
+  // the row-order build, which reports it.
+  std::unique_ptr<RunFile> file;
+  std::vector<RunCursor> runs;
+  for (long first = 1; first <= t.row_count; first += static_cast<long>(run)) {
+    long last = std::min(t.row_count, first + static_cast<long>(run) - 1);
     entries.clear();
     for (long row = first; row <= last; ++row) {
       int32_t key = 0;
@@ -170,13 +264,13 @@ OrderedBuild add_index_in_key_order(TableState& t, int c) {
         // The key of a canonical value is the key of the value itself; the
         // texts that are not hashed all have the key 0.
         const std::byte* value = hashed ? values.value(row, record) : values.prefix(row);
-        if (value == nullptr) return stop(first);
+        if (value == nullptr) return OrderedBuild::kNotTried;
         if (hashed) key = *index_key(column.type, value, column.width);
         start = values.prefix(row);
       } else {
         t.records->prefetch(row + kReadAhead);
         if (!read_record(t, row, record) || !record_key(t, c, record.data(), key)) {
-          return stop(first);
+          return OrderedBuild::kNotTried;
         }
         const std::byte* value = record.data() + column.position;
         if (values.active()) values.store(row, value);
@@ -184,17 +278,57 @@ OrderedBuild add_index_in_key_order(TableState& t, int c) {
       }
       entries.push_back(entry_order.entry(key, row, start));
     }
-    auto less = [&](const SortEntry& a, const SortEntry& b) {
-      return entry_order.compare(a, b) < 0;
-    };
     std::sort(entries.begin(), entries.end(), less);
-    for (size_t i = 0; i < entries.size(); ++i) {
-      const SortEntry& e = entries[i];
-      Placing placing = first > 1 ? Placing::kSearch
-                        : i > 0 && entry_order.known_after(entries[i - 1], e) ? Placing::kAfterAll
-                                                                               : Placing::kInOrder;
-      if (!insert_entry(t, c, e.key, e.row, placing)) return OrderedBuild::kFailed;
+    if (first == 1 && last == t.row_count) break;  // one run: merged already
+    if (!file) file = std::make_unique<RunFile>(t.name);
+    RunCursor cursor;
+    cursor.next = runs.empty() ? 0 : runs.back().end;
+    cursor.end = cursor.next + entries.size();
+    if (!file->usable() || !file->append(entries.data(), entries.size())) {
+      return OrderedBuild::kNotTried;
     }
+    runs.push_back(cursor);
+  }
+  if (runs.empty()) {
+    for (size_t i = 0; i < entries.size(); ++i) {
+      if (!insert_sorted(t, c, entry_order, entries[i], i > 0 ? &entries[i - 1] : nullptr)) {
+        return OrderedBuild::kFailed;
+      }
+    }
+    return OrderedBuild::kBuilt;
+  }
+  // The merge: each run reads its entries into an equal share of the sort
+  // buffer; the lowest current entry of all runs goes in next.
+  size_t share = std::max<size_t>(1, entries.capacity() / runs.size());
+  entries.resize(std::max(entries.capacity(), share * runs.size()));
+  bool failed = false;
+  std::vector<size_t> live;  // runs not yet at their end
+  for (size_t r = 0; r < runs.size(); ++r) {
+    runs[r].buffer = entries.data() + r * share;
+    runs[r].capacity = share;
+    if (runs[r].fill(*file, failed)) live.push_back(r);
+  }
+  SortEntry previous;
+  bool any = false;
+  while (!live.empty() && !failed) {
+    size_t lowest = 0;
+    for (size_t k = 1; k < live.size(); ++k) {
+      const RunCursor& a = runs[live[k]];
+      const RunCursor& b = runs[live[lowest]];
+      if (less(a.buffer[a.at], b.buffer[b.at])) lowest = k;
+    }
+    RunCursor& from = runs[live[lowest]];
+    SortEntry e = from.buffer[from.at++];
+    if (!insert_sorted(t, c, entry_order, e, any ? &previous : nullptr)) {
+      return OrderedBuild::kFailed;
+    }
+    previous = e;
+    any = true;
+    if (!from.fill(*file, failed)) live.erase(live.begin() + static_cast<long>(lowest));
+  }
+  if (failed) {
+    report_message(kMsgBadArgument, {t.name});
+    return OrderedBuild::kFailed;
   }
   return OrderedBuild::kBuilt;
 }

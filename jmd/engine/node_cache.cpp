@@ -1,6 +1,7 @@
 #include "jmd/engine/node_cache.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <new>
 #include <utility>
@@ -20,6 +21,7 @@ struct Slot {
 };
 
 struct CacheState {
+  constexpr CacheState() { recent.fill(-1); }
   int capacity = kNodeCacheNodes;
   bool reserved = false;
   std::vector<Slot> slots;        // reserved once; grows up to capacity
@@ -29,11 +31,15 @@ struct CacheState {
   int lru_head = -1;
   int lru_tail = -1;
   int in_use = 0;
-  int last_found = -1;  // the slot find() gave last: most lookups ask for it again
+  // The slots find() gave last, by the low bits of the node number: a tree's
+  // work asks for the same few nodes (its root, the inner nodes and the leaf
+  // of the moment) again and again. An entry is checked before it is used.
+  std::array<int, 64> recent{};
   std::vector<std::pair<int32_t, int>> order;  // reused by write_back
 };
 
-CacheState g_cache;
+// The one node cache of the process, there before any code runs.
+constinit CacheState g_cache;
 
 size_t bucket_of(const BTree* owner, int32_t n) {
   auto mix = reinterpret_cast<uintptr_t>(owner) >> 4;
@@ -117,11 +123,12 @@ void release(int i) {
 
 BTreeNode* NodeCache::find(const BTree& tree, int32_t n) {
   CacheState& c = g_cache;
-  int i = c.last_found;
+  int& memo = c.recent[static_cast<uint32_t>(n) % c.recent.size()];
+  int i = memo;
   if (i < 0 || c.slots[i].owner != &tree || c.slots[i].node != n) {
     i = find_slot(&tree, n);
     if (i < 0) return nullptr;
-    c.last_found = i;
+    memo = i;
   }
   if (c.lru_head != i) {
     lru_unlink(i);

@@ -28,8 +28,9 @@
 // bounded by kValueCopyBudget bytes for all tables together: a copy that
 // would go over it is dropped, and comparisons over that column read the
 // records from then on (slower, not wrong). An index add sorts its entries in
-// runs of at most kSortRunEntries entries (24 bytes each). Beyond that, a
-// table holds three record buffers and its handles, whatever its row count.
+// runs of at most kSortRunEntries entries (24 bytes each), kept in an unnamed
+// temporary file beside the table and merged. Beyond that, a table holds
+// three record buffers and its handles, whatever its row count.
 //
 // Trace: when key GDBTraceFile in section Debug of the default INI file names
 // a file at the first table open, every operation writes its line(s) there

@@ -79,6 +79,8 @@ class ValueCache {
     // Changes the charge to bytes; false (unchanged) when that would go
     // over the budget.
     bool set(size_t bytes);
+    // The most bytes this charge may grow to within the budget.
+    size_t most() const;
 
    private:
     size_t bytes_ = 0;

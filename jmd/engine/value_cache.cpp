@@ -42,15 +42,22 @@ size_t ValueCache::held() const {
   return bytes_.capacity() + prefixes_.capacity() + whole_at_.capacity() * sizeof(uint32_t);
 }
 
+size_t ValueCache::Charge::most() const {
+  size_t others = g_value_bytes - bytes_;
+  return others >= g_value_budget ? 0 : g_value_budget - others;
+}
+
+// Grows v by doubling, as far as the budget lets it: the last step fills
+// what is left, and the next one fails (no growth row by row, which would
+// copy the whole array each time).
 template <class T>
 bool ValueCache::room(std::vector<T>& v, size_t n) {
   if (n <= v.capacity()) return true;
   size_t others = held() - v.capacity() * sizeof(T);
-  size_t want = std::max(n, v.capacity() * 2);
-  if (!charge_.set(others + want * sizeof(T))) {
-    want = n;
-    if (!charge_.set(others + want * sizeof(T))) return false;
-  }
+  size_t limit = charge_.most();
+  if (others > limit || n > (limit - others) / sizeof(T)) return false;
+  size_t want = std::min(std::max(n, v.capacity() * 2), (limit - others) / sizeof(T));
+  if (!charge_.set(others + want * sizeof(T))) return false;
   v.reserve(want);
   return true;
 }
