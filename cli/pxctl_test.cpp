@@ -2,6 +2,8 @@
 // codes.
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "cli/pxctl_test_fixture.h"
 
 namespace px {
@@ -35,6 +37,29 @@ TEST_F(PxctlTest, IniRoundTripIsByteExact) {
   EXPECT_EQ(pxctl({"ini", "delete", file, "A", "k"}).status, 0);
   EXPECT_EQ(pxctl({"ini", "delete", file, "B"}).status, 0);
   EXPECT_EQ(dir_.read("s.ini"), "[A]\nj=two words\n\n[B]\n\n[C]\nn=3\n");
+}
+
+TEST_F(PxctlTest, CrLfFilesAreRewrittenSoTheValueReadsBack) {
+  std::string file = dir_.write("c.ini", "[A]\r\nflag\r\n\r\n[B]\r\n");
+  EXPECT_EQ(pxctl({"ini", "set", file, "A", "flag", "on"}).status, 0);
+  EXPECT_EQ(pxctl({"ini", "get", file, "A", "flag", "DEF"}).out, "on\n");
+  EXPECT_EQ(pxctl({"ini", "set", file, "A", "more", "1"}).status, 0);
+  EXPECT_EQ(dir_.read("c.ini"), "[A]\r\nflag=on\nmore=1\n\r\n[B]\r\n");
+}
+
+TEST_F(PxctlTest, ProgramPathWithABlankAndNoArgumentsShowsTheHelp) {
+  std::filesystem::path built(PXCTL_PATH);
+  std::filesystem::create_directory(dir_.file("Px Dir"));
+  std::filesystem::copy_file(built, dir_.file("Px Dir/pxctl"));
+  std::filesystem::copy_file(built.parent_path() / "pxcntrl.ini", dir_.file("Px Dir/pxcntrl.ini"));
+  // The same help as from the path without a blank, not a message about an
+  // unknown command "Dir/pxctl".
+  ProgramResult help = run_program(dir_.file("Px Dir/pxctl"), {}, dir_.path());
+  ProgramResult plain = run_program(PXCTL_PATH, {}, dir_.path());
+  EXPECT_EQ(help.out.rfind("Usage: pxctl", 0), 0u) << help.out;
+  EXPECT_EQ(help.out, plain.out);
+  EXPECT_EQ(help.err, "");
+  EXPECT_EQ(help.status, plain.status);
 }
 
 TEST_F(PxctlTest, FailuresAndUsageErrors) {

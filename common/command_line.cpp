@@ -30,14 +30,9 @@ std::string collapse_doubled_quotes(std::string_view line) {
 }  // namespace
 
 std::string rebuild_command_line(const std::vector<std::string>& args) {
-  if (args.empty()) return std::string();
-  if (args.size() < 2) {
-    const std::string& whole = args[0];
-    size_t exe = whole.find(".exe");
-    if (exe == std::string::npos) exe = whole.find(".EXE");
-    if (exe == std::string::npos) return whole;
-    return "\"" + whole.substr(0, exe + 4) + "\" " + whole.substr(exe + 4);
-  }
+  // A lone argument is the program's path (the kernel hands a program its path
+  // alone, never a whole command line), so it is quoted like any other
+  // argument and a path with a blank stays one word.
   std::string line;
   for (const std::string& arg : args) {
     if (has_blank(arg)) {

@@ -12,10 +12,10 @@ namespace px {
 inline constexpr int kOutOfMemory = -603;
 inline constexpr int kIndirectFileFailed = -604;
 
-// One command line from an argument vector. With one argument, that argument
-// is the whole line (a program path ending in ".exe" is put in quotes). With
-// more, each argument is followed by a blank, and one that holds a blank, TAB
-// or line feed is put in double quotes.
+// One command line from an argument vector: each argument is followed by a
+// blank, and one that holds a blank, TAB or line feed is put in double quotes.
+// A lone argument is the program's path and is treated the same way, so a
+// path with a blank stays whole.
 std::string rebuild_command_line(const std::vector<std::string>& args);
 
 // Replaces "@file" words by the text of the file, as long as the first "@" of

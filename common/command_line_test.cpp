@@ -17,12 +17,10 @@ TEST(CommandLine, RebuildAndSplitKeepArguments) {
   EXPECT_EQ(rebuild_command_line({"prog", "a b"}), "prog \"a b\" ");
 }
 
-TEST(CommandLine, SingleArgumentIsWholeLine) {
-  EXPECT_EQ(rebuild_command_line({"C:\\Px Dir\\pxcntrl.exe -aiix"}),
-            "\"C:\\Px Dir\\pxcntrl.exe\"  -aiix");
-  EXPECT_EQ(rebuild_command_line({"prog one two"}), "prog one two");
-  EXPECT_EQ(split_arguments(rebuild_command_line({"C:\\Px Dir\\PXCNTRL.EXE -x"})),
-            (Args{"C:\\Px Dir\\PXCNTRL.EXE", "-x"}));
+TEST(CommandLine, LoneProgramPathStaysWhole) {
+  EXPECT_EQ(round_trip({"/opt/Px Dir/pxctl"}), (Args{"/opt/Px Dir/pxctl"}));
+  EXPECT_EQ(round_trip({"/opt/Px Dir/pxcntrl.exe -x"}), (Args{"/opt/Px Dir/pxcntrl.exe -x"}));
+  EXPECT_EQ(round_trip({"pxctl"}), (Args{"pxctl"}));
 }
 
 TEST(CommandLine, SplitQuoteRules) {

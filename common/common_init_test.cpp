@@ -52,6 +52,13 @@ TEST_F(CommonInitTest, OptionsAreTakenInOrder) {
   EXPECT_EQ(access("answer.rsp", F_OK), -1);  // a stale response is deleted
 }
 
+TEST_F(CommonInitTest, ProgramPathWithBlankAloneStaysOneArgument) {
+  Args args{"/opt/Px Dir/prog"};
+  ASSERT_EQ(common_init(args), 0);
+  EXPECT_EQ(args, (Args{"/opt/Px Dir/prog"}));
+  EXPECT_EQ(messages::program_name(), "prog");
+}
+
 TEST_F(CommonInitTest, OwnWordsAreKeptAsGiven) {
   dir_.write("more.txt", "x \"y z\"");
   Args args{"/opt/my px/prog", "@more.txt", "cmd", "", "it's", "mail @support", "-allown.log"};

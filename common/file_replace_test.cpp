@@ -12,6 +12,7 @@
 
 #include "tests/support/faulty_file_system.h"
 #include "tests/support/test_dir.h"
+#include "tests/support/unprivileged.h"
 
 namespace px {
 namespace {
@@ -143,13 +144,22 @@ TEST_F(FileReplaceTest, BackupThatCannotBeMadeDoesNotStopTheRewrite) {
 
 TEST_F(FileReplaceTest, ADirectoryThatCannotTakeANewFileRefusesTheRewrite) {
   std::string path = dir_.write("f.ini", "old old old");
-  if (geteuid() != 0) {
-    ASSERT_EQ(chmod(dir_.path().c_str(), 0555), 0);
+  // As a user whom the directory's permissions bind (its owner, with the
+  // write bit taken away).
+  TestUser user = unprivileged_user();
+  ASSERT_EQ(chown(dir_.path().c_str(), user.uid, user.gid), 0);
+  ASSERT_EQ(chown(path.c_str(), user.uid, user.gid), 0);
+  ASSERT_EQ(chmod(dir_.path().c_str(), 0555), 0);
+  std::string outcome = run_as(user, [&]() -> std::string {
     FileResult refused = replace_file(path, "new");
-    chmod(dir_.path().c_str(), 0755);
-    EXPECT_EQ(refused.failed, FileStep::kCreate);
-    EXPECT_EQ(refused.error, EACCES);
-  }
+    if (refused.failed != FileStep::kCreate || refused.error != EACCES) {
+      return "step " + std::to_string(static_cast<int>(refused.failed)) + ", error " +
+             std::to_string(refused.error);
+    }
+    return {};
+  });
+  chmod(dir_.path().c_str(), 0755);
+  EXPECT_EQ(outcome, "");
   for (int error : {EACCES, EROFS, ENOSPC, EDQUOT}) {
     FaultyFileSystem files(FaultyFileSystem::kCreate, error);
     FileResult refused = replace_file(path, "new", files);

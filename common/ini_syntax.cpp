@@ -73,22 +73,34 @@ std::string header_line(std::string_view section, const Delimiters& delims) {
   return line;
 }
 
+// A piece without its line end: a line feed, or a carriage return and a line
+// feed (files written elsewhere end their lines with both).
+std::string_view without_line_end(std::string_view piece) {
+  if (piece.empty() || piece.back() != '\n') return piece;
+  piece.remove_suffix(1);
+  if (!piece.empty() && piece.back() == '\r') piece.remove_suffix(1);
+  return piece;
+}
+
 // The name a writer sees in a header piece: after the open character up to the
 // close character or the end of the line.
 std::string_view writer_header_name(std::string_view piece, const Delimiters& delims) {
-  std::string_view rest = piece.substr(1);
-  size_t end = rest.find_first_of(std::string{delims.section_close, '\n'});
-  return end == std::string_view::npos ? rest : rest.substr(0, end);
+  std::string_view rest = without_line_end(piece).substr(1);
+  return rest.substr(0, rest.find(delims.section_close));
 }
 
 // The key a writer sees in an entry piece: the text before the first
-// separator, not trimmed; the whole piece without its line feed when there is
+// separator, not trimmed; the whole piece without its line end when there is
 // no separator.
 std::string_view writer_key(std::string_view piece, const Delimiters& delims) {
-  size_t eq = piece.find(delims.separator);
-  if (eq != std::string_view::npos) return piece.substr(0, eq);
-  if (!piece.empty() && piece.back() == '\n') piece.remove_suffix(1);
-  return piece;
+  piece = without_line_end(piece);
+  return piece.substr(0, piece.find(delims.separator));
+}
+
+// Ends the text's last line, so an appended line does not join a last line
+// that had no line end.
+void end_last_line(std::string& text) {
+  if (!text.empty() && text.back() != '\n') text += '\n';
 }
 
 }  // namespace
@@ -206,8 +218,7 @@ std::string rewrite_text(std::string_view old_text, const IniChange& change,
   out.reserve(old_text.size() + 64);
   const bool has_entry = change.key && change.value;
   bool in_target = false, found = false, done = false;
-  // Blank lines are held back until the next line shows where they go; they
-  // keep their own line ends ("\n" or "\r\n").
+  // Empty lines held back, each with its own line end.
   std::string blanks;
   auto flush_blanks = [&] {
     out += blanks;
@@ -225,7 +236,7 @@ std::string rewrite_text(std::string_view old_text, const IniChange& change,
 
     if (done) {
       out += piece;
-    } else if (piece == "\n" || piece == "\r\n") {
+    } else if (piece.back() == '\n' && without_line_end(piece).empty()) {
       blanks += piece;
     } else if (piece[0] == delims.section_open) {
       if (in_target) {
@@ -254,10 +265,14 @@ std::string rewrite_text(std::string_view old_text, const IniChange& change,
   }
 
   if (!done && in_target) {
-    if (has_entry) out += entry_line(*change.key, *change.value, delims);
+    if (has_entry) {
+      end_last_line(out);
+      out += entry_line(*change.key, *change.value, delims);
+    }
     flush_blanks();
   } else if (!found && has_entry) {
     // A new section goes at the end; blank lines that ended the file go.
+    end_last_line(out);
     out += '\n';
     out += header_line(change.section, delims);
     out += entry_line(*change.key, *change.value, delims);

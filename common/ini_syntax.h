@@ -100,6 +100,10 @@ Unwritable unwritable_part(const IniChange& change, const Delimiters& delims);
 std::string new_file_text(const IniChange& change, const Delimiters& delims);
 
 // The text of an existing file after the change, preserving every other byte.
+// A carriage return before a line feed is part of the line end: a line of
+// only a line end is empty, and a key or header name never includes it. Lines
+// the change leaves keep their own line ends; lines it writes end in a line
+// feed. A last line without a line end gets one before a line is added.
 std::string rewrite_text(std::string_view old_text, const IniChange& change,
                          const Delimiters& delims);
 

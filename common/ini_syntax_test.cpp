@@ -134,12 +134,24 @@ TEST(IniRewrite, LongLinesAreCopiedWhole) {
 
 TEST(IniRewrite, CrLfFilesKeepTheirOtherLines) {
   EXPECT_EQ(rewrite("[A]\r\nk=1\r\nj=2\r\n", "A", "k", "3"), "[A]\r\nk=3\nj=2\r\n");
-  // Blank lines ending in CR LF stay where they were, byte for byte: a new
-  // entry goes ahead of them, and emptying the section keeps them.
-  EXPECT_EQ(rewrite("[A]\r\nk=1\r\n\r\n[B]\r\n", "A", "n", "2"),
-            "[A]\r\nk=1\r\nn=2\n\r\n[B]\r\n");
-  EXPECT_EQ(rewrite("[A]\r\nk=1\r\n\r\n[B]\r\n", "A", std::nullopt, std::nullopt),
+  // A key without a separator is matched without its carriage return, so the
+  // reader sees the value written.
+  std::string set = rewrite("[A]\r\nflag\r\n[B]\r\n", "A", "flag", "on");
+  EXPECT_EQ(set, "[A]\r\nflag=on\n[B]\r\n");
+  EXPECT_EQ(value_of(set, "A", "flag"), "on");
+  EXPECT_EQ(rewrite("[A\r\nk=1\r\n", "A", "k", "2"), "[A\r\nk=2\n");
+  // A line of only a carriage return and a line feed is an empty line: new
+  // entries go ahead of it, and emptying a section keeps it.
+  EXPECT_EQ(rewrite("[A]\r\nx=1\r\n\r\n[B]\r\n", "A", "k", "v"),
+            "[A]\r\nx=1\r\nk=v\n\r\n[B]\r\n");
+  EXPECT_EQ(rewrite("[A]\r\nx=1\r\n\r\n[B]\r\n", "A", std::nullopt, std::nullopt),
             "[A]\r\n\r\n[B]\r\n");
+  EXPECT_EQ(rewrite("[A]\r\nx=1\r\n\r\n", "B", "k", "v"), "[A]\r\nx=1\r\n\n[B]\nk=v\n");
+}
+
+TEST(IniRewrite, LastLineWithoutLineEndIsEndedBeforeAnAddedLine) {
+  EXPECT_EQ(rewrite("[A]\nx=1", "A", "k", "v"), "[A]\nx=1\nk=v\n");
+  EXPECT_EQ(rewrite("[A]\nx=1", "B", "k", "v"), "[A]\nx=1\n\n[B]\nk=v\n");
 }
 
 TEST(IniWritable, OnlyWhatReadsBackIsWritten) {

@@ -32,7 +32,9 @@ CachedMessage parse_message(int n, std::string text) {
     size_t close = text.find(']');
     if (close != std::string::npos) body = close + 1;
   }
-  if (n == -400 && std::string_view(text).substr(body).starts_with("30 ** Message Msg")) {
+  // The trace-text message stands in for its text when the catalogue lacks
+  // it, whether it is asked for as -400 or as 400.
+  if ((n == -400 || n == 400) && std::string_view(text).substr(body).starts_with("30 ** Message Msg")) {
     text.replace(body, std::string::npos, "-10 @P1.");
   }
   CachedMessage message;

@@ -62,6 +62,8 @@ TEST_F(MessagesTest, MissingMessagesGetPlaceholders) {
   set_message_arguments({"the detail"});
   EXPECT_EQ(messages::show(-400), "[-400]the detail");
   EXPECT_EQ(messages::current_level(), -10);
+  EXPECT_EQ(messages::show(400), "[400]the detail");
+  EXPECT_EQ(messages::current_level(), -10);
 }
 
 TEST_F(MessagesTest, CacheKeepsTextUntilReset) {

@@ -16,6 +16,7 @@
 #include "jmd/jmd_writer.h"
 #include "tests/support/faulty_file_system.h"
 #include "tests/support/test_dir.h"
+#include "tests/support/unprivileged.h"
 
 namespace px {
 namespace {
@@ -254,13 +255,20 @@ TEST_F(JmdServiceTest, BackupThatCannotBeMadeDoesNotStopTheSave) {
 
 TEST_F(JmdServiceTest, SaveIntoADirectoryThatCannotTakeFilesFails) {
   ASSERT_NE(service_.open(op_), nullptr);
-  if (::geteuid() != 0) {  // the superuser writes into read-only directories
-    ::chmod(dir_.file("data").c_str(), 0555);
-    EXPECT_FALSE(service_.save(op_));
-    ::chmod(dir_.file("data").c_str(), 0755);
-    EXPECT_EQ(dir_.read("data/jobs.jmd"), kOldJmd);
-    EXPECT_EQ(files_in("data"), (std::set<std::string>{"jobs.jmd"}));
+  // As a user whom the directory's permissions bind: its owner, with the
+  // write bit taken away.
+  TestUser user = unprivileged_user();
+  for (const std::string& path : {dir_.path(), dir_.file("data"), jmd_}) {
+    ASSERT_EQ(::chown(path.c_str(), user.uid, user.gid), 0) << path;
   }
+  ::chmod(dir_.file("data").c_str(), 0555);
+  std::string outcome = run_as(user, [&]() -> std::string {
+    return service_.save(op_) ? "saved into a read-only directory" : "";
+  });
+  ::chmod(dir_.file("data").c_str(), 0755);
+  EXPECT_EQ(outcome, "");
+  EXPECT_EQ(dir_.read("data/jobs.jmd"), kOldJmd);
+  EXPECT_EQ(files_in("data"), (std::set<std::string>{"jobs.jmd"}));
   // The directory gone since the JMD was loaded.
   std::filesystem::rename(dir_.file("data"), dir_.file("moved"));
   op_.clear();

@@ -14,6 +14,7 @@
 #include "common/readable_file.h"
 #include "jmd/engine/report.h"
 #include "jmd/jmd_reader.h"
+#include "jmd/table_leftovers.h"
 
 namespace px::jmd {
 
@@ -102,6 +103,7 @@ std::unique_ptr<Jmd> load_jmd(const std::string& path, Reporter& reporter) {
     return nullptr;
   }
   remove_stale_temporaries(path);
+  remove_orphaned_table_files(temp_directory());
   if (!open_tables(*jmd, reporter)) return nullptr;
   reporter.trace("jmd.c: database initialized successfully");
 

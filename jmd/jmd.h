@@ -50,7 +50,8 @@ std::span<const engine::ColumnDef> column_definitions(int slot);
 // A value cut to its field is reported with kMsgValueCut and the load goes
 // on. Traces "jmd.c: database initialized successfully" once the tables are
 // open. Temporary files beside path left by saves of processes that have
-// ended (common/file_replace.h) are removed first.
+// ended (common/file_replace.h) and table files in the temporary directory
+// left by killed processes (table_leftovers.h) are removed first.
 std::unique_ptr<Jmd> load_jmd(const std::string& path, Reporter& reporter);
 
 // A name for a new table in the temporary directory: "PXX" (or the prefix's

@@ -13,6 +13,7 @@ void LogReporter::message(int n, const std::vector<std::string>& args) {
 void LogReporter::trace(std::string_view text) {
   set_message_arguments({std::string(text)});
   messages::show(kMsgTrace);
+  messages::trace(text);
 }
 
 }  // namespace px::jmd

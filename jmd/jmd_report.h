@@ -26,7 +26,8 @@ class Reporter {
   virtual void trace(std::string_view text) = 0;
 };
 
-// Logs both through the message facility and shows nothing.
+// Logs both through the message facility and shows nothing; trace texts also
+// go to the trace file, when one is set.
 class LogReporter : public Reporter {
  public:
   void message(int n, const std::vector<std::string>& args) override;

@@ -1,12 +1,15 @@
 #include "jmd/jmd.h"
 
 #include <gtest/gtest.h>
+#include <fcntl.h>
 #include <stdlib.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <filesystem>
 
 #include "common/ini_profile.h"
+#include "common/messages.h"
 #include "jmd/engine/btree.h"
 #include "jmd/jmd_writer.h"
 #include "jmd/recording_reporter.h"
@@ -215,6 +218,28 @@ TEST_F(JmdTest, ADirectoryCannotBeOpenedAsAJmd) {
     return t.rfind("Open of jmd failed in jmd.c: errno ", 0) == 0;
   }));
   EXPECT_EQ(table_files(), 0u);
+}
+
+TEST_F(JmdTest, LoadRemovesTableFilesOfEndedProcesses) {
+  std::string left = tables_ + "/PXX1A2B.i01";
+  dir_.write("tables/PXX1A2B.i01", "");
+  struct timespec times[2] = {{::time(nullptr) - 3600, 0}, {::time(nullptr) - 3600, 0}};
+  ASSERT_EQ(::utimensat(AT_FDCWD, left.c_str(), times, 0), 0);
+  std::unique_ptr<Jmd> jmd = load(kHead);
+  ASSERT_TRUE(jmd);
+  EXPECT_FALSE(std::filesystem::exists(left));
+  EXPECT_TRUE(close_jmd(std::move(jmd)));
+}
+
+TEST_F(JmdTest, TraceTextsGoToTheTraceFile) {
+  messages::reset();
+  messages::set_trace_file(dir_.file("trace.txt"));
+  LogReporter log;
+  EXPECT_FALSE(load_jmd(dir_.file("none.jmd"), log));
+  std::string trace = dir_.read("trace.txt");
+  messages::reset();
+  EXPECT_NE(trace.find(": jmd.c: database initialized successfully\n"), std::string::npos) << trace;
+  EXPECT_NE(trace.find(": Open of jmd failed in jmd.c: errno 2\n"), std::string::npos) << trace;
 }
 
 TEST_F(JmdTest, MissingFileBadHeaderAndCutValues) {

@@ -27,6 +27,7 @@ void report_text(std::string_view text) {
     return;
   }
   report_message(kMsgTraceText, {std::string(text)});
+  messages::trace(text);
 }
 
 ReportRoute::ReportRoute(ReportSink& sink) : previous_(g_sink) { g_sink = &sink; }

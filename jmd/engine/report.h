@@ -17,7 +17,8 @@ inline constexpr int kMsgOutOfMemory = -385;
 
 // Shows message n with @P1, @P2, ... set to args.
 void report_message(int n, const std::vector<std::string>& args);
-// Shows text as message -400.
+// Shows text as message -400 and appends it to the trace file, when one is
+// set.
 void report_text(std::string_view text);
 
 // Where reports go while a ReportRoute is in place.

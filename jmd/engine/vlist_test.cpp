@@ -86,6 +86,7 @@ TEST(VListGeometry, FileLayoutOfHeaderAndRecords) {
 TEST(VListAccess, ReadBeyondEndFailsAndWriteBeyondEndGrows) {
   TestDir dir;
   MessageCapture log(dir);
+  messages::set_trace_file(dir.file("trace.txt"));
   std::string path = dir.file("seven.vl");
   auto list = VList::open(path, 328, kVListCreate, 4);
   ASSERT_TRUE(list);
@@ -94,6 +95,9 @@ TEST(VListAccess, ReadBeyondEndFailsAndWriteBeyondEndGrows) {
   EXPECT_FALSE(list->get(7, out));
   EXPECT_EQ(vlist_last_error(), kVListErrorBeyondEnd);
   EXPECT_TRUE(log.contains("[-400]VLGet failed - Name '" + path + "' RecNum 7\n")) << log.text();
+  // The trace text also goes to the trace file.
+  EXPECT_NE(dir.read("trace.txt").find(": VLGet failed - Name '" + path + "' RecNum 7\n"),
+            std::string::npos);
   EXPECT_FALSE(list->get(-1, out));
   EXPECT_EQ(vlist_last_error(), kVListErrorBadRecordSize);
 
