@@ -4,10 +4,12 @@
 
 #include <cstdio>
 
+#include "common/common_init.h"
 #include "common/ini_profile.h"
 #include "common/messages.h"
 #include "config/instances.h"
 #include "config/jmd_service.h"
+#include "config/operator_action.h"
 #include "config/recording_operator.h"
 #include "jmd/editors/editor_messages.h"
 #include "jmd/editors/editor_test_support.h"
@@ -308,6 +310,62 @@ TEST_F(JmdWindowsTest, ClosingEveryWindowLeavesNoneOpen) {
   windows().close_all();
   EXPECT_EQ(tk.open_windows().size(), 1u);  // the task window
   EXPECT_FALSE(windows().edit_command(tk::kCmdCopy));
+}
+
+// The windows of a console started read-only (-aro).
+class ReadOnlyJmdWindowsTest : public JmdWindowsTest {
+ protected:
+  void SetUp() override {
+    std::vector<std::string> args{"pxcntrl", "-aro"};
+    ASSERT_EQ(common_init(args), 0);
+    JmdWindowsTest::SetUp();
+  }
+  void TearDown() override {
+    std::vector<std::string> args{"pxcntrl"};
+    common_init(args);  // forgets -aro
+    JmdWindowsTest::TearDown();
+  }
+  void expect_off_with_reason(tk::Window window, std::vector<int> ids) {
+    for (int id : ids) {
+      EXPECT_FALSE(window.control(id).enabled()) << id;
+      EXPECT_EQ(window.control(id).tip(), read_only_reason()) << id;
+    }
+  }
+};
+
+TEST_F(ReadOnlyJmdWindowsTest, ChangingButtonsAreOffWithTheReasonAndLookingWorks) {
+  ASSERT_TRUE(read_only_mode());
+  use_jmd(kSmallJmd);
+  tk::Window names = open(ListKind::kJobNames);
+  tk.click_row(names, tk::kJmdList, 1);
+  expect_off_with_reason(names, {tk::kJmdNew, tk::kJmdDelete});
+  EXPECT_TRUE(names.control(tk::kJmdEdit).enabled());
+  for (int item : {tk::kCmdCut, tk::kCmdPaste, tk::kCmdDelete}) {
+    EXPECT_FALSE(tk.task_window().menu_enabled(item)) << item;
+    EXPECT_EQ(tk.task_window().menu_tip(item), read_only_reason()) << item;
+  }
+  EXPECT_TRUE(tk.task_window().menu_enabled(tk::kCmdCopy));
+  // The Edit menu's Delete, reached all the same, changes nothing.
+  EXPECT_TRUE(windows().edit_command(tk::kCmdDelete));
+  EXPECT_EQ(rows(names).size(), 2u);
+
+  // Edit on a job name opens its steps to look at.
+  ASSERT_TRUE(tk.double_click_row(names, tk::kJmdList, 1));
+  tk::Window job = windows().window(ListKind::kSteps);
+  ASSERT_TRUE(job.exists());
+  EXPECT_EQ(rows(job).size(), 3u);
+  expect_off_with_reason(job, {tk::kJmdNew, tk::kJmdDelete, tk::kJmdEdit, tk::kJobStepUp,
+                               tk::kJobStepDown});
+  // A double click on a step opens no dialog (none is scripted).
+  tk.activate(job);
+  tk.double_click_row(job, tk::kJmdList, 0);
+  ASSERT_TRUE(tk.click(job, tk::kJmdClose));
+
+  tk::Window printers_list = open(ListKind::kPrinters);
+  tk.click_row(printers_list, tk::kJmdList, 0);
+  expect_off_with_reason(printers_list, {tk::kJmdNew, tk::kJmdDelete, tk::kJmdEdit});
+  EXPECT_FALSE(jmd_service().modified());
+  EXPECT_TRUE(op.numbers().empty());
 }
 
 }  // namespace

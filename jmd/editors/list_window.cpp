@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "config/operator_action.h"
 #include "jmd/editors/editor_messages.h"
 #include "jmd/editors/references.h"
 #include "jmd/editors/row_dialog.h"
@@ -109,6 +110,17 @@ void ListWindow::update_controls() {
   window_.control(tk::kJmdDelete).set_enabled(selected > 0);
   bool one = kind() == ListKind::kSteps ? selected > 0 : selected == 1;
   owner_.update_edit_menu(one, selected > 0, kind());
+  if (!read_only_mode()) return;
+  // Only looking: the buttons that would change the JMD say why they are
+  // off. Edit on the job names only opens the job's window.
+  std::string reason = read_only_reason();
+  std::vector<int> changing = {tk::kJmdNew, tk::kJmdDelete};
+  if (kind() != ListKind::kJobNames) changing.push_back(tk::kJmdEdit);
+  if (kind() == ListKind::kSteps) changing.insert(changing.end(), {tk::kJobStepUp, tk::kJobStepDown});
+  for (int id : changing) {
+    window_.control(id).set_enabled(false);
+    window_.control(id).set_tip(reason);
+  }
 }
 
 void ListWindow::paint() {
@@ -129,6 +141,7 @@ void ListWindow::paint() {
 void ListWindow::edit_selected() {
   std::vector<int> lines = selected_lines();
   if (lines.size() != 1) return;
+  if (kind() != ListKind::kJobNames && read_only_mode()) return;
   long row = list_.page()[static_cast<size_t>(lines.front())];
   JmdEditor& editor = owner_.editor();
   if (kind() == ListKind::kJobNames) {
@@ -159,6 +172,7 @@ void ListWindow::edit_selected() {
 }
 
 void ListWindow::new_row() {
+  if (read_only_mode()) return;
   JmdEditor& editor = owner_.editor();
   if (kind() == ListKind::kJobNames) {
     std::optional<std::string> name = run_job_name_dialog(
@@ -188,7 +202,7 @@ void ListWindow::new_row() {
 
 void ListWindow::delete_selected(bool ask) {
   std::vector<long> rows = selected_rows();
-  if (rows.empty()) return;
+  if (rows.empty() || read_only_mode()) return;
   JmdEditor& editor = owner_.editor();
   if (ask && editor.op().ask(msg::kDeleteQuestion, {}, {msg::kDeleteButton, msg::kCancelButton}) !=
                  kDeleteAnswer) {
@@ -211,7 +225,7 @@ void ListWindow::select_steps(long first_index, long count) {
 
 void ListWindow::move(bool up) {
   std::vector<int> lines = selected_lines();
-  if (lines.empty()) return;
+  if (lines.empty() || read_only_mode()) return;
   size_t first = static_cast<size_t>(lines.front());
   size_t last = static_cast<size_t>(lines.back());
   std::vector<long> page(list_.page().begin(), list_.page().end());
@@ -224,11 +238,13 @@ void ListWindow::move(bool up) {
 void ListWindow::cut_or_copy(bool cut) {
   std::vector<long> rows = selected_rows();
   if (rows.empty() || (kind() != ListKind::kSteps && rows.size() != 1)) return;
+  if (cut && read_only_mode()) return;
   if (owner_.editor().copy(kind(), rows, cut) && cut) refill();
   update_controls();
 }
 
 void ListWindow::paste() {
+  if (read_only_mode()) return;
   JmdEditor& editor = owner_.editor();
   if (kind() == ListKind::kJobNames) {
     if (!editor.can_paste(kind())) {
