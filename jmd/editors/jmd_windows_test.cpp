@@ -28,7 +28,10 @@ class JmdWindowsTest : public ::testing::Test {
     tk.set_failure_handler([this](const std::string& what) { failures.push_back(what); });
     ini::set_file(PX_SOURCE_DIR "/demo/pxcntrl.ini");
     messages::reset();
-    tk.run_application({1000, [](const tk::Event&) {}});
+    // The task window passes the Edit menu's commands on, as the shell does.
+    tk.run_application({1000, [this](const tk::Event& e) {
+                          if (e.type == tk::EventType::kCommand) windows().edit_command(e.command);
+                        }});
     windows().attach(tk, op);
   }
   void TearDown() override {
@@ -271,6 +274,55 @@ TEST_F(JmdWindowsTest, AJobCopiedAndPastedOpensUnderItsNewName) {
   EXPECT_EQ(job.title(), message_label(msg::kNewJobTitle, {"COPY"}));
   EXPECT_EQ(rows(job).size(), 3u);
   EXPECT_EQ(rows(names).size(), 3u);
+}
+
+// Every edit of a list without the mouse: Insert for New, Enter for Edit,
+// the Edit menu's accelerators for Delete, cut, copy and paste.
+TEST_F(JmdWindowsTest, EveryEditWorksFromTheKeyboard) {
+  use_jmd(kSmallJmd);
+  tk::Window list = open(ListKind::kPrinters);
+  tk.on_dialog(tk::kPrinterDialog, [&](tk::Window dialog) {
+    tk.type(dialog, tk::kPrinterName, "LASER3");
+    tk.press_enter(dialog);
+  });
+  ASSERT_TRUE(tk.press_key(list, tk::kJmdList, tk::Key::kInsert));
+  ASSERT_EQ(rows(list).size(), 3u);
+  EXPECT_EQ(rows(list)[2].substr(0, 6), "LASER3");
+
+  tk.click_row(list, tk::kJmdList, 2);
+  tk.on_dialog(tk::kPrinterDialog, [&](tk::Window dialog) {
+    EXPECT_EQ(dialog.control(tk::kPrinterName).text(), "LASER3");
+    tk.press_escape(dialog);
+  });
+  ASSERT_TRUE(tk.press_key(list, tk::kJmdList, tk::Key::kEnter));
+
+  ASSERT_TRUE(tk.press_accelerator(tk.task_window(), "Ctrl+X"));
+  EXPECT_EQ(rows(list).size(), 2u);
+  tk.on_dialog(tk::kPrinterDialog, [&](tk::Window dialog) {
+    EXPECT_EQ(dialog.control(tk::kPrinterName).text(), "LASER3");
+    tk.press_enter(dialog);
+  });
+  ASSERT_TRUE(tk.press_accelerator(tk.task_window(), "Ctrl+V"));
+  ASSERT_EQ(rows(list).size(), 3u);
+
+  tk.click_row(list, tk::kJmdList, 0);
+  ASSERT_TRUE(tk.press_accelerator(tk.task_window(), "Ctrl+C"));
+  op.answer_next(0);  // Delete
+  ASSERT_TRUE(tk.press_accelerator(tk.task_window(), "Del"));
+  EXPECT_EQ(rows(list).size(), 2u);
+  EXPECT_EQ(rows(list)[0].substr(0, 6), "LASER2");
+  EXPECT_EQ(op.numbers(), std::vector<int>{msg::kDeleteQuestion});
+
+  // In the job window Insert puts the new step before the selected one.
+  windows().open_job("INVOICE", false);
+  tk::Window job = windows().window(ListKind::kSteps);
+  tk.activate(job);
+  tk.on_dialog(tk::kJobStepDialog, [&](tk::Window dialog) {
+    tk.type(dialog, tk::kStepFormFile, "first.mdf");
+    tk.click(dialog, tk::kOk);
+  });
+  ASSERT_TRUE(tk.press_key(job, tk::kJmdList, tk::Key::kInsert));
+  EXPECT_EQ(rows(job)[0].substr(10, 9), "first.mdf");
 }
 
 TEST_F(JmdWindowsTest, APrinterOnTheClipboardDoesNotPasteIntoTasks) {

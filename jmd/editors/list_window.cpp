@@ -316,8 +316,12 @@ void ListWindow::handle(const tk::Event& e) {
         break;
       }
       if (e.control == tk::kJmdList) {
-        if (e.double_click()) {
+        // Enter edits as a double click does, Insert makes a new row as New
+        // does; Delete and Ctrl+X/C/V are the Edit menu's accelerators.
+        if (e.double_click() || (e.notice == tk::Notice::kKey && e.key == tk::Key::kEnter)) {
           edit_selected();
+        } else if (e.notice == tk::Notice::kKey && e.key == tk::Key::kInsert) {
+          new_row();
         } else if (e.notice == tk::Notice::kSelectionChanged) {
           update_controls();
         }
