@@ -239,6 +239,27 @@ TEST_F(JmdWindowsTest, StepsNamingAMissingPrinterAreMarked) {
   EXPECT_EQ(steps[1], "PXMERGE   inv2.mdf             LASER2    !");
 }
 
+TEST_F(JmdWindowsTest, JobsWithAStepNamingAMissingPrinterAreMarked) {
+  use_jmd(kSmallJmd);
+  tk::Window names = open(ListKind::kJobNames);
+  const std::string cheque = "CHEQUE" + std::string(45, ' ');
+  const std::string invoice = "INVOICE" + std::string(44, ' ');
+  EXPECT_EQ(rows(names), (std::vector<std::string>{cheque, invoice}));
+  // LASER1 is named by INVOICE's first step only; the open list follows.
+  tk::Window printers_list = open(ListKind::kPrinters);
+  tk.click_row(printers_list, tk::kJmdList, 0);
+  op.answer_next(0);
+  ASSERT_TRUE(tk.click(printers_list, tk::kJmdDelete));
+  EXPECT_EQ(rows(names), (std::vector<std::string>{cheque, invoice + " !"}));
+  // LASER2, which both jobs name, cut and pasted back: marked, then not.
+  tk.on_dialog(tk::kPrinterDialog, [&](tk::Window dialog) { tk.click(dialog, tk::kOk); });
+  tk.click_row(printers_list, tk::kJmdList, 0);
+  ASSERT_TRUE(windows().edit_command(tk::kCmdCut));
+  EXPECT_EQ(rows(names), (std::vector<std::string>{cheque + " !", invoice + " !"}));
+  ASSERT_TRUE(windows().edit_command(tk::kCmdPaste));
+  EXPECT_EQ(rows(names), (std::vector<std::string>{cheque, invoice + " !"}));
+}
+
 TEST_F(JmdWindowsTest, DeletingAsksFirst) {
   use_jmd(kSmallJmd);
   tk::Window names = open(ListKind::kJobNames);

@@ -67,9 +67,16 @@ void ListWindow::fill() {
     std::vector<std::string> page = list_.page_lines(*rows);
     Record step = blank_record(jmd::kJobTable);
     for (size_t i = 0; i < page.size(); ++i) {
-      // A step naming a printer or task that is not there is marked.
-      bool marked = kind() == ListKind::kSteps && read_row(*rows, list_.page()[i], step) &&
-                    names_missing_row(owner_.editor(), step);
+      // A step naming a printer or task that is not there is marked, and so
+      // is a job with such a step.
+      bool marked = false;
+      if (kind() == ListKind::kSteps || kind() == ListKind::kJobNames) {
+        marked = read_row(*rows, list_.page()[i], step) &&
+                 (kind() == ListKind::kSteps
+                      ? names_missing_row(owner_.editor(), step)
+                      : job_names_missing(owner_.editor(),
+                                          get_text(jmd::kJobTable, step, "FormName")));
+      }
       lines.add(marked ? page[i] + kMissingMark : page[i]);
     }
   }
@@ -194,6 +201,7 @@ void ListWindow::new_row() {
       owner_.toolkit(), editor, request, [this](ListKind added) { owner_.refresh(added); });
   if (!stored) return;
   refill();
+  references_changed();
   if (kind() == ListKind::kSteps) {
     auto at = std::find(list_.rows().begin(), list_.rows().end(), stored->row);
     if (at != list_.rows().end()) select_steps(at - list_.rows().begin(), 1);
@@ -210,6 +218,13 @@ void ListWindow::delete_selected(bool ask) {
   }
   editor.delete_rows(kind(), rows);
   refill();
+  references_changed();
+}
+
+void ListWindow::references_changed() {
+  if (kind() != ListKind::kPrinters && kind() != ListKind::kTasks) return;
+  owner_.refresh(ListKind::kJobNames);
+  owner_.refresh(ListKind::kSteps);
 }
 
 void ListWindow::select_steps(long first_index, long count) {
@@ -239,7 +254,10 @@ void ListWindow::cut_or_copy(bool cut) {
   std::vector<long> rows = selected_rows();
   if (rows.empty() || (kind() != ListKind::kSteps && rows.size() != 1)) return;
   if (cut && read_only_mode()) return;
-  if (owner_.editor().copy(kind(), rows, cut) && cut) refill();
+  if (owner_.editor().copy(kind(), rows, cut) && cut) {
+    refill();
+    references_changed();
+  }
   update_controls();
 }
 
@@ -276,6 +294,7 @@ void ListWindow::paste() {
   if (run_row_dialog(owner_.toolkit(), editor, RowRequest{*form, 0, {}, std::nullopt},
                      [this](ListKind added) { owner_.refresh(added); })) {
     refill();
+    references_changed();
   }
 }
 

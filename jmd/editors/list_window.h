@@ -45,6 +45,9 @@ class ListWindow {
   void new_row();
   void move(bool up);
   void select_steps(long first_index, long count);
+  // After a printer or task came or went: the marks of the job names and
+  // steps are made again.
+  void references_changed();
 
   JmdWindows& owner_;
   RowList list_;
