@@ -200,6 +200,7 @@ TEST_F(JmdWindowsTest, AJobOpensItsStepsAndNewStepsGoBeforeTheSelectedOne) {
   EXPECT_EQ(job.control(tk::kJobNameField).text(), "INVOICE");
   EXPECT_EQ(rows(job).size(), 3u);  // two steps and the empty row
   EXPECT_EQ(rows(job).back(), "");
+  EXPECT_EQ(job.control(tk::kJmdCount).text(), "1-2 of 2");
   EXPECT_EQ(tk.paint(job).size(), 3u);
 
   tk.activate(job);
@@ -215,6 +216,7 @@ TEST_F(JmdWindowsTest, AJobOpensItsStepsAndNewStepsGoBeforeTheSelectedOne) {
   ASSERT_EQ(steps.size(), 4u);
   EXPECT_EQ(steps[1].substr(10, 7), "mid.mdf");
   EXPECT_EQ(job.control(tk::kJmdList).selected_rows(), std::vector<int>{1});
+  EXPECT_EQ(job.control(tk::kJmdCount).text(), "1-3 of 3");
   ASSERT_TRUE(tk.click(job, tk::kJobStepDown));
   EXPECT_EQ(rows(job)[2].substr(10, 7), "mid.mdf");
   EXPECT_EQ(job.control(tk::kJmdList).selected_rows(), std::vector<int>{2});

@@ -86,10 +86,9 @@ void ListWindow::fill() {
   window_.control(tk::kJmdNext).set_visible(list_.paged());
   window_.control(tk::kJmdPrevious).set_enabled(list_.has_previous());
   window_.control(tk::kJmdNext).set_enabled(list_.has_next());
-  if (kind() != ListKind::kSteps) {
-    window_.control(tk::kJmdCount).set_text(count_text(list_.page_first(), list_.shown(),
-                                                      list_.total()));
-  } else {
+  window_.control(tk::kJmdCount).set_text(count_text(list_.page_first(), list_.shown(),
+                                                    list_.total()));
+  if (kind() == ListKind::kSteps) {
     window_.control(tk::kJobStepUp).set_enabled(list_.total() >= 2);
     window_.control(tk::kJobStepDown).set_enabled(list_.total() >= 2);
   }

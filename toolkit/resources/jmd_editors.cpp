@@ -36,10 +36,12 @@ constexpr ControlDef kJmdListControls[] = {
 constexpr WindowDef kJmdListDef{kJmdListWindow, WindowKind::kDocument, "Job Management Database",
                                 {360, 230}, kJmdListControls};
 
-// One job's steps, several of which can be selected to move, cut or delete.
+// One job's steps, several of which can be selected to move, cut or delete;
+// below the list, which steps of how many are shown.
 constexpr ControlDef kJobControls[] = {
     {kJobNameField, K::kEdit, "", {7, 15, 150, 12}, kNoStyle, 51},
-    {kJmdList, K::kListBox, "", {7, 53, 232, 190}, kMultiSelect | kFixedFont},
+    {kJmdList, K::kListBox, "", {7, 53, 232, 176}, kMultiSelect | kFixedFont},
+    {kJmdCount, K::kStatic, "", {7, 232, 232, 10}},
     {kJmdEdit, K::kButton, "&Edit Step...", {246, 53, 59, 14}},
     {kJmdNew, K::kButton, "&New Step...", {246, 71, 59, 14}},
     {kJmdDelete, K::kButton, "&Delete Step", {246, 89, 59, 14}},
