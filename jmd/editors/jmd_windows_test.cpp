@@ -228,6 +228,33 @@ TEST_F(JmdWindowsTest, AJobOpensItsStepsAndNewStepsGoBeforeTheSelectedOne) {
   EXPECT_TRUE(names.enabled());
 }
 
+TEST_F(JmdWindowsTest, TheJobWindowsFilterNarrowsTheStepsAndPlacesNone) {
+  use_jmd(kSmallJmd);
+  windows().open_job("INVOICE", false);
+  tk::Window job = windows().window(ListKind::kSteps);
+  tk.activate(job);
+  ASSERT_TRUE(tk.type(job, tk::kJmdFilter, "LASER2"));
+  EXPECT_EQ(rows(job), std::vector<std::string>{"PXMERGE   inv2.mdf             LASER2   "});
+  EXPECT_EQ(job.control(tk::kJmdCount).text(), "1-1 of 1");
+  tk.click_row(job, tk::kJmdList, 0);
+  for (int id : {tk::kJmdNew, tk::kJobStepUp, tk::kJobStepDown}) {
+    EXPECT_FALSE(job.control(id).enabled()) << id;
+  }
+  EXPECT_TRUE(job.control(tk::kJmdEdit).enabled());
+  ASSERT_TRUE(windows().edit_command(tk::kCmdCopy));
+  EXPECT_FALSE(tk.task_window().menu_enabled(tk::kCmdPaste));
+  // Insert places nothing either (no dialog is scripted).
+  ASSERT_TRUE(tk.press_key(job, tk::kJmdList, tk::Key::kInsert));
+  op.answer_next(0);
+  ASSERT_TRUE(tk.click(job, tk::kJmdDelete));
+  EXPECT_EQ(job.control(tk::kJmdCount).text(), "0 of 0");
+
+  ASSERT_TRUE(tk.replace_text(job, tk::kJmdFilter, ""));
+  EXPECT_EQ(rows(job).size(), 2u);  // the step left and the empty row
+  EXPECT_TRUE(job.control(tk::kJmdNew).enabled());
+  EXPECT_TRUE(tk.task_window().menu_enabled(tk::kCmdPaste));
+}
+
 TEST_F(JmdWindowsTest, StepsNamingAMissingPrinterAreMarked) {
   use_jmd(kSmallJmd);
   tk::Window printers_list = open(ListKind::kPrinters);

@@ -116,6 +116,13 @@ void ListWindow::update_controls() {
   window_.control(tk::kJmdDelete).set_enabled(selected > 0);
   bool one = kind() == ListKind::kSteps ? selected > 0 : selected == 1;
   owner_.update_edit_menu(one, selected > 0, kind());
+  // Filtered steps are not all there: nothing is placed among them.
+  window_.control(tk::kJmdNew).set_enabled(!placing_off());
+  if (placing_off()) {
+    window_.control(tk::kJobStepUp).set_enabled(false);
+    window_.control(tk::kJobStepDown).set_enabled(false);
+    owner_.toolkit().task_window().set_menu_enabled(tk::kCmdPaste, false);
+  }
   if (!read_only_mode()) return;
   // Only looking: the buttons that would change the JMD say why they are
   // off. Edit on the job names only opens the job's window.
@@ -178,7 +185,7 @@ void ListWindow::edit_selected() {
 }
 
 void ListWindow::new_row() {
-  if (read_only_mode()) return;
+  if (read_only_mode() || placing_off()) return;
   JmdEditor& editor = owner_.editor();
   if (kind() == ListKind::kJobNames) {
     std::optional<std::string> name = run_job_name_dialog(
@@ -220,6 +227,10 @@ void ListWindow::delete_selected(bool ask) {
   references_changed();
 }
 
+bool ListWindow::placing_off() const {
+  return kind() == ListKind::kSteps && !list_.filter().empty();
+}
+
 void ListWindow::references_changed() {
   if (kind() != ListKind::kPrinters && kind() != ListKind::kTasks) return;
   owner_.refresh(ListKind::kJobNames);
@@ -239,7 +250,7 @@ void ListWindow::select_steps(long first_index, long count) {
 
 void ListWindow::move(bool up) {
   std::vector<int> lines = selected_lines();
-  if (lines.empty() || read_only_mode()) return;
+  if (lines.empty() || read_only_mode() || placing_off()) return;
   size_t first = static_cast<size_t>(lines.front());
   size_t last = static_cast<size_t>(lines.back());
   std::vector<long> page(list_.page().begin(), list_.page().end());
@@ -261,7 +272,7 @@ void ListWindow::cut_or_copy(bool cut) {
 }
 
 void ListWindow::paste() {
-  if (read_only_mode()) return;
+  if (read_only_mode() || placing_off()) return;
   JmdEditor& editor = owner_.editor();
   if (kind() == ListKind::kJobNames) {
     if (!editor.can_paste(kind())) {

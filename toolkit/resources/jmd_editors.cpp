@@ -37,7 +37,8 @@ constexpr WindowDef kJmdListDef{kJmdListWindow, WindowKind::kDocument, "Job Mana
                                 {360, 230}, kJmdListControls};
 
 // One job's steps, several of which can be selected to move, cut or delete;
-// below the list, which steps of how many are shown.
+// below the list, which steps of how many are shown. The filter narrows the
+// steps to those holding its text.
 constexpr ControlDef kJobControls[] = {
     {kJobNameField, K::kEdit, "", {7, 15, 150, 12}, kNoStyle, 51},
     {kJmdList, K::kListBox, "", {7, 53, 232, 176}, kMultiSelect | kFixedFont},
@@ -49,6 +50,8 @@ constexpr ControlDef kJobControls[] = {
     {kJobStepDown, K::kButton, "Do&wn", {246, 131, 59, 14}},
     {kJmdPrevious, K::kButton, "&Previous", {246, 155, 59, 14}, kHidden},
     {kJmdNext, K::kButton, "Ne&xt", {246, 173, 59, 14}, kHidden},
+    {kNoId, K::kStatic, "&Filter:", {246, 195, 59, 8}},
+    {kJmdFilter, K::kEdit, "", {246, 205, 59, 12}},
     {kJmdClose, K::kButton, "&Close", {246, 229, 59, 14}},
 };
 constexpr WindowDef kJob{kJobWindow, WindowKind::kDocument, "Job", {312, 250}, kJobControls};
