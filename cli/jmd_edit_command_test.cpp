@@ -1,6 +1,10 @@
 // Runs the pxctl jmd editing commands on real files.
 #include <gtest/gtest.h>
 
+#include <sstream>
+#include <string>
+#include <vector>
+
 #include "cli/pxctl_test_fixture.h"
 
 namespace px {
@@ -30,7 +34,10 @@ class PxctlJmdEditTest : public PxctlFixture {
                       "Msg1502=30 job @P1 exists\n"
                       "Msg1503=30 no step @P1 of @P2 (@P3 steps)\n"
                       "Msg1507=20 step @P2 of @P1 lacks printer @P3\n"
-                      "Msg1508=20 step @P2 of @P1 lacks task @P3\n");
+                      "Msg1508=20 step @P2 of @P1 lacks task @P3\n"
+                      "Msg1700=30 read-only: @P1\n"
+                      "[Options]\n"
+                      "AuditLog=" + dir_.file("audit.log") + "\n");
     jmd_ = dir_.write("jobs.jmd", kJmd);
   }
   // Runs pxctl jmd with the words after FILE.
@@ -134,6 +141,49 @@ TEST_F(PxctlJmdEditTest, CheckWarnsOfStepsNamingWhatIsNotThere) {
             "[1507]step 1 of CHEQUE lacks printer LASER2\n"
             "[1507]step 2 of INVOICE lacks printer LASER2\n"
             "[1508]step 3 of INVOICE lacks task NOTASK\n");
+}
+
+// Every editing command is an operator action: refused in read-only mode
+// with the file left as it was, and recorded in the audit log.
+TEST_F(PxctlJmdEditTest, EditsAreOperatorActions) {
+  const std::vector<std::pair<std::string, std::vector<std::string>>> edits = {
+      {"add", {"printers", "PrinterName=P9"}},
+      {"edit", {"printers", "LASER1", "Priority=7"}},
+      {"delete", {"tasks", "PXMERGE"}},
+      {"new-job", {"EMPTY"}},
+      {"add-step", {"INVOICE", "MDFName=x.mdf"}},
+      {"edit-step", {"INVOICE", "1", "MacroNum=3"}},
+      {"delete-step", {"INVOICE", "2"}},
+      {"move-step", {"INVOICE", "1", "1", "down"}},
+      {"copy-job", {"INVOICE", "COPY"}},
+  };
+  for (const auto& [command, words] : edits) {
+    std::vector<std::string> args = {"-aro", "jmd", command, jmd_};
+    args.insert(args.end(), words.begin(), words.end());
+    ProgramResult refused = pxctl(args);
+    EXPECT_EQ(refused.status, 1) << command;
+    EXPECT_EQ(refused.err, "[1700]read-only: jmd " + command + " " + jmd_ + "\n");
+  }
+  EXPECT_EQ(file(), kJmd);
+  EXPECT_EQ(jmd("add", {"printers", "PrinterName=P9", "PrinterId=Com3"}).status, 1);
+  for (const auto& [command, words] : edits) {
+    EXPECT_EQ(jmd(command, words).status, 0) << command;
+  }
+  // Each record: time, user, host, program, instance, action, result, message.
+  std::vector<std::string> records;
+  std::istringstream log(dir_.read("audit.log"));
+  for (std::string line; std::getline(log, line);) {
+    std::vector<std::string> fields;
+    std::istringstream split(line);
+    for (std::string field; std::getline(split, field, '\t');) fields.push_back(field);
+    ASSERT_EQ(fields.size(), 8u) << line;
+    records.push_back(fields[5] + " " + fields[6] + " " + fields[7]);
+  }
+  std::vector<std::string> expected;
+  for (const auto& edit : edits) expected.push_back("jmd " + edit.first + " " + jmd_ + " refused 1700");
+  expected.push_back("jmd add " + jmd_ + " failed 301");
+  for (const auto& edit : edits) expected.push_back("jmd " + edit.first + " " + jmd_ + " done 0");
+  EXPECT_EQ(records, expected);
 }
 
 }  // namespace

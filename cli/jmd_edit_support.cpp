@@ -3,6 +3,7 @@
 #include "cli/cli.h"
 #include "cli/console_operator.h"
 #include "common/text.h"
+#include "config/operator_action.h"
 #include "jmd/editors/editor_messages.h"
 #include "jmd/editors/jmd_file.h"
 #include "jmd/editors/row_list.h"
@@ -70,14 +71,20 @@ std::optional<long> positive_number(const std::string& word) {
   return n > 0 ? std::optional<long>(n) : std::nullopt;
 }
 
-int edit_jmd_file(const std::string& path,
+int edit_jmd_file(const std::vector<std::string>& w,
                   const std::function<int(editors::JmdEditor& editor, Operator& op)>& edit) {
-  ConsoleOperator op;
-  editors::JmdFile file(path, op);
+  ConsoleOperator console;
+  // Named like the command that changes the file, without the values.
+  OperatorAction action(console, "jmd " + w[0] + " " + w[1], "");
+  if (!action.permitted()) return kExitFailed;
+  Operator& op = action.op();
+  editors::JmdFile file(w[1], op);
   if (!file.load()) return kExitFailed;
   int status = edit(file.editor(), op);
   if (status != kExitOk) return status;
-  return file.save() ? kExitOk : kExitFailed;
+  if (!file.save()) return kExitFailed;
+  action.finish(ActionResult::kDone);
+  return kExitOk;
 }
 
 std::vector<long> steps_of(editors::JmdEditor& editor, std::string& job) {

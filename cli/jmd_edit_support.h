@@ -38,10 +38,13 @@ void type_into(editors::RowForm& form, const Typing& typing);
 // A positive decimal number; nullopt for anything else.
 std::optional<long> positive_number(const std::string& word);
 
-// Loads the JMD file at path (exit 1 after the load's messages), runs edit,
-// and when it answers kExitOk writes the file back over itself (exit 1 when
-// that fails). Any other answer is returned with the file untouched.
-int edit_jmd_file(const std::string& path,
+// The change of a JMD file by the command of words w (w[0] the command,
+// w[1] the file), as one operator action (config/operator_action.h): refused
+// with exit 1 in read-only mode, and recorded in the audit log. Loads the
+// file (exit 1 after the load's messages), runs edit, and when it answers
+// kExitOk writes the file back over itself (exit 1 when that fails). Any
+// other answer is returned with the file untouched.
+int edit_jmd_file(const std::vector<std::string>& w,
                   const std::function<int(editors::JmdEditor& editor, Operator& op)>& edit);
 
 // The steps of job, and the job's name as stored (its case) when it has any.

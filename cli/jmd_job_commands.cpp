@@ -22,7 +22,7 @@ int refused_name(Operator& op, int message) {
 int jmd_new_job(const std::vector<std::string>& w) {
   // new-job FILE JOB
   if (w.size() != 3) return usage_error("jmd new-job", "pxctl jmd new-job FILE JOB");
-  return edit_jmd_file(w[1], [&](editors::JmdEditor& editor, Operator& op) {
+  return edit_jmd_file(w, [&](editors::JmdEditor& editor, Operator& op) {
     std::string name;
     int refused = editor.check_new_job_name(w[2], name);
     if (refused != 0) return refused_name(op, refused);
@@ -33,7 +33,7 @@ int jmd_new_job(const std::vector<std::string>& w) {
 int jmd_copy_job(const std::vector<std::string>& w) {
   // copy-job FILE FROM TO
   if (w.size() != 4) return usage_error("jmd copy-job", "pxctl jmd copy-job FILE FROM TO");
-  return edit_jmd_file(w[1], [&](editors::JmdEditor& editor, Operator& op) {
+  return edit_jmd_file(w, [&](editors::JmdEditor& editor, Operator& op) {
     long from = editor.find_row(ListKind::kJobNames, w[2]);
     if (from == 0) {
       op.show(editors::msg::kNotListed, {w[2], list_word(ListKind::kJobNames)});

@@ -35,7 +35,7 @@ int jmd_add(const std::vector<std::string>& w) {
   if (!kind || !parse_typing(w, 3, *kind, FormMode::kNew, typing)) {
     return usage_error("jmd add", "pxctl jmd add FILE tasks|printers|memory COLUMN=VALUE ...");
   }
-  return edit_jmd_file(w[1], [&](editors::JmdEditor& editor, Operator&) {
+  return edit_jmd_file(w, [&](editors::JmdEditor& editor, Operator&) {
     editors::RowForm form = editor.new_form(*kind);
     type_into(form, typing);
     return editor.ok(form).accepted() ? kExitOk : kExitFailed;
@@ -49,7 +49,7 @@ int jmd_edit(const std::vector<std::string>& w) {
   if (!kind || !parse_typing(w, 4, *kind, FormMode::kEdit, typing)) {
     return usage_error("jmd edit", "pxctl jmd edit FILE tasks|printers|memory KEY COLUMN=VALUE ...");
   }
-  return edit_jmd_file(w[1], [&](editors::JmdEditor& editor, Operator& op) {
+  return edit_jmd_file(w, [&](editors::JmdEditor& editor, Operator& op) {
     long row = listed_row(editor, op, *kind, w[3]);
     if (row == 0) return kExitFailed;
     std::optional<editors::RowForm> form = editor.edit_form(*kind, row);
@@ -63,7 +63,7 @@ int jmd_delete(const std::vector<std::string>& w) {
   // delete FILE LIST KEY ...
   std::optional<ListKind> kind = w.size() >= 4 ? list_named(w[2]) : std::nullopt;
   if (!kind) return usage_error("jmd delete", "pxctl jmd delete FILE jobs|tasks|printers|memory KEY ...");
-  return edit_jmd_file(w[1], [&](editors::JmdEditor& editor, Operator& op) {
+  return edit_jmd_file(w, [&](editors::JmdEditor& editor, Operator& op) {
     std::vector<long> rows;
     for (size_t i = 3; i < w.size(); ++i) {
       long row = listed_row(editor, op, *kind, w[i]);

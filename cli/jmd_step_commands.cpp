@@ -23,7 +23,7 @@ int jmd_add_step(const std::vector<std::string>& w) {
   if (!parse_typing(w, first, ListKind::kSteps, FormMode::kNew, typing)) {
     return usage_error("jmd add-step", "pxctl jmd add-step FILE JOB [--before N] COLUMN=VALUE ...");
   }
-  return edit_jmd_file(w[1], [&](editors::JmdEditor& editor, Operator& op) {
+  return edit_jmd_file(w, [&](editors::JmdEditor& editor, Operator& op) {
     std::string job = w[2];
     std::vector<long> steps = steps_of(editor, job);
     // Step count + 1 is the empty row after the last step: a step added
@@ -60,7 +60,7 @@ int jmd_edit_step(const std::vector<std::string>& w) {
   if (!number || !parse_typing(w, 4, ListKind::kSteps, FormMode::kEdit, typing)) {
     return usage_error("jmd edit-step", "pxctl jmd edit-step FILE JOB N COLUMN=VALUE ...");
   }
-  return edit_jmd_file(w[1], [&](editors::JmdEditor& editor, Operator& op) {
+  return edit_jmd_file(w, [&](editors::JmdEditor& editor, Operator& op) {
     std::string job = w[2];
     std::vector<long> steps = steps_of(editor, job);
     std::optional<std::vector<long>> rows = step_rows(op, steps, {*number}, job);
@@ -82,7 +82,7 @@ int jmd_delete_step(const std::vector<std::string>& w) {
     if (!n) return usage_error("jmd delete-step", "pxctl jmd delete-step FILE JOB N ...");
     numbers.push_back(*n);
   }
-  return edit_jmd_file(w[1], [&](editors::JmdEditor& editor, Operator& op) {
+  return edit_jmd_file(w, [&](editors::JmdEditor& editor, Operator& op) {
     std::string job = w[2];
     std::vector<long> steps = steps_of(editor, job);
     std::optional<std::vector<long>> rows = step_rows(op, steps, numbers, job);
@@ -102,7 +102,7 @@ int jmd_move_step(const std::vector<std::string>& w) {
   if (!first || !last || *first > *last || !(up || down)) {
     return usage_error("jmd move-step", "pxctl jmd move-step FILE JOB FIRST LAST up|down");
   }
-  return edit_jmd_file(w[1], [&](editors::JmdEditor& editor, Operator& op) {
+  return edit_jmd_file(w, [&](editors::JmdEditor& editor, Operator& op) {
     std::string job = w[2];
     std::vector<long> steps = steps_of(editor, job);
     if (!step_rows(op, steps, {*first, *last}, job)) return kExitFailed;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <optional>
 #include <span>
 #include <vector>
@@ -67,43 +68,49 @@ engine::Table open_scratch_table(std::string_view name) {
                              engine::kOpenNew, jmd::column_definitions(jmd::kJobTable));
 }
 
-// The rows that a query over column yields (every row not deleted), in row
-// order; nullopt when the query cannot be started.
-std::optional<std::vector<long>> rows_in_table_order(engine::Table& table,
-                                                     std::string_view column) {
-  int number = table.find_column(column);
-  if (number < 0) return std::nullopt;
-  engine::Query query = engine::Query::start(table, number, std::nullopt, false);
+// Whether each row of table (by number, 0 unused) is listed: not deleted.
+// A row is deleted by leaving the index of column; while the column has no
+// index, no row has left it and every row is listed, as a query (which
+// builds the index from every row) would list them. nullopt when the index
+// cannot be walked.
+std::optional<std::vector<bool>> listed_rows(engine::Table& table, int column) {
+  long count = std::max(0L, table.row_count());
+  if (!table.has_index(column)) return std::vector<bool>(static_cast<size_t>(count) + 1, true);
+  engine::Query query = engine::Query::start(table, column, std::nullopt, false);
   if (!query) return std::nullopt;
-  std::vector<long> rows;
-  rows.reserve(static_cast<size_t>(std::max(0L, table.row_count())));
-  for (long row = query.next(); row != 0; row = query.next()) rows.push_back(row);
-  std::sort(rows.begin(), rows.end());
-  return rows;
+  std::vector<bool> listed(static_cast<size_t>(count) + 1, false);
+  for (long row = query.next(); row != 0; row = query.next()) {
+    if (row <= count) listed[static_cast<size_t>(row)] = true;
+  }
+  return listed;
 }
 
-// Adds to names one row for each job row whose name differs from the row
-// before it. The number of names that could not be added (a job row that
-// cannot be read counts too); nullopt when the job table cannot be walked.
+// Adds to names one row for each listed job row whose name differs from the
+// listed row before it. The names come from the job table's kept copies of
+// the column when it has them, so the records are not read. The number of
+// names that could not be added (a job row that cannot be read counts too);
+// nullopt when the job table cannot be walked.
 std::optional<long> add_distinct_job_names(engine::Table& jobs, engine::Table& names) {
   const jmd::TableSchema& schema = jmd::table_schema(jmd::kJobTable);
   const jmd::FieldDef* name = jmd::find_field(schema, kJobNameColumn);
   const jmd::FieldDef* deleted = jmd::find_field(schema, kDeletedColumn);
-  if (name == nullptr || deleted == nullptr) return std::nullopt;
-  std::optional<std::vector<long>> rows = rows_in_table_order(jobs, kJobNameColumn);
-  if (!rows) return std::nullopt;
+  int name_column = jobs.find_column(kJobNameColumn);
+  if (name == nullptr || deleted == nullptr || name_column < 0) return std::nullopt;
+  std::optional<std::vector<bool>> listed = listed_rows(jobs, name_column);
+  if (!listed) return std::nullopt;
 
-  std::vector<char> record(schema.record_size);
+  std::vector<char> value(name->width);
   std::vector<char> entry(schema.record_size);
   std::string previous;
   bool first = true;
   long failed = 0;
-  for (long row : *rows) {
-    if (!jobs.get_row(row, std::as_writable_bytes(std::span<char>(record)))) {
+  for (long row = 1; row < static_cast<long>(listed->size()); ++row) {
+    if (!(*listed)[static_cast<size_t>(row)]) continue;
+    if (!jobs.read_value(row, name_column, std::as_writable_bytes(std::span<char>(value)))) {
       ++failed;
       continue;
     }
-    std::string_view job = jmd::string_field(record, *name);
+    std::string_view job(value.data(), strnlen(value.data(), value.size()));
     if (!first && job == previous) continue;
     first = false;
     previous = job;

@@ -1,11 +1,13 @@
 #include "config/jmd_service.h"
 
+#include <cstring>
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <cstring>
 #include <filesystem>
 #include <set>
 
@@ -291,6 +293,18 @@ TEST_F(JmdServiceTest, JobNamesCompareOnlyNeighbouringRows) {
   ASSERT_TRUE(jobs.add_index(1));            // FormName, as the editors' queries build it
   ASSERT_TRUE(jobs.delete_index_row(3, 1));  // the B row
   EXPECT_EQ(job_names(), (std::vector<std::string>{"A", "C"}));
+
+  // Names come from the job table as it is now, long ones whole.
+  service_.close();
+  database = service_.open(op_);
+  ASSERT_NE(database, nullptr);
+  engine::Table& changed = database->table(jmd::kJobTable);
+  std::vector<std::byte> record(static_cast<size_t>(changed.record_size()));
+  ASSERT_TRUE(changed.get_row(6, record));
+  const std::string long_name = "A JOB NAME LONGER THAN SIXTEEN BYTES";
+  std::memcpy(record.data() + 1, long_name.c_str(), long_name.size() + 1);
+  ASSERT_TRUE(changed.update_row(6, record));
+  EXPECT_EQ(job_names(), (std::vector<std::string>{"A", "B", "A", "C", long_name}));
 }
 
 TEST_F(JmdServiceTest, ClipboardIsMadeOnFirstUseAndEmptiedOnRequest) {

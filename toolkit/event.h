@@ -80,7 +80,12 @@ enum class Notice : std::uint8_t {
                       // a combo box or drop-down row was picked (always)
   kDoubleClicked,     // a list row was double-clicked (after selecting it)
   kScrolled,          // a scroll bar moved (Event::scroll, Event::position)
+  kKey,               // a list box got a key it has no use for itself
+                      // (Event::key): Insert, or Enter outside a dialog
 };
+
+// The keys a control reports with Notice::kKey.
+enum class Key : std::uint8_t { kNone, kInsert, kEnter };
 
 enum class ScrollAction : std::uint8_t {
   kNone,

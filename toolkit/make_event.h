@@ -34,6 +34,12 @@ inline Event control_event(int control, Notice notice, ScrollAction action = Scr
   return e;
 }
 
+inline Event key_event(int control, Key key) {
+  Event e = control_event(control, Notice::kKey);
+  e.key = key;
+  return e;
+}
+
 inline Event timer_event(long timer) {
   Event e = make_event(EventType::kTimer);
   e.timer = timer;

@@ -238,6 +238,7 @@ struct Event {
   Size size;           // kResize: the new client size
   bool query = false;  // kQuit: true when only asking whether it may end
   int user_id = 0;     // kUser
+  Key key = Key::kNone;  // kControl with kKey
 
   int number() const { return static_cast<int>(type); }
   bool is_control(int id, Notice what) const {

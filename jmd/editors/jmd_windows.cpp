@@ -1,6 +1,7 @@
 #include "jmd/editors/jmd_windows.h"
 
 #include "config/jmd_service.h"
+#include "config/operator_action.h"
 #include "jmd/editors/editor_messages.h"
 #include "jmd/editors/list_window.h"
 #include "toolkit/resources/resource_ids.h"
@@ -117,6 +118,11 @@ void JmdWindows::update_edit_menu(bool one_selected, bool any_selected, ListKind
   task.set_menu_enabled(tk::kCmdCopy, one_selected);
   task.set_menu_enabled(tk::kCmdPaste, editor_.can_paste(kind));
   task.set_menu_enabled(tk::kCmdDelete, any_selected);
+  std::string reason = read_only_mode() ? read_only_reason() : std::string();
+  for (int item : {tk::kCmdCut, tk::kCmdPaste, tk::kCmdDelete}) {
+    if (!reason.empty()) task.set_menu_enabled(item, false);
+    task.set_menu_tip(item, reason);
+  }
 }
 
 void JmdWindows::close_all() {

@@ -4,10 +4,12 @@
 
 #include <cstdio>
 
+#include "common/common_init.h"
 #include "common/ini_profile.h"
 #include "common/messages.h"
 #include "config/instances.h"
 #include "config/jmd_service.h"
+#include "config/operator_action.h"
 #include "config/recording_operator.h"
 #include "jmd/editors/editor_messages.h"
 #include "jmd/editors/editor_test_support.h"
@@ -26,7 +28,10 @@ class JmdWindowsTest : public ::testing::Test {
     tk.set_failure_handler([this](const std::string& what) { failures.push_back(what); });
     ini::set_file(PX_SOURCE_DIR "/demo/pxcntrl.ini");
     messages::reset();
-    tk.run_application({1000, [](const tk::Event&) {}});
+    // The task window passes the Edit menu's commands on, as the shell does.
+    tk.run_application({1000, [this](const tk::Event& e) {
+                          if (e.type == tk::EventType::kCommand) windows().edit_command(e.command);
+                        }});
     windows().attach(tk, op);
   }
   void TearDown() override {
@@ -195,6 +200,7 @@ TEST_F(JmdWindowsTest, AJobOpensItsStepsAndNewStepsGoBeforeTheSelectedOne) {
   EXPECT_EQ(job.control(tk::kJobNameField).text(), "INVOICE");
   EXPECT_EQ(rows(job).size(), 3u);  // two steps and the empty row
   EXPECT_EQ(rows(job).back(), "");
+  EXPECT_EQ(job.control(tk::kJmdCount).text(), "1-2 of 2");
   EXPECT_EQ(tk.paint(job).size(), 3u);
 
   tk.activate(job);
@@ -210,6 +216,7 @@ TEST_F(JmdWindowsTest, AJobOpensItsStepsAndNewStepsGoBeforeTheSelectedOne) {
   ASSERT_EQ(steps.size(), 4u);
   EXPECT_EQ(steps[1].substr(10, 7), "mid.mdf");
   EXPECT_EQ(job.control(tk::kJmdList).selected_rows(), std::vector<int>{1});
+  EXPECT_EQ(job.control(tk::kJmdCount).text(), "1-3 of 3");
   ASSERT_TRUE(tk.click(job, tk::kJobStepDown));
   EXPECT_EQ(rows(job)[2].substr(10, 7), "mid.mdf");
   EXPECT_EQ(job.control(tk::kJmdList).selected_rows(), std::vector<int>{2});
@@ -219,6 +226,33 @@ TEST_F(JmdWindowsTest, AJobOpensItsStepsAndNewStepsGoBeforeTheSelectedOne) {
 
   ASSERT_TRUE(tk.click(job, tk::kJmdClose));
   EXPECT_TRUE(names.enabled());
+}
+
+TEST_F(JmdWindowsTest, TheJobWindowsFilterNarrowsTheStepsAndPlacesNone) {
+  use_jmd(kSmallJmd);
+  windows().open_job("INVOICE", false);
+  tk::Window job = windows().window(ListKind::kSteps);
+  tk.activate(job);
+  ASSERT_TRUE(tk.type(job, tk::kJmdFilter, "LASER2"));
+  EXPECT_EQ(rows(job), std::vector<std::string>{"PXMERGE   inv2.mdf             LASER2   "});
+  EXPECT_EQ(job.control(tk::kJmdCount).text(), "1-1 of 1");
+  tk.click_row(job, tk::kJmdList, 0);
+  for (int id : {tk::kJmdNew, tk::kJobStepUp, tk::kJobStepDown}) {
+    EXPECT_FALSE(job.control(id).enabled()) << id;
+  }
+  EXPECT_TRUE(job.control(tk::kJmdEdit).enabled());
+  ASSERT_TRUE(windows().edit_command(tk::kCmdCopy));
+  EXPECT_FALSE(tk.task_window().menu_enabled(tk::kCmdPaste));
+  // Insert places nothing either (no dialog is scripted).
+  ASSERT_TRUE(tk.press_key(job, tk::kJmdList, tk::Key::kInsert));
+  op.answer_next(0);
+  ASSERT_TRUE(tk.click(job, tk::kJmdDelete));
+  EXPECT_EQ(job.control(tk::kJmdCount).text(), "0 of 0");
+
+  ASSERT_TRUE(tk.replace_text(job, tk::kJmdFilter, ""));
+  EXPECT_EQ(rows(job).size(), 2u);  // the step left and the empty row
+  EXPECT_TRUE(job.control(tk::kJmdNew).enabled());
+  EXPECT_TRUE(tk.task_window().menu_enabled(tk::kCmdPaste));
 }
 
 TEST_F(JmdWindowsTest, StepsNamingAMissingPrinterAreMarked) {
@@ -232,6 +266,27 @@ TEST_F(JmdWindowsTest, StepsNamingAMissingPrinterAreMarked) {
   ASSERT_EQ(steps.size(), 3u);
   EXPECT_FALSE(steps[0].ends_with(" !"));
   EXPECT_EQ(steps[1], "PXMERGE   inv2.mdf             LASER2    !");
+}
+
+TEST_F(JmdWindowsTest, JobsWithAStepNamingAMissingPrinterAreMarked) {
+  use_jmd(kSmallJmd);
+  tk::Window names = open(ListKind::kJobNames);
+  const std::string cheque = "CHEQUE" + std::string(45, ' ');
+  const std::string invoice = "INVOICE" + std::string(44, ' ');
+  EXPECT_EQ(rows(names), (std::vector<std::string>{cheque, invoice}));
+  // LASER1 is named by INVOICE's first step only; the open list follows.
+  tk::Window printers_list = open(ListKind::kPrinters);
+  tk.click_row(printers_list, tk::kJmdList, 0);
+  op.answer_next(0);
+  ASSERT_TRUE(tk.click(printers_list, tk::kJmdDelete));
+  EXPECT_EQ(rows(names), (std::vector<std::string>{cheque, invoice + " !"}));
+  // LASER2, which both jobs name, cut and pasted back: marked, then not.
+  tk.on_dialog(tk::kPrinterDialog, [&](tk::Window dialog) { tk.click(dialog, tk::kOk); });
+  tk.click_row(printers_list, tk::kJmdList, 0);
+  ASSERT_TRUE(windows().edit_command(tk::kCmdCut));
+  EXPECT_EQ(rows(names), (std::vector<std::string>{cheque + " !", invoice + " !"}));
+  ASSERT_TRUE(windows().edit_command(tk::kCmdPaste));
+  EXPECT_EQ(rows(names), (std::vector<std::string>{cheque, invoice + " !"}));
 }
 
 TEST_F(JmdWindowsTest, DeletingAsksFirst) {
@@ -271,6 +326,55 @@ TEST_F(JmdWindowsTest, AJobCopiedAndPastedOpensUnderItsNewName) {
   EXPECT_EQ(rows(names).size(), 3u);
 }
 
+// Every edit of a list without the mouse: Insert for New, Enter for Edit,
+// the Edit menu's accelerators for Delete, cut, copy and paste.
+TEST_F(JmdWindowsTest, EveryEditWorksFromTheKeyboard) {
+  use_jmd(kSmallJmd);
+  tk::Window list = open(ListKind::kPrinters);
+  tk.on_dialog(tk::kPrinterDialog, [&](tk::Window dialog) {
+    tk.type(dialog, tk::kPrinterName, "LASER3");
+    tk.press_enter(dialog);
+  });
+  ASSERT_TRUE(tk.press_key(list, tk::kJmdList, tk::Key::kInsert));
+  ASSERT_EQ(rows(list).size(), 3u);
+  EXPECT_EQ(rows(list)[2].substr(0, 6), "LASER3");
+
+  tk.click_row(list, tk::kJmdList, 2);
+  tk.on_dialog(tk::kPrinterDialog, [&](tk::Window dialog) {
+    EXPECT_EQ(dialog.control(tk::kPrinterName).text(), "LASER3");
+    tk.press_escape(dialog);
+  });
+  ASSERT_TRUE(tk.press_key(list, tk::kJmdList, tk::Key::kEnter));
+
+  ASSERT_TRUE(tk.press_accelerator(tk.task_window(), "Ctrl+X"));
+  EXPECT_EQ(rows(list).size(), 2u);
+  tk.on_dialog(tk::kPrinterDialog, [&](tk::Window dialog) {
+    EXPECT_EQ(dialog.control(tk::kPrinterName).text(), "LASER3");
+    tk.press_enter(dialog);
+  });
+  ASSERT_TRUE(tk.press_accelerator(tk.task_window(), "Ctrl+V"));
+  ASSERT_EQ(rows(list).size(), 3u);
+
+  tk.click_row(list, tk::kJmdList, 0);
+  ASSERT_TRUE(tk.press_accelerator(tk.task_window(), "Ctrl+C"));
+  op.answer_next(0);  // Delete
+  ASSERT_TRUE(tk.press_accelerator(tk.task_window(), "Del"));
+  EXPECT_EQ(rows(list).size(), 2u);
+  EXPECT_EQ(rows(list)[0].substr(0, 6), "LASER2");
+  EXPECT_EQ(op.numbers(), std::vector<int>{msg::kDeleteQuestion});
+
+  // In the job window Insert puts the new step before the selected one.
+  windows().open_job("INVOICE", false);
+  tk::Window job = windows().window(ListKind::kSteps);
+  tk.activate(job);
+  tk.on_dialog(tk::kJobStepDialog, [&](tk::Window dialog) {
+    tk.type(dialog, tk::kStepFormFile, "first.mdf");
+    tk.click(dialog, tk::kOk);
+  });
+  ASSERT_TRUE(tk.press_key(job, tk::kJmdList, tk::Key::kInsert));
+  EXPECT_EQ(rows(job)[0].substr(10, 9), "first.mdf");
+}
+
 TEST_F(JmdWindowsTest, APrinterOnTheClipboardDoesNotPasteIntoTasks) {
   use_jmd(kSmallJmd);
   tk::Window printers_list = open(ListKind::kPrinters);
@@ -308,6 +412,62 @@ TEST_F(JmdWindowsTest, ClosingEveryWindowLeavesNoneOpen) {
   windows().close_all();
   EXPECT_EQ(tk.open_windows().size(), 1u);  // the task window
   EXPECT_FALSE(windows().edit_command(tk::kCmdCopy));
+}
+
+// The windows of a console started read-only (-aro).
+class ReadOnlyJmdWindowsTest : public JmdWindowsTest {
+ protected:
+  void SetUp() override {
+    std::vector<std::string> args{"pxcntrl", "-aro"};
+    ASSERT_EQ(common_init(args), 0);
+    JmdWindowsTest::SetUp();
+  }
+  void TearDown() override {
+    std::vector<std::string> args{"pxcntrl"};
+    common_init(args);  // forgets -aro
+    JmdWindowsTest::TearDown();
+  }
+  void expect_off_with_reason(tk::Window window, std::vector<int> ids) {
+    for (int id : ids) {
+      EXPECT_FALSE(window.control(id).enabled()) << id;
+      EXPECT_EQ(window.control(id).tip(), read_only_reason()) << id;
+    }
+  }
+};
+
+TEST_F(ReadOnlyJmdWindowsTest, ChangingButtonsAreOffWithTheReasonAndLookingWorks) {
+  ASSERT_TRUE(read_only_mode());
+  use_jmd(kSmallJmd);
+  tk::Window names = open(ListKind::kJobNames);
+  tk.click_row(names, tk::kJmdList, 1);
+  expect_off_with_reason(names, {tk::kJmdNew, tk::kJmdDelete});
+  EXPECT_TRUE(names.control(tk::kJmdEdit).enabled());
+  for (int item : {tk::kCmdCut, tk::kCmdPaste, tk::kCmdDelete}) {
+    EXPECT_FALSE(tk.task_window().menu_enabled(item)) << item;
+    EXPECT_EQ(tk.task_window().menu_tip(item), read_only_reason()) << item;
+  }
+  EXPECT_TRUE(tk.task_window().menu_enabled(tk::kCmdCopy));
+  // The Edit menu's Delete, reached all the same, changes nothing.
+  EXPECT_TRUE(windows().edit_command(tk::kCmdDelete));
+  EXPECT_EQ(rows(names).size(), 2u);
+
+  // Edit on a job name opens its steps to look at.
+  ASSERT_TRUE(tk.double_click_row(names, tk::kJmdList, 1));
+  tk::Window job = windows().window(ListKind::kSteps);
+  ASSERT_TRUE(job.exists());
+  EXPECT_EQ(rows(job).size(), 3u);
+  expect_off_with_reason(job, {tk::kJmdNew, tk::kJmdDelete, tk::kJmdEdit, tk::kJobStepUp,
+                               tk::kJobStepDown});
+  // A double click on a step opens no dialog (none is scripted).
+  tk.activate(job);
+  tk.double_click_row(job, tk::kJmdList, 0);
+  ASSERT_TRUE(tk.click(job, tk::kJmdClose));
+
+  tk::Window printers_list = open(ListKind::kPrinters);
+  tk.click_row(printers_list, tk::kJmdList, 0);
+  expect_off_with_reason(printers_list, {tk::kJmdNew, tk::kJmdDelete, tk::kJmdEdit});
+  EXPECT_FALSE(jmd_service().modified());
+  EXPECT_TRUE(op.numbers().empty());
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "config/operator_action.h"
 #include "jmd/editors/editor_messages.h"
 #include "jmd/editors/references.h"
 #include "jmd/editors/row_dialog.h"
@@ -66,9 +67,16 @@ void ListWindow::fill() {
     std::vector<std::string> page = list_.page_lines(*rows);
     Record step = blank_record(jmd::kJobTable);
     for (size_t i = 0; i < page.size(); ++i) {
-      // A step naming a printer or task that is not there is marked.
-      bool marked = kind() == ListKind::kSteps && read_row(*rows, list_.page()[i], step) &&
-                    names_missing_row(owner_.editor(), step);
+      // A step naming a printer or task that is not there is marked, and so
+      // is a job with such a step.
+      bool marked = false;
+      if (kind() == ListKind::kSteps || kind() == ListKind::kJobNames) {
+        marked = read_row(*rows, list_.page()[i], step) &&
+                 (kind() == ListKind::kSteps
+                      ? names_missing_row(owner_.editor(), step)
+                      : job_names_missing(owner_.editor(),
+                                          get_text(jmd::kJobTable, step, "FormName")));
+      }
       lines.add(marked ? page[i] + kMissingMark : page[i]);
     }
   }
@@ -78,10 +86,9 @@ void ListWindow::fill() {
   window_.control(tk::kJmdNext).set_visible(list_.paged());
   window_.control(tk::kJmdPrevious).set_enabled(list_.has_previous());
   window_.control(tk::kJmdNext).set_enabled(list_.has_next());
-  if (kind() != ListKind::kSteps) {
-    window_.control(tk::kJmdCount).set_text(count_text(list_.page_first(), list_.shown(),
-                                                      list_.total()));
-  } else {
+  window_.control(tk::kJmdCount).set_text(count_text(list_.page_first(), list_.shown(),
+                                                    list_.total()));
+  if (kind() == ListKind::kSteps) {
     window_.control(tk::kJobStepUp).set_enabled(list_.total() >= 2);
     window_.control(tk::kJobStepDown).set_enabled(list_.total() >= 2);
   }
@@ -109,6 +116,24 @@ void ListWindow::update_controls() {
   window_.control(tk::kJmdDelete).set_enabled(selected > 0);
   bool one = kind() == ListKind::kSteps ? selected > 0 : selected == 1;
   owner_.update_edit_menu(one, selected > 0, kind());
+  // Filtered steps are not all there: nothing is placed among them.
+  window_.control(tk::kJmdNew).set_enabled(!placing_off());
+  if (placing_off()) {
+    window_.control(tk::kJobStepUp).set_enabled(false);
+    window_.control(tk::kJobStepDown).set_enabled(false);
+    owner_.toolkit().task_window().set_menu_enabled(tk::kCmdPaste, false);
+  }
+  if (!read_only_mode()) return;
+  // Only looking: the buttons that would change the JMD say why they are
+  // off. Edit on the job names only opens the job's window.
+  std::string reason = read_only_reason();
+  std::vector<int> changing = {tk::kJmdNew, tk::kJmdDelete};
+  if (kind() != ListKind::kJobNames) changing.push_back(tk::kJmdEdit);
+  if (kind() == ListKind::kSteps) changing.insert(changing.end(), {tk::kJobStepUp, tk::kJobStepDown});
+  for (int id : changing) {
+    window_.control(id).set_enabled(false);
+    window_.control(id).set_tip(reason);
+  }
 }
 
 void ListWindow::paint() {
@@ -129,6 +154,7 @@ void ListWindow::paint() {
 void ListWindow::edit_selected() {
   std::vector<int> lines = selected_lines();
   if (lines.size() != 1) return;
+  if (kind() != ListKind::kJobNames && read_only_mode()) return;
   long row = list_.page()[static_cast<size_t>(lines.front())];
   JmdEditor& editor = owner_.editor();
   if (kind() == ListKind::kJobNames) {
@@ -159,6 +185,7 @@ void ListWindow::edit_selected() {
 }
 
 void ListWindow::new_row() {
+  if (read_only_mode() || placing_off()) return;
   JmdEditor& editor = owner_.editor();
   if (kind() == ListKind::kJobNames) {
     std::optional<std::string> name = run_job_name_dialog(
@@ -180,6 +207,7 @@ void ListWindow::new_row() {
       owner_.toolkit(), editor, request, [this](ListKind added) { owner_.refresh(added); });
   if (!stored) return;
   refill();
+  references_changed();
   if (kind() == ListKind::kSteps) {
     auto at = std::find(list_.rows().begin(), list_.rows().end(), stored->row);
     if (at != list_.rows().end()) select_steps(at - list_.rows().begin(), 1);
@@ -188,7 +216,7 @@ void ListWindow::new_row() {
 
 void ListWindow::delete_selected(bool ask) {
   std::vector<long> rows = selected_rows();
-  if (rows.empty()) return;
+  if (rows.empty() || read_only_mode()) return;
   JmdEditor& editor = owner_.editor();
   if (ask && editor.op().ask(msg::kDeleteQuestion, {}, {msg::kDeleteButton, msg::kCancelButton}) !=
                  kDeleteAnswer) {
@@ -196,6 +224,17 @@ void ListWindow::delete_selected(bool ask) {
   }
   editor.delete_rows(kind(), rows);
   refill();
+  references_changed();
+}
+
+bool ListWindow::placing_off() const {
+  return kind() == ListKind::kSteps && !list_.filter().empty();
+}
+
+void ListWindow::references_changed() {
+  if (kind() != ListKind::kPrinters && kind() != ListKind::kTasks) return;
+  owner_.refresh(ListKind::kJobNames);
+  owner_.refresh(ListKind::kSteps);
 }
 
 void ListWindow::select_steps(long first_index, long count) {
@@ -211,7 +250,7 @@ void ListWindow::select_steps(long first_index, long count) {
 
 void ListWindow::move(bool up) {
   std::vector<int> lines = selected_lines();
-  if (lines.empty()) return;
+  if (lines.empty() || read_only_mode() || placing_off()) return;
   size_t first = static_cast<size_t>(lines.front());
   size_t last = static_cast<size_t>(lines.back());
   std::vector<long> page(list_.page().begin(), list_.page().end());
@@ -224,11 +263,16 @@ void ListWindow::move(bool up) {
 void ListWindow::cut_or_copy(bool cut) {
   std::vector<long> rows = selected_rows();
   if (rows.empty() || (kind() != ListKind::kSteps && rows.size() != 1)) return;
-  if (owner_.editor().copy(kind(), rows, cut) && cut) refill();
+  if (cut && read_only_mode()) return;
+  if (owner_.editor().copy(kind(), rows, cut) && cut) {
+    refill();
+    references_changed();
+  }
   update_controls();
 }
 
 void ListWindow::paste() {
+  if (read_only_mode() || placing_off()) return;
   JmdEditor& editor = owner_.editor();
   if (kind() == ListKind::kJobNames) {
     if (!editor.can_paste(kind())) {
@@ -260,6 +304,7 @@ void ListWindow::paste() {
   if (run_row_dialog(owner_.toolkit(), editor, RowRequest{*form, 0, {}, std::nullopt},
                      [this](ListKind added) { owner_.refresh(added); })) {
     refill();
+    references_changed();
   }
 }
 
@@ -300,8 +345,12 @@ void ListWindow::handle(const tk::Event& e) {
         break;
       }
       if (e.control == tk::kJmdList) {
-        if (e.double_click()) {
+        // Enter edits as a double click does, Insert makes a new row as New
+        // does; Delete and Ctrl+X/C/V are the Edit menu's accelerators.
+        if (e.double_click() || (e.notice == tk::Notice::kKey && e.key == tk::Key::kEnter)) {
           edit_selected();
+        } else if (e.notice == tk::Notice::kKey && e.key == tk::Key::kInsert) {
+          new_row();
         } else if (e.notice == tk::Notice::kSelectionChanged) {
           update_controls();
         }

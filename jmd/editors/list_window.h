@@ -45,6 +45,12 @@ class ListWindow {
   void new_row();
   void move(bool up);
   void select_steps(long first_index, long count);
+  // After a printer or task came or went: the marks of the job names and
+  // steps are made again.
+  void references_changed();
+  // The job window with a filter: no step is added, pasted or moved, as the
+  // steps around the place are not all shown.
+  bool placing_off() const;
 
   JmdWindows& owner_;
   RowList list_;

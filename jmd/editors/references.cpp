@@ -21,6 +21,21 @@ bool names_missing_row(JmdEditor& editor, const Record& step) {
          missing(editor, ListKind::kTasks, get_text(jmd::kJobTable, step, "TaskId"));
 }
 
+bool job_names_missing(JmdEditor& editor, const std::string& job) {
+  engine::Table* jobs = editor.table(ListKind::kSteps);
+  if (jobs == nullptr) return false;
+  // The steps read first: the lookups start queries of their own.
+  std::vector<Record> steps;
+  for (long row : editor.job_steps(job)) {
+    Record step = blank_record(*jobs);
+    if (read_row(*jobs, row, step)) steps.push_back(std::move(step));
+  }
+  for (const Record& step : steps) {
+    if (names_missing_row(editor, step)) return true;
+  }
+  return false;
+}
+
 std::vector<MissingReference> missing_references(JmdEditor& editor) {
   std::vector<MissingReference> found;
   jmd::Jmd* database = editor.service().jmd();

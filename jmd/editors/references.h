@@ -24,4 +24,7 @@ std::vector<MissingReference> missing_references(JmdEditor& editor);
 // Whether the step record names a printer or task that is not there.
 bool names_missing_row(JmdEditor& editor, const Record& step);
 
+// Whether any step of job names a printer or task that is not there.
+bool job_names_missing(JmdEditor& editor, const std::string& job);
+
 }  // namespace px::editors

@@ -45,9 +45,11 @@ class RowList {
   bool paged() const { return total() > kPageSize; }
   bool has_previous() const { return page_first_ > 0; }
   bool has_next() const { return page_first_ + shown() < total(); }
-  // Kind 4 on the page that holds its last step: the page ends with an empty
-  // row.
-  bool trailing_empty_row() const { return kind_ == ListKind::kSteps && !has_next(); }
+  // Kind 4 on the page that holds its last step, unfiltered: the page ends
+  // with an empty row.
+  bool trailing_empty_row() const {
+    return kind_ == ListKind::kSteps && !has_next() && filter_.empty();
+  }
 
   void next_page();
   void previous_page();

@@ -86,5 +86,44 @@ TEST(Filter, NarrowsTheWholeTableAndPagesWhatIsLeft) {
   EXPECT_EQ(list.page_first(), 0);
 }
 
+// Job names are matched by their names alone, long ones whole, as the
+// names are now (a renamed row is matched by its new name).
+TEST(Filter, MatchesJobNamesAsTheyAreNow) {
+  std::string text = kJmdHeader;
+  for (const char* job : {"Invoice", "CHEQUE", "A_VERY_LONG_JOB_NAME_OF_MONTHLY_INVOICES", "stock"}) {
+    text += std::string("!f ") + job + " P f.mdf * 1 T X N N C *\n";
+  }
+  EditorFixture jmd(text);
+  engine::Table& names = *jmd.editor().table(ListKind::kJobNames);
+  RowList list(ListKind::kJobNames);
+  list.set_filter("invoice");
+  ASSERT_TRUE(list.reload(names));
+  std::vector<std::string> lines = list.page_lines(names);
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_EQ(lines[0], "A_VERY_LONG_JOB_NAME_OF_MONTHLY_INVOICES" + std::string(11, ' '));
+  EXPECT_EQ(lines[1].substr(0, 8), "Invoice ");
+
+  long stock = 0;
+  std::vector<long> all;
+  ASSERT_TRUE(list_rows(names, ListKind::kJobNames, {}, all));
+  Record record = blank_record(names);
+  for (long row : all) {
+    ASSERT_TRUE(read_row(names, row, record));
+    if (get_text(0, record, "FormName") == "stock") stock = row;
+  }
+  ASSERT_GT(stock, 0);
+  ASSERT_TRUE(read_row(names, stock, record));
+  set_text(0, record, "FormName", "INVOICE_STOCK");
+  ASSERT_TRUE(update_record(names, stock, record));
+  ASSERT_TRUE(list.reload(names));
+  EXPECT_EQ(list.total(), 3);
+  list.set_filter("x_st");
+  ASSERT_TRUE(list.reload(names));
+  EXPECT_EQ(list.total(), 0);
+  list.set_filter("e_st");
+  ASSERT_TRUE(list.reload(names));
+  EXPECT_EQ(list.total(), 1);
+}
+
 }  // namespace
 }  // namespace px::editors

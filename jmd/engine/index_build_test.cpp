@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
@@ -195,6 +196,47 @@ TEST_F(IndexBuildTest, KeptValuesBuildTheIndexTheRecordsWould) {
     EXPECT_EQ(order.size(), 400u);
     EXPECT_EQ(order, rows_of(plain, c));
   }
+}
+
+// A value read through read_value() is the record's, whether it comes from
+// the kept copies (a case-sensitive text, short or past the first bytes) or
+// from the record (a case-insensitive text, whose copy is lowered, or a
+// number), also after updates.
+TEST_F(IndexBuildTest, ReadValueGivesTheRecordsValue) {
+  Table table = Table::open("values.tmp", sizeof(Item), kOpenNew, kItemColumns);
+  ASSERT_TRUE(table);
+  ASSERT_TRUE(table.keep_values(4));
+  ASSERT_TRUE(table.keep_values(0));
+  for (unsigned k = 1; k <= 200; ++k) ASSERT_EQ(table.add_row(record_bytes(item(k))), k);
+  for (unsigned k = 3; k <= 200; k += 7) {
+    Item it = item(k);
+    std::snprintf(it.hashed, sizeof it.hashed, "Updated, longer %u", k % 100);
+    std::snprintf(it.text, sizeof it.text, "Changed %u", k);
+    ASSERT_TRUE(table.update_row(k, record_bytes(it)));
+  }
+  std::vector<std::byte> value(40);
+  for (long row = 1; row <= 200; ++row) {
+    Item record{};
+    ASSERT_TRUE(table.get_row(row, record_bytes(record)));
+    const auto* bytes = reinterpret_cast<const std::byte*>(&record);
+    for (int c : {0, 2, 4}) {
+      const ColumnDef& def = kItemColumns[c];
+      ASSERT_TRUE(table.read_value(row, c, value)) << row;
+      std::vector<std::byte> expected(bytes + def.position, bytes + def.position + def.width);
+      if (c != 2) {  // a text: nothing past its NUL
+        size_t length = strnlen(reinterpret_cast<const char*>(expected.data()), def.width);
+        std::fill(expected.begin() + static_cast<std::ptrdiff_t>(length), expected.end(),
+                  std::byte{0});
+      }
+      ASSERT_TRUE(std::equal(expected.begin(), expected.end(), value.begin()))
+          << "row " << row << " column " << def.name;
+    }
+  }
+  EXPECT_FALSE(table.read_value(0, 4, value));
+  EXPECT_FALSE(table.read_value(201, 4, value));
+  EXPECT_FALSE(table.read_value(1, kColumns, value));
+  std::vector<std::byte> small(10);
+  EXPECT_FALSE(table.read_value(1, 4, small));
 }
 
 // Rows written under a non-unique definition and opened again under a unique

@@ -176,6 +176,14 @@ class Table {
   // record. False when row is above the row count or cannot be read.
   bool get_row(long row, std::span<std::byte> out);
 
+  // Reads column's value of row (column width bytes) into out; a text is cut
+  // at its NUL and zero-filled. A value of a case-sensitive text column whose
+  // copies are kept (keep_values() or an index) comes from the copy, without
+  // reading the record; any other is read from the record. False when row is
+  // not a row (1 to row_count()), column is out of range, out is too small or
+  // the record cannot be read. Writes no trace line.
+  bool read_value(long row, int column, std::span<std::byte> out);
+
   // A hint that row is about to be read: starts bringing its record in, so
   // that reads of rows known in advance overlap. Changes nothing, reports and
   // traces nothing.

@@ -1,5 +1,6 @@
 // Rows and indexes: row add, get and update, index add and drop, and the
 // entries of single rows.
+#include <algorithm>
 #include <cstring>
 #include <new>
 
@@ -247,6 +248,33 @@ bool Table::get_row(long row, std::span<std::byte> out) {
     trace_flush();
   }
   return ok;
+}
+
+bool Table::read_value(long row, int column, std::span<std::byte> out) {
+  TableState* t = table_at(slot_, serial_);
+  if (t == nullptr || row < 1 || row > t->row_count) return false;
+  if (column < 0 || column >= t->column_count()) return false;
+  const ColumnDef& def = t->column(column);
+  if (out.size() < def.width) return false;
+  // Only case-sensitive texts are kept as they lie in the record; the other
+  // types' copies are in a comparison form.
+  bool copy_is_value = def.type == kTypeString || def.type == kTypeText;
+  if (copy_is_value && t->values[column].active()) {
+    const std::byte* value = t->values[column].value(row, t->work_b);
+    if (value != nullptr) {
+      std::memcpy(out.data(), value, def.width);
+      return true;
+    }
+  }
+  if (!read_record(*t, row, t->work_b)) return false;
+  std::memcpy(out.data(), t->work_b.data() + def.position, def.width);
+  if (def.type >= kTypeString && def.type <= kTypeTextNoCase) {
+    // A text's bytes past its NUL are nothing to its value.
+    size_t length = strnlen(reinterpret_cast<const char*>(out.data()), def.width);
+    std::fill(out.begin() + static_cast<std::ptrdiff_t>(length), out.begin() + def.width,
+              std::byte{0});
+  }
+  return true;
 }
 
 void Table::prefetch_row(long row) const {

@@ -113,6 +113,16 @@ TEST_F(ControlsTest, SingleSelectionListKeepsOneRow) {
     EXPECT_TRUE(tk.double_click_row(d, kSingle, 3));
     EXPECT_THAT(rec.take(), ElementsAre("15 9 in", "15 9 selection", "15 9 selection",
                                         "15 9 selection", "15 9 double"));
+    // Keys a list has no use for itself reach the handler, focus first.
+    tk.focus_control(d, kName);
+    rec.take();
+    EXPECT_TRUE(tk.press_key(d, kSingle, Key::kInsert));
+    EXPECT_TRUE(tk.press_key(d, kSingle, Key::kEnter));
+    EXPECT_THAT(rec.take(), ElementsAre("15 3 out", "15 9 in", "15 9 key insert", "15 9 key enter"));
+    EXPECT_EQ(list.selected(), 3);
+    EXPECT_FALSE(tk.press_key(d, kName, Key::kInsert));  // not a list box
+    ASSERT_EQ(failures.size(), 1u);
+    failures.clear();
     list.set_row(3, "GAMMA");
     EXPECT_TRUE(list.remove(0));
     EXPECT_EQ(list.selected(), 2);

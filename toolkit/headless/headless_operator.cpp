@@ -208,6 +208,18 @@ bool HeadlessToolkit::choose_menu(Window w, int item) {
   return true;
 }
 
+bool HeadlessToolkit::press_key(Window w, int control, Key key) {
+  HeadlessControl* c = acting_on(w, control);
+  if (!c) return false;
+  if (c->kind != ControlKind::kListBox) {
+    fail("control " + std::to_string(control) + " is no list box to press a key in");
+    return false;
+  }
+  move_focus(*find(w.id()), control);
+  if (find(w.id())) deliver(w.id(), key_event(control, key));
+  return true;
+}
+
 bool HeadlessToolkit::press_accelerator(Window w, std::string_view keys) {
   HeadlessWindow* win = find(w.id());
   if (!win) return false;

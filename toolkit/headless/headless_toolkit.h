@@ -103,6 +103,8 @@ class HeadlessToolkit final : public Toolkit {
   bool click_row(Window w, int control, int row);
   // click_row, then kDoubleClicked (list boxes only).
   bool double_click_row(Window w, int control, int row);
+  // A key pressed in a list box, which gets the focus first: kKey.
+  bool press_key(Window w, int control, Key key);
   // Tab or a mouse click into a control: kFocusOut, kFocusIn.
   bool focus_control(Window w, int control);
   bool scroll(Window w, int control, ScrollAction action, int thumb_position = 0);

@@ -90,9 +90,10 @@ class Recorder {
         return out + " " + std::to_string(e.size.width) + "x" + std::to_string(e.size.height);
       case EventType::kControl: {
         static const char* const kNotices[] = {"clicked", "changed", "in", "out", "selection",
-                                               "double", "scrolled"};
+                                               "double", "scrolled", "key"};
         out += " " + std::to_string(e.control) + " " + kNotices[static_cast<int>(e.notice)];
         if (e.notice == Notice::kScrolled) out += " " + std::to_string(e.position);
+        if (e.notice == Notice::kKey) out += e.key == Key::kInsert ? " insert" : " enter";
         return out;
       }
       default: return out;

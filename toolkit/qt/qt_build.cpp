@@ -5,10 +5,12 @@
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDialog>
 #include <QEvent>
 #include <QFocusEvent>
 #include <QFontDatabase>
 #include <QGroupBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -49,6 +51,38 @@ class FocusWatcher : public QObject {
  private:
   QtToolkit& tk_;
   WindowId w_;
+};
+
+// Reports the keys a list box has no use for itself (Notice::kKey): Insert,
+// and Enter outside a dialog (where it presses the default button).
+class ListKeyWatcher : public QObject {
+ public:
+  ListKeyWatcher(QtToolkit& tk, WindowId w, int id, QObject* parent)
+      : QObject(parent), tk_(tk), w_(w), id_(id) {}
+
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (event->type() != QEvent::KeyPress) return false;
+    auto* press = static_cast<QKeyEvent*>(event);
+    if (press->modifiers() != Qt::NoModifier && press->modifiers() != Qt::KeypadModifier) {
+      return false;
+    }
+    Key key = Key::kNone;
+    if (press->key() == Qt::Key_Insert) {
+      key = Key::kInsert;
+    } else if (press->key() == Qt::Key_Return || press->key() == Qt::Key_Enter) {
+      auto* widget = qobject_cast<QWidget*>(watched);
+      if (widget == nullptr || qobject_cast<QDialog*>(widget->window()) != nullptr) return false;
+      key = Key::kEnter;
+    }
+    if (key == Key::kNone) return false;
+    tk_.deliver(w_, key_event(id_, key));
+    return true;
+  }
+
+ private:
+  QtToolkit& tk_;
+  WindowId w_;
+  int id_;
 };
 
 ScrollAction scroll_action(int action) {
@@ -103,6 +137,7 @@ QWidget* make_list(QtToolkit& tk, WindowId w, const ControlDef& d, QWidget* pare
                    [&tk, w, id = d.id] { tk.notify(w, id, Notice::kSelectionChanged); });
   QObject::connect(list, &QListWidget::itemDoubleClicked, parent,
                    [&tk, w, id = d.id] { tk.notify(w, id, Notice::kDoubleClicked); });
+  list->installEventFilter(new ListKeyWatcher(tk, w, d.id, list));
   return list;
 }
 

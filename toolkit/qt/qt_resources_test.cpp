@@ -230,6 +230,8 @@ class QtBackEndTest : public QObject {
     QVERIFY(std::count(rec.lines.begin(), rec.lines.end(), "15 9 selection") == 1);
     QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(list->item(1)).center());
     QCOMPARE(rec.lines.back(), std::string("15 9 double"));
+    QTest::keyClick(list, Qt::Key_Insert);
+    QCOMPARE(rec.lines.back(), std::string("15 9 key insert"));
     Control multi = d.control(kMulti);
     for (const char* row : {"a", "b", "c"}) multi.add(row);
     multi.select(0);

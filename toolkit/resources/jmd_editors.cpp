@@ -36,10 +36,13 @@ constexpr ControlDef kJmdListControls[] = {
 constexpr WindowDef kJmdListDef{kJmdListWindow, WindowKind::kDocument, "Job Management Database",
                                 {360, 230}, kJmdListControls};
 
-// One job's steps, several of which can be selected to move, cut or delete.
+// One job's steps, several of which can be selected to move, cut or delete;
+// below the list, which steps of how many are shown. The filter narrows the
+// steps to those holding its text.
 constexpr ControlDef kJobControls[] = {
     {kJobNameField, K::kEdit, "", {7, 15, 150, 12}, kNoStyle, 51},
-    {kJmdList, K::kListBox, "", {7, 53, 232, 190}, kMultiSelect | kFixedFont},
+    {kJmdList, K::kListBox, "", {7, 53, 232, 176}, kMultiSelect | kFixedFont},
+    {kJmdCount, K::kStatic, "", {7, 232, 232, 10}},
     {kJmdEdit, K::kButton, "&Edit Step...", {246, 53, 59, 14}},
     {kJmdNew, K::kButton, "&New Step...", {246, 71, 59, 14}},
     {kJmdDelete, K::kButton, "&Delete Step", {246, 89, 59, 14}},
@@ -47,6 +50,8 @@ constexpr ControlDef kJobControls[] = {
     {kJobStepDown, K::kButton, "Do&wn", {246, 131, 59, 14}},
     {kJmdPrevious, K::kButton, "&Previous", {246, 155, 59, 14}, kHidden},
     {kJmdNext, K::kButton, "Ne&xt", {246, 173, 59, 14}, kHidden},
+    {kNoId, K::kStatic, "&Filter:", {246, 195, 59, 8}},
+    {kJmdFilter, K::kEdit, "", {246, 205, 59, 12}},
     {kJmdClose, K::kButton, "&Close", {246, 229, 59, 14}},
 };
 constexpr WindowDef kJob{kJobWindow, WindowKind::kDocument, "Job", {312, 250}, kJobControls};
