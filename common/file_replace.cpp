@@ -1,6 +1,7 @@
 #include "common/file_replace.h"
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -189,11 +190,14 @@ FileResult FileReplacement::commit() {
     held = temp_name_for(target_);
     if (files_.link(target_, held) != 0) held.clear();
   }
-  if (int error = files_.rename(temporary_, target_)) {
+  int published = options_.keep_existing ? files_.link(temporary_, target_)
+                                         : files_.rename(temporary_, target_);
+  if (published != 0) {
     if (!held.empty()) files_.remove(held);
-    fail(FileStep::kRename, error);
+    fail(FileStep::kRename, published);
     return result_;
   }
+  if (options_.keep_existing) files_.remove(temporary_);  // the target's name stays
   temporary_.clear();
   if (!held.empty() && files_.rename(held, options_.backup) != 0) files_.remove(held);
   // The new contents are whole and in place. Should the directory not sync,
@@ -228,6 +232,39 @@ FileResult rewrite_file(const std::string& path, const TextChange& change, FileS
     result = replace_file(path, *new_text, files, kept);
   }
   if (created && (!new_text || !result)) files.remove(path);
+  return result;
+}
+
+FileResult append_file(const std::string& path, std::string_view text, mode_t mode,
+                       FileSystem& files) {
+  UniqueFd file;
+  bool created = false;
+  if (int error = files.lock(path, true, file, created)) return {FileStep::kLock, error};
+  struct stat old {};
+  if (::fstat(file.get(), &old) != 0 || ::fcntl(file.get(), F_SETFL, O_APPEND) != 0) {
+    return {FileStep::kLock, errno};
+  }
+  // The file was made with 0666 less the umask; narrow that to mode.
+  if (created) ::fchmod(file.get(), old.st_mode & mode & 07777);
+  // A second descriptor of the same open file keeps the lock, and the means
+  // to cut the file back, past a close that fails.
+  UniqueFd held(::fcntl(file.get(), F_DUPFD_CLOEXEC, 0));
+  if (!held.valid()) return {FileStep::kLock, errno};
+  FileResult result;
+  if (int error = files.write(file.get(), text)) {
+    result = {FileStep::kWrite, error};
+  } else if (int error = files.sync(file.get())) {
+    result = {FileStep::kSync, error};
+  } else if (int error = files.close(file)) {
+    result = {FileStep::kWrite, error};
+  }
+  if (!result) {
+    if (created) {
+      files.remove(path);
+    } else if (::ftruncate(held.get(), old.st_size) == 0) {
+      ::fsync(held.get());
+    }
+  }
   return result;
 }
 
