@@ -31,6 +31,12 @@ std::string resolved_path(const std::string& path) {
   return real ? std::string(real.get()) : path;
 }
 
+// True when something (even a dangling link) has the name path.
+bool path_exists(const std::string& path) {
+  struct stat info;
+  return ::lstat(path.c_str(), &info) == 0 || errno != ENOENT;
+}
+
 // "." + name + ".px": what every temporary of the file name starts with.
 std::string temp_prefix(std::string_view name) {
   return "." + std::string(name) + std::string(kTempMark);
@@ -190,14 +196,20 @@ FileResult FileReplacement::commit() {
     held = temp_name_for(target_);
     if (files_.link(target_, held) != 0) held.clear();
   }
-  int published = options_.keep_existing ? files_.link(temporary_, target_)
-                                         : files_.rename(temporary_, target_);
+  bool linked = options_.keep_existing;
+  int published = linked ? files_.link(temporary_, target_) : files_.rename(temporary_, target_);
+  if (linked && (published == EPERM || published == EOPNOTSUPP) && !path_exists(target_)) {
+    // A file system without hard links (some network shares): a rename
+    // while the name is free is the nearest it has.
+    linked = false;
+    published = files_.rename(temporary_, target_);
+  }
   if (published != 0) {
     if (!held.empty()) files_.remove(held);
     fail(FileStep::kRename, published);
     return result_;
   }
-  if (options_.keep_existing) files_.remove(temporary_);  // the target's name stays
+  if (linked) files_.remove(temporary_);  // the target's name stays
   temporary_.clear();
   if (!held.empty() && files_.rename(held, options_.backup) != 0) files_.remove(held);
   // The new contents are whole and in place. Should the directory not sync,

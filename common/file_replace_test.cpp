@@ -227,6 +227,16 @@ TEST_F(FileReplaceTest, KeepExistingPublishesOnlyANewName) {
   EXPECT_TRUE(replace_file(dir_.file("job01.msg"), "second", system_file_system(), keep));
   EXPECT_EQ(dir_.read("job01.msg"), "second");
   EXPECT_EQ(names(), (std::set<std::string>{"job00.msg", "job01.msg"}));
+
+  // Where the file system has no hard links, a free name is still taken
+  // whole, and a taken one still refused.
+  FaultyFileSystem no_links(FaultyFileSystem::kLink, EPERM);
+  EXPECT_TRUE(replace_file(dir_.file("job02.msg"), "third", no_links, keep));
+  EXPECT_EQ(dir_.read("job02.msg"), "third");
+  refused = replace_file(taken, "fourth", no_links, keep);
+  EXPECT_EQ(refused.error, EPERM);
+  EXPECT_EQ(dir_.read("job00.msg"), "first");
+  EXPECT_EQ(names(), (std::set<std::string>{"job00.msg", "job01.msg", "job02.msg"}));
 }
 
 TEST_F(FileReplaceTest, AppendAddsWholeOrNothing) {
