@@ -252,16 +252,20 @@ FileResult append_file(const std::string& path, std::string_view text, mode_t mo
   UniqueFd file;
   bool created = false;
   if (int error = files.lock(path, true, file, created)) return {FileStep::kLock, error};
+  // A second descriptor of the same open file keeps the lock, and the means
+  // to cut the file back, past a close that fails.
   struct stat old {};
-  if (::fstat(file.get(), &old) != 0 || ::fcntl(file.get(), F_SETFL, O_APPEND) != 0) {
-    return {FileStep::kLock, errno};
+  UniqueFd held;
+  if (::fstat(file.get(), &old) == 0 && ::fcntl(file.get(), F_SETFL, O_APPEND) == 0) {
+    held.reset(::fcntl(file.get(), F_DUPFD_CLOEXEC, 0));
+  }
+  if (!held.valid()) {
+    int error = errno;
+    if (created) files.remove(path);
+    return {FileStep::kLock, error};
   }
   // The file was made with 0666 less the umask; narrow that to mode.
   if (created) ::fchmod(file.get(), old.st_mode & mode & 07777);
-  // A second descriptor of the same open file keeps the lock, and the means
-  // to cut the file back, past a close that fails.
-  UniqueFd held(::fcntl(file.get(), F_DUPFD_CLOEXEC, 0));
-  if (!held.valid()) return {FileStep::kLock, errno};
   FileResult result;
   if (int error = files.write(file.get(), text)) {
     result = {FileStep::kWrite, error};
