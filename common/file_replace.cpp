@@ -1,6 +1,7 @@
 #include "common/file_replace.h"
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -28,6 +29,12 @@ constexpr std::string_view kTempMark = ".px";
 std::string resolved_path(const std::string& path) {
   std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
   return real ? std::string(real.get()) : path;
+}
+
+// True when something (even a dangling link) has the name path.
+bool path_exists(const std::string& path) {
+  struct stat info;
+  return ::lstat(path.c_str(), &info) == 0 || errno != ENOENT;
 }
 
 // "." + name + ".px": what every temporary of the file name starts with.
@@ -189,11 +196,20 @@ FileResult FileReplacement::commit() {
     held = temp_name_for(target_);
     if (files_.link(target_, held) != 0) held.clear();
   }
-  if (int error = files_.rename(temporary_, target_)) {
+  bool linked = options_.keep_existing;
+  int published = linked ? files_.link(temporary_, target_) : files_.rename(temporary_, target_);
+  if (linked && (published == EPERM || published == EOPNOTSUPP) && !path_exists(target_)) {
+    // A file system without hard links (some network shares): a rename
+    // while the name is free is the nearest it has.
+    linked = false;
+    published = files_.rename(temporary_, target_);
+  }
+  if (published != 0) {
     if (!held.empty()) files_.remove(held);
-    fail(FileStep::kRename, error);
+    fail(FileStep::kRename, published);
     return result_;
   }
+  if (linked) files_.remove(temporary_);  // the target's name stays
   temporary_.clear();
   if (!held.empty() && files_.rename(held, options_.backup) != 0) files_.remove(held);
   // The new contents are whole and in place. Should the directory not sync,
@@ -228,6 +244,43 @@ FileResult rewrite_file(const std::string& path, const TextChange& change, FileS
     result = replace_file(path, *new_text, files, kept);
   }
   if (created && (!new_text || !result)) files.remove(path);
+  return result;
+}
+
+FileResult append_file(const std::string& path, std::string_view text, mode_t mode,
+                       FileSystem& files) {
+  UniqueFd file;
+  bool created = false;
+  if (int error = files.lock(path, true, file, created)) return {FileStep::kLock, error};
+  // A second descriptor of the same open file keeps the lock, and the means
+  // to cut the file back, past a close that fails.
+  struct stat old {};
+  UniqueFd held;
+  if (::fstat(file.get(), &old) == 0 && ::fcntl(file.get(), F_SETFL, O_APPEND) == 0) {
+    held.reset(::fcntl(file.get(), F_DUPFD_CLOEXEC, 0));
+  }
+  if (!held.valid()) {
+    int error = errno;
+    if (created) files.remove(path);
+    return {FileStep::kLock, error};
+  }
+  // The file was made with 0666 less the umask; narrow that to mode.
+  if (created) ::fchmod(file.get(), old.st_mode & mode & 07777);
+  FileResult result;
+  if (int error = files.write(file.get(), text)) {
+    result = {FileStep::kWrite, error};
+  } else if (int error = files.sync(file.get())) {
+    result = {FileStep::kSync, error};
+  } else if (int error = files.close(file)) {
+    result = {FileStep::kWrite, error};
+  }
+  if (!result) {
+    if (created) {
+      files.remove(path);
+    } else if (::ftruncate(held.get(), old.st_size) == 0) {
+      ::fsync(held.get());
+    }
+  }
   return result;
 }
 

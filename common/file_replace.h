@@ -79,6 +79,10 @@ struct ReplaceOptions {
   // process dies, but may not survive a power cut. Only for files that are
   // rewritten all the time and cost nothing to lose (the simulator's status).
   bool durable = true;
+  // True publishes the new file only where none exists yet: it is linked to
+  // the name instead of renamed over it, so nothing is ever replaced (commit
+  // then fails at kRename with EEXIST) and no one sees it half-written.
+  bool keep_existing = false;
 };
 
 // A new version of a file, written piece by piece and put in place by
@@ -133,6 +137,14 @@ using TextChange =
 FileResult rewrite_file(const std::string& path, const TextChange& change,
                         FileSystem& files = system_file_system(),
                         const ReplaceOptions& options = {});
+
+// Appends text to path (created with mode, less the umask, when missing) as
+// one piece: under the file's exclusive lock, so appenders in this and other
+// processes never interleave, and synced. On any failure the file is cut
+// back to its old length, so it is as it was; the failed step is returned
+// (kLock for the open, kWrite for a write or close, kSync).
+FileResult append_file(const std::string& path, std::string_view text, mode_t mode,
+                       FileSystem& files = system_file_system());
 
 // Removes the temporary files beside path left by rewrites of it whose
 // process has ended. Failures are ignored.

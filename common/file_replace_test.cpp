@@ -9,6 +9,7 @@
 #include <cstring>
 #include <filesystem>
 #include <set>
+#include <vector>
 
 #include "tests/support/faulty_file_system.h"
 #include "tests/support/test_dir.h"
@@ -223,6 +224,77 @@ TEST_F(FileReplaceTest, RewriteRefusesWhatIsNotARegularFile) {
   FileResult result = rewrite_file(dir_.write("f.ini", "old"), change, unlockable);
   EXPECT_EQ(failure_message(result, "f.ini").number, kMsgNotLocked);
   EXPECT_EQ(dir_.read("f.ini"), "old");
+}
+
+TEST_F(FileReplaceTest, KeepExistingPublishesOnlyANewName) {
+  ReplaceOptions keep;
+  keep.keep_existing = true;
+  std::string taken = dir_.write("job00.msg", "first");
+  FileResult refused = replace_file(taken, "second", system_file_system(), keep);
+  EXPECT_EQ(refused.failed, FileStep::kRename);
+  EXPECT_EQ(refused.error, EEXIST);
+  EXPECT_EQ(dir_.read("job00.msg"), "first");
+  EXPECT_TRUE(replace_file(dir_.file("job01.msg"), "second", system_file_system(), keep));
+  EXPECT_EQ(dir_.read("job01.msg"), "second");
+  EXPECT_EQ(names(), (std::set<std::string>{"job00.msg", "job01.msg"}));
+
+  // Where the file system has no hard links, a free name is still taken
+  // whole, and a taken one still refused.
+  FaultyFileSystem no_links(FaultyFileSystem::kLink, EPERM);
+  EXPECT_TRUE(replace_file(dir_.file("job02.msg"), "third", no_links, keep));
+  EXPECT_EQ(dir_.read("job02.msg"), "third");
+  refused = replace_file(taken, "fourth", no_links, keep);
+  EXPECT_EQ(refused.error, EPERM);
+  EXPECT_EQ(dir_.read("job00.msg"), "first");
+  EXPECT_EQ(names(), (std::set<std::string>{"job00.msg", "job01.msg", "job02.msg"}));
+}
+
+TEST_F(FileReplaceTest, AppendAddsWholeOrNothing) {
+  mode_t umask_was = ::umask(022);
+  std::string log = dir_.file("audit.log");
+  bool appended = static_cast<bool>(append_file(log, "one\n", 0660));
+  ::umask(umask_was);
+  ASSERT_TRUE(appended);
+  EXPECT_EQ(mode_of(log), 0640u);  // 0660 less the umask
+  ASSERT_TRUE(append_file(log, "two\n", 0660));
+  EXPECT_EQ(dir_.read("audit.log"), "one\ntwo\n");
+  for (auto step : {FaultyFileSystem::kWrite, FaultyFileSystem::kSync, FaultyFileSystem::kClose}) {
+    FaultyFileSystem files(step, ENOSPC);
+    EXPECT_FALSE(append_file(log, "three\n", 0660, files)) << step;
+    EXPECT_EQ(dir_.read("audit.log"), "one\ntwo\n") << step;
+  }
+  // A file made for a record that failed goes again.
+  FaultyFileSystem files(FaultyFileSystem::kWrite, EIO);
+  FileResult failed = append_file(dir_.file("new.log"), "x\n", 0660, files);
+  EXPECT_EQ(failed.failed, FileStep::kWrite);
+  EXPECT_EQ(names(), (std::set<std::string>{"audit.log"}));
+}
+
+TEST_F(FileReplaceTest, AppendsOfManyProcessesNeverMix) {
+  std::string log = dir_.file("shared.log");
+  const std::string line_a(3000, 'a'), line_b(3000, 'b');
+  std::vector<pid_t> children;
+  for (const std::string* line : {&line_a, &line_b}) {
+    pid_t child = fork();
+    if (child == 0) {
+      for (int i = 0; i < 200; ++i) {
+        if (!append_file(log, *line + "\n", 0660)) _exit(1);
+      }
+      _exit(0);
+    }
+    children.push_back(child);
+  }
+  for (pid_t child : children) {
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+  }
+  std::string text = dir_.read("shared.log");
+  ASSERT_EQ(text.size(), 400u * 3001u);
+  for (size_t at = 0; at < text.size(); at += 3001) {
+    std::string line = text.substr(at, 3000);
+    EXPECT_TRUE(line == line_a || line == line_b) << "line at " << at;
+  }
 }
 
 }  // namespace

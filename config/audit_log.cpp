@@ -1,6 +1,5 @@
 #include "config/audit_log.h"
 
-#include <fcntl.h>
 #include <pwd.h>
 #include <syslog.h>
 #include <unistd.h>
@@ -10,10 +9,10 @@
 #include <cstring>
 #include <vector>
 
+#include "common/file_replace.h"
 #include "common/ini_profile.h"
 #include "common/messages.h"
 #include "common/text.h"
-#include "common/unique_fd.h"
 
 namespace px {
 
@@ -129,32 +128,22 @@ std::string audit_syslog_text(const AuditRecord& r) {
 
 std::string audit_log_file() { return ini::get_string("Options", "AuditLog", "", kPathSize); }
 
-bool append_audit_line(const std::string& file, const AuditRecord& record, std::string& error) {
-  UniqueFd fd(::open(file.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0660));
-  if (!fd.valid()) {
-    error = std::strerror(errno);
-    return false;
-  }
-  std::string line = format_audit_line(record);
-  ssize_t written;
-  do {
-    written = ::write(fd.get(), line.data(), line.size());
-  } while (written < 0 && errno == EINTR);
-  if (written != static_cast<ssize_t>(line.size())) {
-    error = written < 0 ? std::strerror(errno) : "the record was cut short";
-    return false;
-  }
-  return true;
+bool append_audit_line(const std::string& file, const AuditRecord& record, std::string& error,
+                       FileSystem& files) {
+  FileResult result = append_file(file, format_audit_line(record), 0660, files);
+  if (!result) error = std::strerror(result.error);
+  return static_cast<bool>(result);
 }
 
-bool write_audit_record(const AuditRecord& record, std::string& file, std::string& error) {
+bool write_audit_record(const AuditRecord& record, std::string& file, std::string& error,
+                        FileSystem& files) {
   std::string ident = record.program.empty() ? "nexa-control" : record.program;
   ::openlog(ident.c_str(), LOG_PID, LOG_USER);
   ::syslog(record.result == "done" ? LOG_NOTICE : LOG_WARNING, "%s",
            audit_syslog_text(record).c_str());
   ::closelog();
   file = audit_log_file();
-  return file.empty() || append_audit_line(file, record, error);
+  return file.empty() || append_audit_line(file, record, error, files);
 }
 
 std::optional<std::time_t> parse_audit_time(std::string_view text) {

@@ -17,14 +17,18 @@
 //             the action, 0 when none
 //
 // A tab or line end inside a field is written as a blank, an empty field as
-// "-". Each record goes to the file in one write(2) on a descriptor opened
-// with O_APPEND, so records of consoles appending at once never interleave.
+// "-". Each record is appended in one piece under the file's lock
+// (append_file of common/file_replace.h), so records of consoles appending
+// at once never interleave, and a record that cannot be written whole leaves
+// the file as it was.
 #pragma once
 
 #include <ctime>
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "common/file_system.h"
 
 namespace px {
 
@@ -62,13 +66,16 @@ std::string audit_syslog_text(const AuditRecord& record);
 // empty when it is not set.
 std::string audit_log_file();
 
-// Appends the record's line to file in one write; false with the reason in
-// error when the file cannot be opened or the line was not written whole.
-bool append_audit_line(const std::string& file, const AuditRecord& record, std::string& error);
+// Appends the record's line to file (made 0660 less the umask when missing);
+// false with the reason in error when it could not be appended whole, the
+// file then as it was.
+bool append_audit_line(const std::string& file, const AuditRecord& record, std::string& error,
+                       FileSystem& files = system_file_system());
 
 // Writes the record to the system log and, when AuditLog is set, to its
 // file; false with the file and the reason when the file was not written.
-bool write_audit_record(const AuditRecord& record, std::string& file, std::string& error);
+bool write_audit_record(const AuditRecord& record, std::string& file, std::string& error,
+                        FileSystem& files = system_file_system());
 
 // TIME of "pxctl audit --since TIME": YYYY-MM-DD, optionally followed by
 // "T" or a blank and HH:MM or HH:MM:SS; local time, or UTC when it ends in

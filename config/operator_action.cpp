@@ -34,8 +34,9 @@ bool read_only_mode() {
 
 std::string read_only_reason() { return expand(messages::message_text(msg::kReadOnlyReason)); }
 
-OperatorAction::OperatorAction(Operator& op, std::string action, std::string instance)
-    : noting_(op), action_(std::move(action)), instance_(std::move(instance)) {
+OperatorAction::OperatorAction(Operator& op, std::string action, std::string instance,
+                               FileSystem& files)
+    : noting_(op), files_(files), action_(std::move(action)), instance_(std::move(instance)) {
   permitted_ = !read_only_mode();
   if (permitted_) return;
   noting_.show(msg::kReadOnlyRefused, {action_});
@@ -54,7 +55,7 @@ void OperatorAction::finish(ActionResult result) {
 void OperatorAction::record(const char* result) {
   AuditRecord entry = audit_record_now(instance_, action_, result, noting_.last);
   std::string file, error;
-  if (!write_audit_record(entry, file, error)) {
+  if (!write_audit_record(entry, file, error, files_)) {
     noting_.target.show(msg::kAuditNotWritten, {action_, file, error});
   }
 }

@@ -25,6 +25,7 @@
 #include <string>
 #include <vector>
 
+#include "common/file_system.h"
 #include "config/operator.h"
 
 namespace px {
@@ -54,7 +55,9 @@ class OperatorAction {
   // Starts the action named action (a pxctl-like name such as "pause" or
   // "ini set FILE SECTION KEY") on instance (empty for none); in read-only
   // mode it is refused at once with message 1700 through op.
-  OperatorAction(Operator& op, std::string action, std::string instance);
+  // The audit record's file steps go through files (tests fail them).
+  OperatorAction(Operator& op, std::string action, std::string instance,
+                 FileSystem& files = system_file_system());
   // A permitted action that was never finished counts as failed.
   ~OperatorAction();
   OperatorAction(const OperatorAction&) = delete;
@@ -85,6 +88,7 @@ class OperatorAction {
   };
 
   NotingOperator noting_;
+  FileSystem& files_;
   std::string action_;
   std::string instance_;
   bool permitted_ = false;

@@ -1,12 +1,11 @@
 #include "control/control_job.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
 
+#include "common/file_replace.h"
 #include "common/file_util.h"
 #include "common/ini_profile.h"
 #include "config/message_numbers.h"
@@ -19,80 +18,45 @@ namespace {
 
 constexpr size_t kTemplateKeysSize = 10240;
 constexpr size_t kTemplateLineSize = 512;
-constexpr size_t kCopyChunk = 1024;
-
-bool write_all(int fd, std::string_view data) {
-  while (!data.empty()) {
-    ssize_t n = ::write(fd, data.data(), data.size());
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) return false;
-    data.remove_prefix(static_cast<size_t>(n));
-  }
-  return true;
-}
-
-bool copy_from_start(int from, int to) {
-  if (::lseek(from, 0, SEEK_SET) != 0) return false;
-  char chunk[kCopyChunk];
-  for (;;) {
-    ssize_t n = ::read(from, chunk, sizeof chunk);
-    if (n < 0 && errno == EINTR) continue;
-    if (n < 0) return false;
-    if (n == 0) return true;
-    if (!write_all(to, std::string_view(chunk, static_cast<size_t>(n)))) return false;
-  }
-}
 
 // The scratch copy of a job. Consoles sharing a current directory take turns
-// on it through a lock, and each reads its own text back through its own
-// descriptor; the name is removed when the object goes.
+// on it through its lock; the name is removed when the object goes.
 class ScratchFile {
  public:
-  explicit ScratchFile(std::string path)
-      : path_(std::move(path)), fd_(::open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {
-    locked_ = fd_.valid() && ::flock(fd_.get(), LOCK_EX) == 0;
+  ScratchFile(std::string path, FileSystem& files) : path_(std::move(path)), files_(files) {
+    bool created = false;
+    locked_ = files_.lock(path_, true, fd_, created) == 0;
   }
   ScratchFile(const ScratchFile&) = delete;
   ScratchFile& operator=(const ScratchFile&) = delete;
   ~ScratchFile() {
-    if (fd_.valid()) ::unlink(path_.c_str());
+    if (locked_) files_.remove(path_);
   }
 
   bool write(std::string_view text) {
-    return locked_ && ::ftruncate(fd_.get(), 0) == 0 && write_all(fd_.get(), text);
+    return locked_ && ::ftruncate(fd_.get(), 0) == 0 && files_.write(fd_.get(), text) == 0;
   }
-  int fd() const { return fd_.get(); }
   const std::string& path() const { return path_; }
 
  private:
   std::string path_;
-  UniqueFd fd_;
+  FileSystem& files_;
+  UniqueFd fd_;  // held open, and locked, until the job is published
   bool locked_ = false;
 };
 
 enum class Publish { kDone, kExists, kFailed };
 
-// Creates target, which must not exist yet, with the scratch file's text. An
-// unnamed file is filled in the directory and then linked to the name, so the
-// server never sees the job half-written; where the file system has no
-// unnamed files, the target is created exclusively and removed again when
-// the copy fails.
-Publish publish(int source, const std::string& directory, const std::string& target) {
-  UniqueFd unnamed(::open(directory.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666));
-  if (unnamed.valid()) {
-    if (!copy_from_start(source, unnamed.get())) return Publish::kFailed;
-    std::string self = "/proc/self/fd/" + std::to_string(unnamed.get());
-    if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, target.c_str(), AT_SYMLINK_FOLLOW) == 0) {
-      return Publish::kDone;
-    }
-    if (errno == EEXIST) return Publish::kExists;
-  }
-  UniqueFd out(::open(target.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-  if (!out.valid()) return errno == EEXIST ? Publish::kExists : Publish::kFailed;
-  if (copy_from_start(source, out.get())) return Publish::kDone;
-  out.reset();
-  ::unlink(target.c_str());
-  return Publish::kFailed;
+// Creates target, which must not exist yet, with text: written whole beside
+// it first and then given the target's name, so the server never sees the
+// job half-written and an existing file of that name is never touched.
+Publish publish(std::string_view text, const std::string& target, FileSystem& files) {
+  ReplaceOptions options;
+  options.keep_existing = true;
+  FileResult result = replace_file(target, text, files, options);
+  if (result) return Publish::kDone;
+  return result.failed == FileStep::kRename && result.error == EEXIST ? Publish::kExists
+                                                                      : Publish::kFailed;
 }
 
 std::string stamp(const char* format, const std::tm& moment) {
@@ -194,23 +158,25 @@ std::optional<int> first_free_control_file(const std::string& directory, int fir
 }
 
 bool write_control_job(std::string_view text, const std::string& directory, ControlCommand command,
-                       int* number, const std::string& scratch_directory, Operator& op) {
+                       int* number, const std::string& scratch_directory, Operator& op,
+                       FileSystem& files) {
   const bool shutdown = command == ControlCommand::kShutDown;
-  ScratchFile scratch(join_path(shutdown ? "stopserv.$$$" : "pxcntrl.$$$", scratch_directory));
+  ScratchFile scratch(join_path(shutdown ? "stopserv.$$$" : "pxcntrl.$$$", scratch_directory),
+                      files);
   if (!scratch.write(text)) {
     op.show(msg::kScratchNotCreated, {display_path(scratch.path())});
     return false;
   }
   if (shutdown) {
     std::string target = directory + kShutdownFileName;
-    Publish result = publish(scratch.fd(), directory, target);
+    Publish result = publish(text, target, files);
     if (result == Publish::kExists) op.show(msg::kShutdownPending);
     if (result == Publish::kFailed) op.show(msg::kTargetNotCreated, {display_path(target)});
     return result == Publish::kDone;
   }
   for (int n = *number;;) {
     std::string target = directory + control_file_name(n);
-    Publish result = publish(scratch.fd(), directory, target);
+    Publish result = publish(text, target, files);
     if (result == Publish::kDone) {
       *number = n;
       return true;

@@ -25,7 +25,8 @@
 // Writing. The job is first written to a scratch file in the current
 // directory, pxcntrl.$$$ (stopserv.$$$ for a shutdown), which is always
 // removed afterwards. Its text is then published under the target name at
-// once and whole, and only when no file of that name exists: a numbered name
+// once and whole (a synced temporary beside it linked to the name, as
+// common/file_replace.h does), and only when no file of that name exists: a numbered name
 // taken meanwhile by someone else makes the next free number used, an
 // existing stopserv.msg stops a shutdown. No failure leaves a partial file.
 #pragma once
@@ -36,6 +37,7 @@
 #include <string_view>
 #include <vector>
 
+#include "common/file_system.h"
 #include "config/operator.h"
 
 namespace px {
@@ -76,8 +78,9 @@ std::optional<int> first_free_control_file(const std::string& directory, int fir
 // current directory) and publishes it in directory under target (a
 // shutdown), or under the first free numbered name from *number on (the
 // number used is stored back). Shows 147, 149, 155 or 158 and answers false
-// on failure.
+// on failure. The file steps go through files.
 bool write_control_job(std::string_view text, const std::string& directory, ControlCommand command,
-                       int* number, const std::string& scratch_directory, Operator& op);
+                       int* number, const std::string& scratch_directory, Operator& op,
+                       FileSystem& files = system_file_system());
 
 }  // namespace px

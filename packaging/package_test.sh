@@ -68,6 +68,38 @@ while read -r number; do
   grep -q "^Msg${number#-}=" "$root/etc/pxcntrl.ini" || fail "message $number is missing from /etc/pxcntrl.ini"
 done < <(sed -n 's/^| \(-\{0,1\}[0-9][0-9]*\) |.*/\1/p' "$source/docs/messages.md")
 
+# Every warning and error of the catalogue's documentation is in the
+# installed guide's troubleshooting section, alone or in a range "A to B".
+guide="$root/usr/share/doc/nexa-control/guide.md"
+sed -n '/^## 6\. Troubleshooting/,$p' "$guide" | grep '^| ' | awk -F' [|] ' '{ print $1 }' |
+  sed 's/^| //' | awk '{
+    n = split($0, parts, /, /)
+    for (i = 1; i <= n; i++) {
+      if (split(parts[i], r, / to /) == 2) for (k = r[1]; k <= r[2]; k++) print k
+      else print parts[i]
+    }
+  }' | sort -u >"$scratch/troubleshooting"
+while read -r number; do
+  grep -qxF -- "$number" "$scratch/troubleshooting" || fail "message $number is not in the guide's troubleshooting"
+done < <(sed -n 's/^| \(-\{0,1\}[0-9][0-9]*\) | [23]0 |.*/\1/p' "$source/docs/messages.md")
+
+# Every pxctl command of README's table has its entry in pxctl(1): a line of
+# the rendered page's command list that starts with it (or lists it after a
+# comma, as "pause, resume, ...").
+LC_ALL=C MANWIDTH=200 man -l "$root/usr/share/man/man1/pxctl.1.gz" 2>/dev/null >"$scratch/pxctl.man"
+readme_commands() {  # each command of README's pxctl table, as its leading words
+  sed -n '/^| command | what it does |$/,/^$/p' "$source/README.md" | tail -n +3 |
+    awk -F' [|] ' '{ print $1 }' | grep -o '`[^`]*`' | tr -d '`' |
+    awk '{ phrase = ""; for (i = 1; i <= NF && $i ~ /^-?-?[a-z][a-z-]*$/; i++) phrase = phrase (i > 1 ? " " : "") $i;
+           if (phrase != "") print phrase }'
+}
+checked=0
+while read -r phrase; do
+  checked=$((checked + 1))
+  grep -qE "^ {7}(\S.*, )?${phrase}( |,|\$)" "$scratch/pxctl.man" || fail "pxctl(1) has no entry for '$phrase'"
+done < <(readme_commands)
+[ "$checked" -ge 40 ] || fail "only $checked commands found in README's table"
+
 desktop-file-validate "$root/usr/share/applications/nexa-control.desktop" || fail "desktop-file-validate"
 for program in pxcntrl pxctl pxserver-sim; do
   page="$(MANWIDTH=80 man --warnings -l "$root/usr/share/man/man1/$program.1.gz" 2>&1)"
@@ -89,13 +121,28 @@ complete_line() {  # complete_line WORD...: the completions of the last word
     printf "%s\n" "${COMPREPLY[@]}"' _ "$root/usr/share/bash-completion/completions/pxctl" "$@" | sort | tr '\n' ' '
 }
 got="$(complete_line "$root/usr/bin/pxctl" re)"
-[ "$got" = "reload-jobs reload-printer resume " ] || fail "completion of 're' gave: $got"
+[ "$got" = "reject-file rejects reload-jobs reload-printer resume " ] || fail "completion of 're' gave: $got"
 got="$(complete_line "$root/usr/bin/pxctl" "-aii$scratch/site/pxcntrl.ini" --instance "")"
 [ "$got" = "north south " ] || fail "completion after --instance gave: $got"
-got="$(complete_line "$root/usr/bin/pxctl" "-aii$scratch/site/pxcntrl.ini" --instance north config "")"
+got="$(complete_line "$root/usr/bin/pxctl" st)"
+[ "$got" = "start start-email state status stop-email " ] || fail "completion of 'st' gave: $got"
+got="$(complete_line "$root/usr/bin/pxctl" "-aii$scratch/site/pxcntrl.ini" --instance north config show "")"
 [ "$got" = "PXEMIO PXSERVER " ] || fail "completion of process keys gave: $got"
+got="$(complete_line "$root/usr/bin/pxctl" "-aii$scratch/site/pxcntrl.ini" --instance north log --process "")"
+[ "$got" = "PXEMIO PXSERVER " ] || fail "completion of log --process gave: $got"
+got="$(complete_line "$root/usr/bin/pxctl" config show PXSERVER "")"
+[ "$got" = "characters currency jobcard locations network " ] || fail "completion of config forms gave: $got"
+got="$(complete_line "$root/usr/bin/pxctl" "-aii$scratch/site/pxcntrl.ini" instances default "")"
+[ "$got" = "north south " ] || fail "completion of instances default gave: $got"
+got="$(complete_line "$root/usr/bin/pxctl" jmd "")"
+[ "$got" = "add add-step check copy-job delete delete-step edit edit-step list move-step new-job save show " ] ||
+  fail "completion of jmd subcommands gave: $got"
 got="$(complete_line "$root/usr/bin/pxctl" jmd list x.jmd "")"
 [ "$got" = "jobs memory printers tasks " ] || fail "completion of jmd list tables gave: $got"
+got="$(complete_line "$root/usr/bin/pxctl" jmd show x.jmd "")"
+[ "$got" = "jobs memory printers steps tasks " ] || fail "completion of jmd show tables gave: $got"
+got="$(complete_line "$root/usr/bin/pxctl" jmd add x.jmd "")"
+[ "$got" = "memory printers tasks " ] || fail "completion of jmd add tables gave: $got"
 
 # --- lintian ----------------------------------------------------------------
 echo "lintian:"
