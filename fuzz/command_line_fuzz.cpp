@@ -1,11 +1,17 @@
 // Fuzzes the command-line rebuild, indirect-file expansion and split. The
 // input is split at NUL bytes into arguments; the first one is also written
 // to a file that the line names with "@", and that file may name itself.
+//
+// The file has no name on disk: it is unlinked as soon as it is made and
+// named through /proc/self/fd, so no run, not even a crashed one, leaves it
+// behind.
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -13,9 +19,33 @@
 
 namespace {
 
-const std::string& indirect_path() {
-  static const std::string path = "/tmp/px_fuzz_indirect_" + std::to_string(getpid());
-  return path;
+class UnnamedFile {
+ public:
+  UnnamedFile() {
+    std::string name = (std::filesystem::temp_directory_path() / "px_fuzz_at.XXXXXX").string();
+    fd_ = mkstemp(name.data());
+    if (fd_ < 0) abort();
+    unlink(name.c_str());
+    path_ = "/proc/self/fd/" + std::to_string(fd_);
+  }
+  ~UnnamedFile() { close(fd_); }
+
+  void write(const std::string& text) const {
+    if (ftruncate(fd_, 0) != 0) abort();
+    if (!text.empty() && pwrite(fd_, text.data(), text.size(), 0) != static_cast<ssize_t>(text.size())) {
+      abort();
+    }
+  }
+  const std::string& path() const { return path_; }
+
+ private:
+  int fd_ = -1;
+  std::string path_;
+};
+
+const UnnamedFile& indirect_file() {
+  static const UnnamedFile file;
+  return file;
 }
 
 }  // namespace
@@ -30,11 +60,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
       start = i + 1;
     }
   }
-  if (std::FILE* f = std::fopen(indirect_path().c_str(), "w")) {
-    std::fwrite(args[1].data(), 1, args[1].size(), f);
-    std::fclose(f);
-  }
-  if (size > 0 && bytes[0] % 2 == 0) args.push_back("@" + indirect_path());
+  indirect_file().write(args[1]);
+  if (size > 0 && bytes[0] % 2 == 0) args.push_back("@" + indirect_file().path());
 
   std::string line = px::rebuild_command_line(args);
   if (px::expand_indirect_files(line) == 0) {

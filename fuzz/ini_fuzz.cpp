@@ -56,5 +56,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     std::optional<std::string> back = px::find_value(set, section, key, 1024, delims);
     if (!back || *back != value) std::abort();
   }
+
+  // Whatever unwritable_part accepts reads back from a file of its own (a
+  // quoted value without its quotes).
+  if (px::unwritable_part({section, key, value}, delims) == px::Unwritable::kNone) {
+    std::string fresh = px::new_file_text({section, key, value}, delims);
+    std::optional<std::string> back = px::find_value(fresh, section, key, 1024, delims);
+    std::string expected(value);
+    if (expected.size() >= 2 && (expected[0] == '\'' || expected[0] == '"') &&
+        expected.back() == expected[0]) {
+      expected = expected.substr(1, expected.size() - 2);
+    }
+    if (!back || *back != expected) std::abort();
+  }
   return 0;
 }
