@@ -5,6 +5,7 @@
 // digits name.
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <optional>
@@ -44,8 +45,8 @@ void check_time(std::string_view text) {
   if (!time || text.empty() || text.back() != 'Z') return;
   std::tm t{};
   if (gmtime_r(&*time, &t) == nullptr) std::abort();
-  char day[16];
-  std::strftime(day, sizeof day, "%Y-%m-%d", &t);
+  char day[64];
+  std::snprintf(day, sizeof day, "%04d-%02d-%02d", t.tm_year + 1900, t.tm_mon + 1, t.tm_mday);
   // A leap second rolls over into the next minute, possibly the next day.
   bool leap_second = text.size() >= 19 && text.substr(17, 2) == "60";
   bool rolled_over = text.substr(8, 2) > "28";  // 31 April is 1 May
