@@ -39,8 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   if (job.file != name) std::abort();
   bool stop_file = name.size() == 12 && (name[0] == 's' || name[0] == 'S');
   if (stop_file && job.command != Command::kShutDown) std::abort();
-  if (job.command != Command::kNone && px::sim::parse_command(job.command_text) != job.command &&
-      !stop_file) {
+  if (job.command != Command::kNone && px::sim::parse_command(job.command_text) != job.command) {
     std::abort();
   }
   if (job.command != Command::kReloadPrinter && (!job.printers.empty() || !job.form.empty())) {
