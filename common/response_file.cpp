@@ -107,15 +107,19 @@ void write_response(int status, std::string_view message, const std::vector<Name
 Response run_and_read_response(std::string_view command_line) {
   Response response;
   response.status = run_and_wait(command_line);
-  std::optional<std::string> text = read_file(kReadBackName);
-  if (!text) return response;
+  read_response(kReadBackName, response);
+  std::remove(kReadBackName);
+  return response;
+}
+
+void read_response(const std::string& path, Response& response) {
+  std::optional<std::string> text = read_file(path);
+  if (!text) return;
   if (!text->empty() && (*text)[0] == '^') {
-    read_field_response(kReadBackName, response);
+    read_field_response(path, response);
   } else {
     read_basic_response(*text, response);
   }
-  std::remove(kReadBackName);
-  return response;
 }
 
 }  // namespace px

@@ -44,4 +44,9 @@ struct Response {
 // current directory (deleting it): the status starts as the exit status.
 Response run_and_read_response(std::string_view command_line);
 
+// Reads the response file at path into response: a file that begins with "^"
+// in the field format, any other in the basic one. The status stays as it
+// was when the file names none; nothing changes when it cannot be read.
+void read_response(const std::string& path, Response& response);
+
 }  // namespace px

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <vector>
 
@@ -31,11 +32,15 @@ std::string clean(std::string_view text) {
   return out.empty() ? "-" : out;
 }
 
+// Always four digits of year, as the reader wants them (strftime's "%Y"
+// writes year 26 as "26").
 std::string utc_stamp(std::time_t time) {
   std::tm parts{};
   gmtime_r(&time, &parts);
-  std::array<char, 32> text{};
-  std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &parts);
+  std::array<char, 64> text{};
+  std::snprintf(text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02dZ",
+                parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday, parts.tm_hour,
+                parts.tm_min, parts.tm_sec);
   return text.data();
 }
 

@@ -63,6 +63,13 @@ TEST_F(AuditLogTest, LineHoldsEightFieldsAndReadsBack) {
             "audit: user=ann host=host1 instance=- action=\"ini set a b.ini S K\" result=done message=0");
 }
 
+TEST_F(AuditLogTest, EarlyYearsAreWrittenWithFourDigitsSoTheyReadBack) {
+  std::string line = "0026-11-24T13:59:06Z\ta\tb\tc\td\te\tf\t1";
+  std::optional<AuditRecord> record = parse_audit_line(line);
+  ASSERT_TRUE(record);
+  EXPECT_EQ(format_audit_line(*record), line + "\n");
+}
+
 TEST_F(AuditLogTest, TimesOfSince) {
   EXPECT_EQ(parse_audit_time("2026-11-18T11:06:40Z"), std::time_t{1795000000});
   EXPECT_EQ(parse_audit_time("2026-11-18T11:06Z"), std::time_t{1795000000 - 40});

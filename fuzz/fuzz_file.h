@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 namespace px::fuzz {
 
@@ -31,15 +32,26 @@ class ScratchFile {
 
   // Replaces the file's contents with the input.
   const std::string& write(const uint8_t* data, size_t size) const {
-    std::FILE* f = std::fopen(path_.c_str(), "wb");
+    write_file(path_, data, size);
+    return path_;
+  }
+  // Writes the input as another file of the same directory; its path.
+  std::string write_beside(std::string_view name, const uint8_t* data, size_t size) const {
+    std::string path = dir_ + "/" + std::string(name);
+    write_file(path, data, size);
+    return path;
+  }
+  const std::string& path() const { return path_; }
+  const std::string& directory() const { return dir_; }
+
+ private:
+  static void write_file(const std::string& path, const uint8_t* data, size_t size) {
+    std::FILE* f = std::fopen(path.c_str(), "wb");
     if (f == nullptr) abort();
     if (size > 0 && std::fwrite(data, 1, size, f) != size) abort();
     std::fclose(f);
-    return path_;
   }
-  const std::string& path() const { return path_; }
 
- private:
   std::string dir_;
   std::string path_;
 };

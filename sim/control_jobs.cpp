@@ -82,9 +82,13 @@ ControlJob read_control_job(const std::string& directory, const std::string& nam
       job.form = std::string(trim(file.field_value("MDFFileName").value_or("")));
     }
   }
-  if (iequals(name, kStopServerFile)) {
+  // The name is the request: a stopserv.msg that holds another command (or
+  // none) is a plain shut-down, carrying nothing of that command.
+  if (iequals(name, kStopServerFile) && job.command != Command::kShutDown) {
     job.command = Command::kShutDown;
-    if (job.command_text.empty()) job.command_text = kCommands[4].first;
+    job.command_text = kCommands[4].first;
+    job.printers.clear();
+    job.form.clear();
   }
   return job;
 }

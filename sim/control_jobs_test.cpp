@@ -96,6 +96,14 @@ TEST(ControlJobs, StopFileAlwaysShutsDown) {
   ControlJob job = read_control_job(dir.path(), "stopserv.msg");
   EXPECT_EQ(job.command, Command::kShutDown);
   EXPECT_EQ(job.command_text, "Shut Down Server");
+
+  dir.write("StopServ.Msg",
+            "^job PXCNTRLJOB\nPrinter Reload\n^field LogicalPrinter\nLASER1\n^field MDFFileName\na.mdf\n");
+  job = read_control_job(dir.path(), "StopServ.Msg");
+  EXPECT_EQ(job.command, Command::kShutDown);
+  EXPECT_EQ(job.command_text, "Shut Down Server");
+  EXPECT_TRUE(job.printers.empty());
+  EXPECT_TRUE(job.form.empty());
 }
 
 }  // namespace
