@@ -71,13 +71,13 @@ BlockPlan plan_block(const Instance& instance) {
   const std::string& config = instance.config_file;
   const std::string& title = instance.window_title;
 
-  std::string spec = setting("Options", "FileSpec", "", kFileSpecSize, config);
-  if (spec.size() <= 1) {
+  std::string file_spec = setting("Options", "FileSpec", "", kFileSpecSize, config);
+  if (file_spec.size() <= 1) {
     plan.only_row = padded_row(title, message_row(msg::kSettingMissing,
                                                   {"Options", display_path(config), "FileSpec"}));
     return plan;
   }
-  plan.pattern = spec.substr(0, spec.find(';'));
+  plan.pattern = file_spec.substr(0, file_spec.find(';'));
   plan.directory = path_setting("Paths", "DataPath", config);
   if (plan.directory.empty()) {
     plan.only_row = padded_row(title, message_row(msg::kNotSet));
