@@ -96,12 +96,8 @@ TEST_F(IniProfileTest, SeveralChangesMakeOneRewriteThatCanKeepABackup) {
 TEST_F(IniProfileTest, AFailedRewriteLeavesTheFileAsItWas) {
   const std::string old_text = "; keep me\r\n[A]\r\nk=1\r\n";
   std::string path = dir_.write("f.ini", old_text);
-  const std::pair<FaultyFileSystem::Step, int> faults[] = {
-      {FaultyFileSystem::kLock, kMsgNotLocked},     {FaultyFileSystem::kCreate, kMsgTempNotCreated},
-      {FaultyFileSystem::kWrite, kMsgTempNotWritten}, {FaultyFileSystem::kSync, kMsgTempNotSynced},
-      {FaultyFileSystem::kRename, kMsgNotRenamed}};
-  for (auto [step, message] : faults) {
-    for (int error : {ENOSPC, EIO, EACCES}) {
+  for (auto [step, message] : kRewriteFaults) {
+    for (int error : kRewriteErrors) {
       FaultyFileSystem files(step, error);
       FileResult result = ini::write_string("A", "k", "2", path, {.files = &files});
       EXPECT_EQ(failure_message(result, path).number, message) << step << " " << error;

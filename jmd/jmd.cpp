@@ -1,6 +1,5 @@
 #include "jmd/jmd.h"
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>

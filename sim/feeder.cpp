@@ -37,9 +37,10 @@ std::optional<std::string> feed_transaction(const std::string& directory, std::s
     text = std::string("^job ") + kJobs[sequence % 5] + "\n";
   }
   text += "^field OrderNumber\n" + std::to_string(100000 + sequence) + "\n";
+  // The replace writes a hidden temporary beside the file and renames it, so
+  // the server never collects a half-written transaction.
   std::string path = join_path(fed_file_name(pattern, sequence), directory);
-  std::string hidden = join_path(".feed.part", directory);
-  if (!replace_file(hidden, text) || !move_file(hidden, path)) return std::nullopt;
+  if (!replace_file(path, text)) return std::nullopt;
   return path;
 }
 

@@ -33,12 +33,8 @@ class FormDialogTest : public DialogTest {
 };
 
 TEST_F(FormDialogTest, AFailedSaveShowsWhyAndKeepsTheDialogOpen) {
-  const std::pair<FaultyFileSystem::Step, int> faults[] = {
-      {FaultyFileSystem::kLock, kMsgNotLocked},      {FaultyFileSystem::kCreate, kMsgTempNotCreated},
-      {FaultyFileSystem::kWrite, kMsgTempNotWritten}, {FaultyFileSystem::kSync, kMsgTempNotSynced},
-      {FaultyFileSystem::kRename, kMsgNotRenamed}};
-  for (auto [step, message] : faults) {
-    for (int error : {ENOSPC, EIO, EACCES}) {
+  for (auto [step, message] : kRewriteFaults) {
+    for (int error : kRewriteErrors) {
       FaultyFileSystem files(step, error);
       context.files = &files;
       op.clear();

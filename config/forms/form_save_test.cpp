@@ -17,16 +17,6 @@
 namespace px::forms {
 namespace {
 
-struct Fault {
-  FaultyFileSystem::Step step;
-  int message;
-};
-constexpr Fault kFaults[] = {
-    {FaultyFileSystem::kLock, kMsgNotLocked},      {FaultyFileSystem::kCreate, kMsgTempNotCreated},
-    {FaultyFileSystem::kWrite, kMsgTempNotWritten}, {FaultyFileSystem::kSync, kMsgTempNotSynced},
-    {FaultyFileSystem::kRename, kMsgNotRenamed}};
-constexpr int kErrors[] = {ENOSPC, EIO, EACCES};
-
 // CRLF and LF lines, comments, blank lines and keys no form writes.
 const std::string kServerFile =
     "; the north server\r\n[Options]\r\nPauseTime=120\r\n;  keep this comment\r\n"
@@ -52,8 +42,8 @@ TEST_F(FormSaveTest, EveryFailedStepLeavesTheFileWholeAndNamesTheMessage) {
   std::string file = dir_.write("north.ini", kServerFile);
   int injected = 0;
   int whole = 0;
-  for (Fault fault : kFaults) {
-    for (int error : kErrors) {
+  for (RewriteFault fault : kRewriteFaults) {
+    for (int error : kRewriteErrors) {
       std::string what = std::to_string(fault.step) + "/" + std::to_string(error);
       Form form(form_def(FormKind::kServer), file);
       form.load();
@@ -101,8 +91,8 @@ TEST_F(FormSaveTest, AFailedInstanceListOkNamesTheFileItCouldNotWrite) {
   const std::string install = "; install\r\n[Configuration]\r\nnorth=" + north +
                               "\r\nbare=\r\n\r\n[Directories-north]\r\n/a=/b\r\n";
   std::string install_file = dir_.write("install.ini", install);
-  for (Fault fault : kFaults) {
-    for (int error : kErrors) {
+  for (RewriteFault fault : kRewriteFaults) {
+    for (int error : kRewriteErrors) {
       InstanceList list;
       list.load();
       list.make_default(1);

@@ -4,9 +4,11 @@
 // counts the steps, so a test can fail each step in turn.
 #pragma once
 
+#include <cerrno>
 #include <functional>
 #include <string>
 
+#include "common/file_replace.h"
 #include "common/file_system.h"
 
 namespace px {
@@ -67,5 +69,18 @@ class FaultyFileSystem : public FileSystem {
   int failures_ = 0;
   FileSystem& real_ = system_file_system();
 };
+
+// The steps of a locked rewrite (common/file_replace.h) that a test fails in
+// turn, each with the message its failure gives, and the errors it fails
+// them with.
+struct RewriteFault {
+  FaultyFileSystem::Step step;
+  int message;
+};
+inline constexpr RewriteFault kRewriteFaults[] = {
+    {FaultyFileSystem::kLock, kMsgNotLocked},      {FaultyFileSystem::kCreate, kMsgTempNotCreated},
+    {FaultyFileSystem::kWrite, kMsgTempNotWritten}, {FaultyFileSystem::kSync, kMsgTempNotSynced},
+    {FaultyFileSystem::kRename, kMsgNotRenamed}};
+inline constexpr int kRewriteErrors[] = {ENOSPC, EIO, EACCES};
 
 }  // namespace px
