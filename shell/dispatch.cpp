@@ -41,7 +41,10 @@ views::ViewHost view_host(Console& console) {
           [&console](tk::WindowId w, const std::string& topic) {
             console.help().associate(w, 0, topic, HelpKind::kWindow);
           },
-          [&console](tk::WindowId w) { console.help().forget(w); }};
+          [&console](tk::WindowId w) { console.help().forget(w); },
+          [&console](tk::WindowId w, bool open) {
+            console.overview().view_open(console.task(), w, open);
+          }};
 }
 
 // The JMD list a File > Job Management Database item opens.

@@ -196,6 +196,22 @@ TEST_F(LiveDispatchTest, TaskWindowShowsEveryInstancesStateAndQueue) {
   EXPECT_THAT(lines[0], HasSubstr("running"));
   std::ofstream(live.path("south/data/STM1.DAT")) << "^job STATEMENT\n";
   EXPECT_TRUE(shows("not running   1 waiting"));
+
+  // While a view is open the task window is blank and lists nothing; when
+  // the last view goes, the lines come back and the same timer lists them.
+  ASSERT_TRUE(tk.choose_menu(task(), tk::kCmdStatusQueue));
+  ASSERT_TRUE(tk.choose_menu(task(), tk::kCmdServerRejects));
+  EXPECT_TRUE(tk.paint(task()).empty());
+  std::ofstream(live.path("south/data/STM2.DAT")) << "^job STATEMENT\n";
+  tk.advance_time(5000);
+  EXPECT_TRUE(tk.paint(task()).empty());
+  ASSERT_TRUE(tk.close(tk.find_window(tk::kStatusQueueWindow)));
+  EXPECT_TRUE(tk.paint(task()).empty());  // the rejects window is still open
+  ASSERT_TRUE(tk.close(tk.find_window(tk::kRejectsWindow)));
+  lines = tk.paint(task());
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_THAT(lines[1], HasSubstr("not running   1 waiting"));
+  EXPECT_TRUE(shows("not running   2 waiting"));
 }
 
 }  // namespace

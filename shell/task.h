@@ -12,9 +12,10 @@
 //   1 destroy   the help file and its queue are released
 //   5 close     the may-the-program-end check, then the end
 //   13 command  the dispatcher
-//   16 timer    the instances' overview is listed again
-//   4 paint     the overview: one line per instance (title, state, files
-//               waiting)
+//   16 timer    the instances' overview is listed again (not while a view
+//               window is open)
+//   4 paint     white; while no view window is open, the overview: one
+//               line per instance (title, state, files waiting)
 //   17 quit     a plain quit ends at once; a query allows the quit when the
 //               may-the-program-end check does
 //   19 user     nothing

@@ -80,12 +80,23 @@ enum class Notice : std::uint8_t {
                       // a combo box or drop-down row was picked (always)
   kDoubleClicked,     // a list row was double-clicked (after selecting it)
   kScrolled,          // a scroll bar moved (Event::scroll, Event::position)
-  kKey,               // a list box got a key it has no use for itself
-                      // (Event::key): Insert, or Enter outside a dialog
+  kKey,               // a key (Event::key): one its window takes
+                      // wherever the focus is in it (WindowDef::keys;
+                      // Event::control is the focused control, 0 for
+                      // none), or one a list box has no use for itself:
+                      // Insert, or Enter outside a dialog
 };
 
-// The keys a control reports with Notice::kKey.
-enum class Key : std::uint8_t { kNone, kInsert, kEnter };
+// The keys reported with Notice::kKey. A window takes the ones its
+// resource lists before its controls see them.
+enum class Key : std::uint8_t {
+  kNone,
+  kInsert,
+  kEnter,    // Return or the keypad's Enter
+  kCtrlF,    // find
+  kF3,       // find the next
+  kShiftF3,  // find the previous
+};
 
 enum class ScrollAction : std::uint8_t {
   kNone,

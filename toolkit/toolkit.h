@@ -131,6 +131,12 @@ class Control {
   int selected() const;  // the first selected row, -1 when none
   std::vector<int> selected_rows() const;
   int selection_count() const;
+  // List boxes: the first row in view. Scrolling puts a row there, as far
+  // as the list can scroll (the last page is full); rows changed, added or
+  // removed leave it where it is as far as they can, and selecting a row
+  // that was not selected scrolls that row into view.
+  int top_row() const;
+  void set_top_row(int index) const;
 
   // Lists and text edits: hold the redrawing while many rows change.
   void suspend() const;
@@ -375,6 +381,8 @@ class Toolkit {
   virtual void list_select(WindowId w, int id, int index, bool on) = 0;
   virtual void list_select_all(WindowId w, int id, bool on) = 0;
   virtual std::vector<int> list_selection(WindowId w, int id) = 0;
+  virtual int list_top(WindowId w, int id) = 0;
+  virtual void list_set_top(WindowId w, int id, int index) = 0;
   virtual void suspend_redraw(WindowId w, int id, bool suspended) = 0;
   virtual void set_scroll_range(WindowId w, int id, int minimum, int maximum) = 0;
   virtual ScrollRange scroll_range(WindowId w, int id) = 0;

@@ -66,6 +66,8 @@ std::vector<int> Control::selected_rows() const {
   return tk_ ? tk_->list_selection(window_, id_) : std::vector<int>();
 }
 int Control::selection_count() const { return static_cast<int>(selected_rows().size()); }
+int Control::top_row() const { return tk_ ? tk_->list_top(window_, id_) : 0; }
+void Control::set_top_row(int index) const { if (tk_) tk_->list_set_top(window_, id_, index); }
 void Control::suspend() const { if (tk_) tk_->suspend_redraw(window_, id_, true); }
 void Control::resume() const { if (tk_) tk_->suspend_redraw(window_, id_, false); }
 void Control::set_range(int minimum, int maximum) const {

@@ -211,6 +211,7 @@ bool HeadlessToolkit::list_remove(WindowId w, int id, int index) {
   if (!c || !c->is_list() || index < 0 || static_cast<size_t>(index) >= c->rows.size()) return false;
   c->rows.erase(c->rows.begin() + index);
   c->selected.erase(c->selected.begin() + index);
+  c->scroll_to(c->top);
   return true;
 }
 
@@ -219,6 +220,7 @@ void HeadlessToolkit::list_clear(WindowId w, int id) {
   if (!c || !c->is_list()) return;
   c->rows.clear();
   c->selected.clear();
+  c->top = 0;
 }
 
 int HeadlessToolkit::list_count(WindowId w, int id) {
@@ -235,7 +237,9 @@ std::string HeadlessToolkit::list_row(WindowId w, int id, int index) {
 void HeadlessToolkit::list_select(WindowId w, int id, int index, bool on) {
   HeadlessControl* c = control(w, id);
   if (!c || !c->is_list() || index < 0 || static_cast<size_t>(index) >= c->rows.size()) return;
+  bool newly = on && !c->selected[static_cast<size_t>(index)];
   select_row(*c, index, on);
+  if (newly) c->show_row(index);
 }
 
 void HeadlessToolkit::list_select_all(WindowId w, int id, bool on) {
@@ -252,6 +256,16 @@ std::vector<int> HeadlessToolkit::list_selection(WindowId w, int id) {
     if (c->selected[i]) rows.push_back(static_cast<int>(i));
   }
   return rows;
+}
+
+int HeadlessToolkit::list_top(WindowId w, int id) {
+  HeadlessControl* c = control(w, id);
+  return c && c->kind == ControlKind::kListBox ? c->top : 0;
+}
+
+void HeadlessToolkit::list_set_top(WindowId w, int id, int index) {
+  HeadlessControl* c = control(w, id);
+  if (c && c->kind == ControlKind::kListBox) c->scroll_to(index);
 }
 
 void HeadlessToolkit::suspend_redraw(WindowId w, int id, bool suspended) {

@@ -139,6 +139,56 @@ TEST_F(ControlsTest, SingleSelectionListKeepsOneRow) {
   });
 }
 
+// The sample window takes Ctrl+F and F3 wherever the focus is; its list
+// still reports Insert, and a key nobody takes does nothing.
+TEST_F(ControlsTest, WindowKeysReachTheWindowWithTheFocusedControl) {
+  Window w = tk.create_window(kSampleWindow, rec.handler());
+  rec.take();
+  EXPECT_TRUE(tk.press_key(w, 0, Key::kCtrlF));  // nothing has the focus yet
+  EXPECT_TRUE(tk.press_key(w, 2, Key::kF3));     // the list gets the focus first
+  EXPECT_TRUE(tk.press_key(w, 0, Key::kCtrlF));
+  EXPECT_TRUE(tk.press_key(w, 2, Key::kInsert));
+  EXPECT_FALSE(tk.press_key(w, 0, Key::kShiftF3));
+  EXPECT_FALSE(tk.press_key(w, 2, Key::kShiftF3));
+  EXPECT_FALSE(tk.press_key(w, 0, Key::kInsert));  // a list key needs its list
+  EXPECT_THAT(rec.take(), ElementsAre("15 0 key ctrl+f", "15 2 in", "15 2 key f3",
+                                      "15 2 key ctrl+f", "15 2 key insert"));
+  w.set_enabled(false);
+  EXPECT_FALSE(tk.press_key(w, 0, Key::kCtrlF));
+  EXPECT_THAT(rec.take(), IsEmpty());
+  w.destroy();
+}
+
+// The sample window's list shows 7 rows (120 pixels).
+TEST_F(ControlsTest, ListKeepsItsTopRowUntilItMustMove) {
+  Window w = tk.create_window(kSampleWindow, rec.handler());
+  Control list = w.control(2);
+  for (int i = 0; i < 21; ++i) list.add("row " + std::to_string(i));
+  EXPECT_EQ(list.top_row(), 0);
+  ASSERT_TRUE(tk.scroll_list(w, 2, 10));
+  EXPECT_EQ(list.top_row(), 10);
+  list.set_row(12, "changed");
+  list.add("row 21");
+  list.add("row -1", 0);
+  list.select(12);  // in view
+  EXPECT_EQ(list.top_row(), 10);
+  list.select(2);   // out of view: scrolled to
+  EXPECT_EQ(list.top_row(), 2);
+  list.set_top_row(9);
+  list.select(2);   // already selected: stays where it is
+  EXPECT_EQ(list.top_row(), 9);
+  list.set_top_row(100);  // the last page is full
+  EXPECT_EQ(list.top_row(), 23 - 7);
+  for (int i = 0; i < 10; ++i) list.remove(0);
+  EXPECT_EQ(list.top_row(), 13 - 7);
+  ASSERT_TRUE(tk.scroll_list(w, 2, 0));
+  ASSERT_TRUE(tk.click_row(w, 2, 10));  // clicked rows come into view
+  EXPECT_EQ(list.top_row(), 4);
+  list.clear_rows();
+  EXPECT_EQ(list.top_row(), 0);
+  w.destroy();
+}
+
 TEST_F(ControlsTest, MultipleSelectionListTogglesRows) {
   with_sample([&](Window d) {
     Control list = d.control(kMulti);

@@ -134,9 +134,17 @@ bool HeadlessToolkit::click_row(Window w, int control, int row) {
   std::vector<bool> before = c->selected;
   bool on = c->kind == ControlKind::kListBox && c->multi() ? !c->selected[static_cast<size_t>(row)] : true;
   list_select(w.id(), control, row, on);
+  if (c->kind == ControlKind::kListBox) c->show_row(row);
   bool changed = before != c->selected || c->kind != ControlKind::kListBox;
   move_focus(*find(w.id()), control);
   if (changed && find(w.id())) notify(w.id(), control, Notice::kSelectionChanged);
+  return true;
+}
+
+bool HeadlessToolkit::scroll_list(Window w, int control, int row) {
+  HeadlessControl* c = acting_on(w, control);
+  if (!c || c->kind != ControlKind::kListBox) return false;
+  c->scroll_to(row);
   return true;
 }
 
@@ -209,14 +217,22 @@ bool HeadlessToolkit::choose_menu(Window w, int item) {
 }
 
 bool HeadlessToolkit::press_key(Window w, int control, Key key) {
-  HeadlessControl* c = acting_on(w, control);
-  if (!c) return false;
-  if (c->kind != ControlKind::kListBox) {
-    fail("control " + std::to_string(control) + " is no list box to press a key in");
-    return false;
+  if (!can_act(w)) return false;
+  const WindowDef* def = find(w.id())->def;
+  bool window_key = def && std::find(def->keys.begin(), def->keys.end(), key) != def->keys.end();
+  if (control != 0) {
+    HeadlessControl* c = acting_on(w, control);
+    if (!c) return false;
+    if (!window_key && c->kind != ControlKind::kListBox) {
+      fail("control " + std::to_string(control) + " is no list box to press a key in");
+      return false;
+    }
+    if (!window_key && key != Key::kInsert && key != Key::kEnter) return false;
+    move_focus(*find(w.id()), control);
   }
-  move_focus(*find(w.id()), control);
-  if (find(w.id())) deliver(w.id(), key_event(control, key));
+  HeadlessWindow* win = find(w.id());
+  if (!win || (!window_key && control == 0)) return false;
+  deliver(w.id(), key_event(window_key ? win->focus : control, key));
   return true;
 }
 

@@ -1,6 +1,7 @@
 // The headless back end's records of windows and controls (internal).
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -33,6 +34,16 @@ struct HeadlessControl {
   int position = 0;
   int page = 10;
   TextOrigin origin;
+  int top = 0;  // list box: the first row in view
+
+  // List box: the rows in view, and the first row it can scroll to last.
+  int rows_in_view() const { return std::max(1, rect.height / kLineHeight); }
+  int last_top() const { return std::max(0, static_cast<int>(rows.size()) - rows_in_view()); }
+  void scroll_to(int row) { top = std::clamp(row, 0, last_top()); }
+  void show_row(int row) {
+    if (row < top) scroll_to(row);
+    if (row >= top + rows_in_view()) scroll_to(row - rows_in_view() + 1);
+  }
 
   bool multi() const { return def && (def->style & kMultiSelect); }
   bool read_only() const { return def && (def->style & kReadOnly); }

@@ -103,7 +103,13 @@ class HeadlessToolkit final : public Toolkit {
   bool click_row(Window w, int control, int row);
   // click_row, then kDoubleClicked (list boxes only).
   bool double_click_row(Window w, int control, int row);
-  // A key pressed in a list box, which gets the focus first: kKey.
+  // Scrolls a list box (the wheel or its scroll bar) to have row first in
+  // view, as far as it goes; no notification.
+  bool scroll_list(Window w, int control, int row);
+  // A key pressed with the focus in control, which gets it first (0: the
+  // focus stays where it is). A key the window takes (WindowDef::keys)
+  // reaches it as kKey with the focused control; otherwise only a list box
+  // reports one, Insert or Enter. False when nothing takes the key.
   bool press_key(Window w, int control, Key key);
   // Tab or a mouse click into a control: kFocusOut, kFocusIn.
   bool focus_control(Window w, int control);
@@ -233,6 +239,8 @@ class HeadlessToolkit final : public Toolkit {
   void list_select(WindowId w, int id, int index, bool on) override;
   void list_select_all(WindowId w, int id, bool on) override;
   std::vector<int> list_selection(WindowId w, int id) override;
+  int list_top(WindowId w, int id) override;
+  void list_set_top(WindowId w, int id, int index) override;
   void suspend_redraw(WindowId w, int id, bool suspended) override;
   void set_scroll_range(WindowId w, int id, int minimum, int maximum) override;
   ScrollRange scroll_range(WindowId w, int id) override;

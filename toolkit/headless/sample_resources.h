@@ -52,8 +52,9 @@ inline constexpr ControlDef kWindowControls[] = {
     {2, K::kListBox, "", {5, 5, 100, 60}},
     {kOk, K::kButton, "Close", {110, 5, 50, 14}},
 };
+inline constexpr Key kWindowKeys[] = {Key::kCtrlF, Key::kF3};
 inline constexpr WindowDef kWindow{kSampleWindow, WindowKind::kDocument, "Sample window",
-                                   {170, 80}, kWindowControls};
+                                   {170, 80}, kWindowControls, kWindowKeys};
 
 inline constexpr ControlDef kBareControls[] = {
     {kOk, K::kButton, "OK", {10, 10, 50, 14}, kDefaultButton},
@@ -93,7 +94,8 @@ class Recorder {
                                                "double", "scrolled", "key"};
         out += " " + std::to_string(e.control) + " " + kNotices[static_cast<int>(e.notice)];
         if (e.notice == Notice::kScrolled) out += " " + std::to_string(e.position);
-        if (e.notice == Notice::kKey) out += e.key == Key::kInsert ? " insert" : " enter";
+        static const char* const kKeys[] = {"none", "insert", "enter", "ctrl+f", "f3", "shift+f3"};
+        if (e.notice == Notice::kKey) out += std::string(" ") + kKeys[static_cast<int>(e.key)];
         return out;
       }
       default: return out;

@@ -133,6 +133,7 @@ QWidget* make_list(QtToolkit& tk, WindowId w, const ControlDef& d, QWidget* pare
   list->setSelectionMode((d.style & kMultiSelect) ? QAbstractItemView::MultiSelection
                                                  : QAbstractItemView::SingleSelection);
   list->setUniformItemSizes(true);
+  list->setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
   QObject::connect(list, &QListWidget::itemSelectionChanged, parent,
                    [&tk, w, id = d.id] { tk.notify(w, id, Notice::kSelectionChanged); });
   QObject::connect(list, &QListWidget::itemDoubleClicked, parent,

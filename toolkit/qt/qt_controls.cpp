@@ -322,6 +322,24 @@ std::vector<int> QtToolkit::list_selection(WindowId w, int id) {
   return rows;
 }
 
+// A list scrolls by whole rows (make_list), so its scroll bar's value is the
+// first row in view once the rows changed just now are laid out.
+int QtToolkit::list_top(WindowId w, int id) {
+  QtControl* c = control(w, id);
+  auto* list = c ? qobject_cast<QListWidget*>(c->widget) : nullptr;
+  if (!list) return 0;
+  list->doItemsLayout();
+  return list->verticalScrollBar()->value();
+}
+
+void QtToolkit::list_set_top(WindowId w, int id, int index) {
+  QtControl* c = control(w, id);
+  auto* list = c ? qobject_cast<QListWidget*>(c->widget) : nullptr;
+  if (!list) return;
+  list->doItemsLayout();
+  list->verticalScrollBar()->setValue(index);
+}
+
 void QtToolkit::suspend_redraw(WindowId w, int id, bool suspended) {
   QtControl* c = control(w, id);
   if (!c || c->suspended == suspended) return;

@@ -261,6 +261,40 @@ class QtBackEndTest : public QObject {
     d.destroy();
   }
 
+  void window_keys_and_the_list_position() {
+    using namespace sample;
+    Recorder rec;
+    Window w = tk_->open_for_review(kSampleWindow, rec.handler());
+    QWidget* frame = tk_->frame_widget(w.id());
+    frame->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(frame));
+    auto* list = static_cast<QListWidget*>(tk_->control_widget(w.id(), 2));
+    list->setFocus(Qt::TabFocusReason);
+    rec.take();
+    QTest::keyClick(list, Qt::Key_F, Qt::ControlModifier);
+    QTest::keyClick(list, Qt::Key_F3);
+    QTest::keyClick(list, Qt::Key_Insert);
+    QTest::keyClick(list, Qt::Key_F3, Qt::ShiftModifier);  // not one of its keys
+    QCOMPARE(rec.lines, (std::vector<std::string>{"15 2 key ctrl+f", "15 2 key f3", "15 2 key insert"}));
+
+    Control rows = w.control(2);
+    for (int i = 0; i < 200; ++i) rows.add("row " + std::to_string(i));
+    rows.set_top_row(50);
+    QCOMPARE(rows.top_row(), 50);
+    rows.set_row(51, "changed");
+    rows.add("row 200");
+    rows.select(52);  // in view
+    QCOMPARE(rows.top_row(), 50);
+    rows.select(5);   // out of view: scrolled to
+    QCOMPARE(rows.top_row(), 5);
+    rows.set_top_row(120);
+    rows.select(5);   // already selected
+    QCOMPARE(rows.top_row(), 120);
+    rows.clear_rows();
+    QCOMPARE(rows.top_row(), 0);
+    w.destroy();
+  }
+
   void timers_paint_and_close_reach_the_handler() {
     int ticks = 0;
     int paints = 0;

@@ -233,6 +233,8 @@ class QtToolkit final : public Toolkit {
   void list_select(WindowId w, int id, int index, bool on) override;
   void list_select_all(WindowId w, int id, bool on) override;
   std::vector<int> list_selection(WindowId w, int id) override;
+  int list_top(WindowId w, int id) override;
+  void list_set_top(WindowId w, int id, int index) override;
   void suspend_redraw(WindowId w, int id, bool suspended) override;
   void set_scroll_range(WindowId w, int id, int minimum, int maximum) override;
   ScrollRange scroll_range(WindowId w, int id) override;

@@ -33,6 +33,19 @@ MouseButton button_of(Qt::MouseButton button) {
 
 Rect to_rect(const QRect& r) { return {r.x(), r.y(), r.width(), r.height()}; }
 
+// The key sequences that press a key a window takes.
+QList<QKeySequence> key_sequences(Key key) {
+  switch (key) {
+    case Key::kInsert: return {QKeySequence(Qt::Key_Insert)};
+    case Key::kEnter: return {QKeySequence(Qt::Key_Return), QKeySequence(Qt::Key_Enter)};
+    case Key::kCtrlF: return {QKeySequence(Qt::CTRL | Qt::Key_F)};
+    case Key::kF3: return {QKeySequence(Qt::Key_F3)};
+    case Key::kShiftF3: return {QKeySequence(Qt::SHIFT | Qt::Key_F3)};
+    case Key::kNone: break;
+  }
+  return {};
+}
+
 }  // namespace
 
 Canvas::Canvas(QtToolkit& toolkit, WindowId id, QWidget* parent)
@@ -114,6 +127,16 @@ QWidget* QtToolkit::make_frame(QtWindow& win, bool modal, int menu_bar) {
   auto* help = new QShortcut(QKeySequence::HelpContents, frame);
   QObject::connect(help, &QShortcut::activated, frame,
                    [this, id = win.id] { deliver(id, help_event(focused_control(id))); });
+  // The window's own keys, taken wherever the focus is in it.
+  for (Key key : win.def->keys) {
+    for (const QKeySequence& sequence : key_sequences(key)) {
+      auto* shortcut = new QShortcut(sequence, frame);
+      shortcut->setContext(Qt::WindowShortcut);
+      QObject::connect(shortcut, &QShortcut::activated, frame, [this, id = win.id, key] {
+        deliver(id, key_event(focused_control(id), key));
+      });
+    }
+  }
   win.last_size = client;
   return frame;
 }

@@ -18,6 +18,10 @@
 //   size      client area width and height in dialog units (below).
 //   controls  the controls in definition order, which is also the Tab order
 //             and the order in which a label finds its field (below).
+//   keys      the keyboard shortcuts the window takes wherever the focus is
+//             in it (Key::kCtrlF, kF3...): each reaches the handler as a
+//             control notification Notice::kKey with the key and the
+//             focused control. Optional; most windows take none.
 //
 // Control (ControlDef):
 //   id        the control id the GUI code uses; unique within the window.
@@ -89,6 +93,8 @@
 #include <string>
 #include <string_view>
 
+#include "toolkit/event.h"
+
 namespace px::tk {
 
 enum class ControlKind : std::uint8_t {
@@ -153,6 +159,7 @@ struct WindowDef {
   std::string_view title;
   UnitSize size;
   std::span<const ControlDef> controls;
+  std::span<const Key> keys = {};
 };
 
 enum class MenuItemKind : std::uint8_t { kCommand, kSeparator, kSubmenu };

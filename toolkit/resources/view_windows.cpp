@@ -24,7 +24,11 @@ constexpr ControlDef kLogControls[] = {
     {kLogVScroll, K::kVScrollBar, "", {403, 16, 10, 226}},
     {kLogHScroll, K::kHScrollBar, "", {7, 242, 396, 8}},
 };
-constexpr WindowDef kLog{kLogWindow, WindowKind::kDocument, "Nexa Log", {420, 257}, kLogControls};
+// Ctrl+F goes to the find field; F3 and Enter in the field find the next
+// line, Shift+F3 the previous.
+constexpr Key kLogKeys[] = {Key::kCtrlF, Key::kF3, Key::kShiftF3, Key::kEnter};
+constexpr WindowDef kLog{kLogWindow, WindowKind::kDocument, "Nexa Log", {420, 257}, kLogControls,
+                         kLogKeys};
 
 // When a server has several processes with logs, the operator picks one.
 constexpr ControlDef kLogProcessControls[] = {

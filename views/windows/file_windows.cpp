@@ -40,7 +40,7 @@ void handle_files(const ViewHost& host, const tk::Event& e, bool rejects) {
   const std::string& config = current_instance().config_file;
   switch (e.type) {
     case tk::EventType::kCreate:
-      host.help_on(w, kViewsHelpTopic);
+      host.view_created(w);
       if (rejects) {
         bool email = w.app_value() == 1;
         w.set_title(message_label(email ? msg::kAgentRejectsTitle : msg::kServerRejectsTitle));
@@ -51,7 +51,7 @@ void handle_files(const ViewHost& host, const tk::Event& e, bool rejects) {
       }
       break;
     case tk::EventType::kDestroy:
-      host.help_off(w);
+      host.view_destroyed(w);
       break;
     case tk::EventType::kClose:
       w.destroy();

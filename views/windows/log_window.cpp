@@ -224,6 +224,31 @@ void find(tk::Window w, TextView& view, FindDirection direction) {
   }
 }
 
+// The window's keys: Ctrl+F puts the focus in the find field with its text
+// selected, so typing replaces it; F3 and Enter in the field find the next
+// line, Shift+F3 the previous one.
+void key(tk::Window w, TextView& view, const tk::Event& e) {
+  switch (e.key) {
+    case tk::Key::kCtrlF: {
+      tk::Control field = w.control(tk::kLogFindText);
+      field.focus();
+      field.set_selection(0, static_cast<int>(field.text().size()));
+      break;
+    }
+    case tk::Key::kF3:
+      find(w, view, FindDirection::kForward);
+      break;
+    case tk::Key::kShiftF3:
+      find(w, view, FindDirection::kBackward);
+      break;
+    case tk::Key::kEnter:
+      if (e.control == tk::kLogFindText) find(w, view, FindDirection::kForward);
+      break;
+    default:
+      break;
+  }
+}
+
 // The caption over the text, and the text and the bars filling the rest.
 void place_controls(tk::Window w, tk::Size client) {
   tk::Control text = text_of(w);
@@ -282,14 +307,14 @@ void handle_text(TextView& view, const tk::Event& e) {
   tk::Window w = e.window;
   switch (e.type) {
     case tk::EventType::kCreate: {
-      view.host.help_on(w, kViewsHelpTopic);
+      view.host.view_created(w);
       view.host.toolkit.show_busy_cursor();
       bool shown = view.reject_file ? create_reject_file(w, view) : create_log(w, view);
       if (!shown) w.destroy();
       break;
     }
     case tk::EventType::kDestroy:
-      view.host.help_off(w);
+      view.host.view_destroyed(w);
       break;
     case tk::EventType::kResize:
       place_controls(w, e.size);
@@ -306,6 +331,8 @@ void handle_text(TextView& view, const tk::Event& e) {
         find(w, view, FindDirection::kForward);
       } else if (e.is_control(tk::kLogFindPrevious, tk::Notice::kClicked)) {
         find(w, view, FindDirection::kBackward);
+      } else if (e.notice == tk::Notice::kKey) {
+        key(w, view, e);
       } else if (e.is_control(tk::kLogFindText, tk::Notice::kChanged)) {
         view.found = -1;  // a new text is looked for from what is shown
       }

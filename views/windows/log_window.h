@@ -8,8 +8,9 @@
 // columns, page steps by the bar's page (times 10 columns), the thumb to its
 // position (a large log shows the page starting there).
 //
-// Find: the text in the find field is looked for, without regard to case,
-// by "Next" (from the page or text shown onwards) and "Previous"; a paged
+// Find: the text in the find field (Ctrl+F) is looked for, without regard
+// to case, by "Next" or F3 (from the page or text shown onwards) and
+// "Previous" or Shift+F3; a paged
 // log is searched through its index, never loaded whole.
 //
 // Beyond that, the view follows its log: a timer looks at it every second;
@@ -26,7 +27,9 @@
 //   3 resize    the text and the scroll bars take the client area
 //   5 close     destroy
 //   15 control  scroll bars 45 and 46; Next (48) and Previous (49) find
-//               the text of field 47
+//               the text of field 47; the keys: Ctrl+F focuses field 47,
+//               F3 (or Enter in field 47) finds the next, Shift+F3 the
+//               previous
 //   16 timer    follow the log
 #pragma once
 

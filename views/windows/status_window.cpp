@@ -52,8 +52,10 @@ void show_rows(tk::Window w, const std::vector<std::string>& rows, bool keep_sel
   tk::Control list = w.control(tk::kStatusList);
   int old_index = list.selected();
   std::string old_row = old_index >= 0 ? list.row(old_index) : std::string();
-  // Rows are changed in place rather than the list cleared, so the list
-  // keeps where the operator scrolled it to.
+  int old_top = list.top_row();
+  // Rows are changed in place rather than the list cleared, and the first
+  // row in view is put back after the selection moved, so the list stays
+  // where the operator scrolled it to.
   list.suspend();
   const int count = static_cast<int>(rows.size());
   const int before = list.count();
@@ -73,6 +75,7 @@ void show_rows(tk::Window w, const std::vector<std::string>& rows, bool keep_sel
                                : std::min(old_index, static_cast<int>(rows.size()) - 1);
   }
   if (!rows.empty()) list.select(std::max(index, 0));
+  if (keep_selection) list.set_top_row(old_top);
   std::tm now = clock.now();
   char stamp[16];
   std::strftime(stamp, sizeof stamp, "%H:%M:%S", &now);
@@ -145,7 +148,7 @@ void handle(const ViewHost& host, const tk::Event& e) {
   tk::Window w = e.window;
   switch (e.type) {
     case tk::EventType::kCreate:
-      host.help_on(w, kViewsHelpTopic);
+      host.view_created(w);
       // The header is drawn by paint; the static keeps its text but would
       // cover the drawing.
       w.control(tk::kStatusHeader).set_visible(false);
@@ -160,7 +163,7 @@ void handle(const ViewHost& host, const tk::Event& e) {
       w.control(tk::kStatusList).focus();
       break;
     case tk::EventType::kDestroy:
-      host.help_off(w);
+      host.view_destroyed(w);
       if (the_view().window == w.id()) the_view() = {};
       break;
     case tk::EventType::kResize:

@@ -23,8 +23,18 @@ void TaskOverview::start(tk::Window task) {
 
 bool TaskOverview::on_timer(tk::Window task, const tk::Event& event) {
   if (timer_ == 0 || event.timer != timer_) return false;
-  refresh(task);
+  if (shown()) refresh(task);
   return true;
+}
+
+void TaskOverview::view_open(tk::Window task, tk::WindowId view, bool open) {
+  bool was_shown = shown();
+  if (open) {
+    views_.insert(view);
+  } else {
+    views_.erase(view);
+  }
+  if (shown() != was_shown) task.invalidate();
 }
 
 // Shows a finished listing; starts a new one when none is out.
@@ -41,6 +51,7 @@ void TaskOverview::refresh(tk::Window task) {
 
 void TaskOverview::paint(tk::Window task) const {
   task.clear(tk::kWhite);
+  if (!shown()) return;
   task.set_draw_font(tk::font_by_family("courier", 10));
   int baseline = kFirstBaseline;
   for (const std::string& line : lines_) {

@@ -1,9 +1,12 @@
-// The task window's contents: while the console runs, one line per
+// The task window's contents: while no view window is open, one line per
 // instance (title, state, files waiting) from the status view's listing,
 // refreshed every QueueRefreshCycle seconds. The files are listed on a
-// thread of their own, as the status view's are.
+// thread of their own, as the status view's are. While a view is open the
+// task window is left blank and nothing is listed; when the last one goes,
+// the lines come back as last listed and the same timer lists them again.
 #pragma once
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -18,9 +21,13 @@ class TaskOverview {
   void start(tk::Window task);
   // The task window's timer event; true when it was the overview's.
   bool on_timer(tk::Window task, const tk::Event& event);
-  // The task window's paint: white, then the lines under each other.
+  // The task window's paint: white, then the lines under each other while
+  // no view is open.
   void paint(tk::Window task) const;
+  // A view window opened (open true) or is going.
+  void view_open(tk::Window task, tk::WindowId view, bool open);
 
+  bool shown() const { return views_.empty(); }
   const std::vector<std::string>& lines() const { return lines_; }
 
  private:
@@ -29,6 +36,7 @@ class TaskOverview {
   BackgroundListing listing_;
   std::vector<BlockPlan> plans_;
   std::vector<std::string> lines_;
+  std::set<tk::WindowId> views_;  // the view windows open
   long timer_ = 0;
 };
 

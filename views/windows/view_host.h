@@ -1,7 +1,9 @@
 // What the monitoring windows need from the console that opens them: the
 // toolkit, the operator that shows messages as boxes, the clock that tells
-// when a view was last refreshed, and the help layer that each window
-// registers with on create and leaves on destroy.
+// when a view was last refreshed, the help layer that each window registers
+// with on create and leaves on destroy, and whom to tell that a view window
+// opened or went (the task window shows its overview only while none is
+// open).
 #pragma once
 
 #include <functional>
@@ -13,6 +15,9 @@
 
 namespace px::views {
 
+// The help topic of every monitoring window.
+inline constexpr const char* kViewsHelpTopic = "views";
+
 struct ViewHost {
   tk::Toolkit& toolkit;
   Operator& op;
@@ -21,6 +26,9 @@ struct ViewHost {
   std::function<void(tk::WindowId, const std::string&)> register_help;
   // Drops every help topic of a window; nothing when not set.
   std::function<void(tk::WindowId)> forget_help;
+  // Told that a view window opened (true) or is being destroyed (false);
+  // nothing when not set.
+  std::function<void(tk::WindowId, bool)> view_open;
 
   void help_on(tk::Window w, const std::string& topic) const {
     if (register_help) register_help(w.id(), topic);
@@ -28,9 +36,16 @@ struct ViewHost {
   void help_off(tk::Window w) const {
     if (forget_help) forget_help(w.id());
   }
+  // A view window's create and destroy: its help, and the word that it is
+  // open or gone.
+  void view_created(tk::Window w) const {
+    help_on(w, kViewsHelpTopic);
+    if (view_open) view_open(w.id(), true);
+  }
+  void view_destroyed(tk::Window w) const {
+    help_off(w);
+    if (view_open) view_open(w.id(), false);
+  }
 };
-
-// The help topic of every monitoring window.
-inline constexpr const char* kViewsHelpTopic = "views";
 
 }  // namespace px::views

@@ -2,13 +2,16 @@
 // temporary directory with the shipped message catalogue.
 #include <gtest/gtest.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <functional>
+#include <map>
 
 #include "common/directory_map.h"
 #include "common/expand.h"
@@ -120,7 +123,7 @@ class ViewWindowsTest : public ::testing::Test {
   tk::HeadlessToolkit tk;
   RecordingOperator op;
   FixedClock clock{clock_time(14, 41, 9)};
-  ViewHost host{tk, op, clock, {}, {}};
+  ViewHost host{tk, op, clock, {}, {}, {}};
   std::vector<std::string> failures;
 };
 
@@ -171,6 +174,39 @@ TEST_F(ViewWindowsTest, StatusViewRefreshesOnItsTimerAndKeepsTheSelectedRow) {
   ASSERT_TRUE(tk.click(w, tk::kStatusClose));
   EXPECT_FALSE(status_queue_window(tk).exists());
   EXPECT_TRUE(op.shown().empty());
+}
+
+// The operator scrolled away from the selected row: refills, whether a
+// watched change or the timer brings them, leave the list where it was and
+// keep the selected file selected even when its row moves.
+TEST_F(ViewWindowsTest, StatusViewKeepsTheOperatorsPlaceAcrossRefills) {
+  install("");
+  for (int i = 0; i < 60; ++i) queued("data/F" + std::to_string(100 + i) + ".DAT", 1000 + i);
+  tk::Window w = show_status_queue(host);
+  ASSERT_TRUE(w.exists());
+  tk::Control list = w.control(tk::kStatusList);
+  ASSERT_EQ(list.count(), 62);  // the instance, its status, 60 files
+  ASSERT_TRUE(tk.click_row(w, tk::kStatusList, 40));
+  ASSERT_TRUE(list.row(40).ends_with("  F138.DAT")) << list.row(40);
+  ASSERT_TRUE(tk.scroll_list(w, tk::kStatusList, 5));
+
+  queued("data/A.DAT", 500);  // older than all: every file row moves down
+  tk.advance_time(2 * kWatchPeriodMs);
+  ASSERT_EQ(list.count(), 63);
+  EXPECT_EQ(list.selected(), 41);
+  EXPECT_TRUE(list.row(41).ends_with("  F138.DAT")) << list.row(41);
+  EXPECT_EQ(list.top_row(), 5);
+
+  clock.set(clock_time(15, 0, 0));
+  tk.advance_time(10000);  // the refresh timer
+  EXPECT_EQ(tk.paint(w).front(), std::string(kStatusHeader) + "    last updated 15:00:00");
+  EXPECT_EQ(list.selected(), 41);
+  EXPECT_EQ(list.top_row(), 5);
+
+  std::remove(dir.file("data/A.DAT").c_str());
+  tk.advance_time(2 * kWatchPeriodMs);
+  EXPECT_EQ(list.selected(), 40);
+  EXPECT_EQ(list.top_row(), 5);
 }
 
 TEST_F(ViewWindowsTest, StatusViewRefreshesAtOnceWhenAQueueOrStatusChanges) {
@@ -381,6 +417,97 @@ TEST_F(ViewWindowsTest, FindLooksThroughAPagedLogAndTheLoadedText) {
   EXPECT_EQ(small.control(tk::kLogText).origin().line, 500);
 }
 
+// Ctrl+F, F3, Shift+F3 and Enter in the find field, over a paged log that
+// stays a page of 30 lines while the whole file is searched.
+TEST_F(ViewWindowsTest, FindKeysSearchTheWholeLogFromThePageShown) {
+  install("", "[Processes]\nPXSERVER=Server\n");
+  std::string text = numbered(0, 20000);
+  text.replace(text.find("line 10\n"), 8, "line 10 needle\n");
+  text.replace(text.find("line 12345\n"), 11, "line 12345 NEEDLE\n");
+  dir.write("logs/server.log", text);
+  tk::Window w = open_process_log(host, "PXSERVER");
+  ASSERT_TRUE(w.exists());
+  tk::Control page = w.control(tk::kLogText);
+  ASSERT_TRUE(tk.focus_control(w, tk::kLogText));
+  ASSERT_TRUE(tk.press_key(w, 0, tk::Key::kCtrlF));
+  EXPECT_EQ(w.focused_control(), tk::kLogFindText);
+  ASSERT_TRUE(tk.type(w, tk::kLogFindText, "needle"));
+  ASSERT_TRUE(tk.press_key(w, 0, tk::Key::kShiftF3));  // back from the last page
+  EXPECT_EQ(page.paragraph(0), "line 12345 NEEDLE");
+  ASSERT_TRUE(tk.press_key(w, 0, tk::Key::kShiftF3));
+  EXPECT_EQ(page.paragraph(0), "line 10 needle");
+  ASSERT_TRUE(tk.press_key(w, 0, tk::Key::kF3));
+  EXPECT_EQ(page.paragraph(0), "line 12345 NEEDLE");
+  EXPECT_EQ(w.control(tk::kLogVScroll).position(), 12345);
+  ASSERT_TRUE(tk.press_key(w, tk::kLogFindText, tk::Key::kEnter));  // nothing after it
+  EXPECT_EQ(tk.beeps(), 1);
+  EXPECT_EQ(page.paragraph(0), "line 12345 NEEDLE");
+  EXPECT_EQ(page.paragraph_count(), 30);
+
+  // Enter elsewhere finds nothing; Ctrl+F selects the text, so typing
+  // replaces it, and the new text is looked for from the page shown.
+  ASSERT_TRUE(tk.press_key(w, tk::kLogText, tk::Key::kEnter));
+  EXPECT_EQ(tk.beeps(), 1);
+  ASSERT_TRUE(tk.press_key(w, tk::kLogText, tk::Key::kCtrlF));
+  EXPECT_EQ(w.focused_control(), tk::kLogFindText);
+  ASSERT_TRUE(tk.type(w, tk::kLogFindText, "line 1235"));
+  EXPECT_EQ(w.control(tk::kLogFindText).text(), "line 1235");
+  ASSERT_TRUE(tk.press_key(w, tk::kLogFindText, tk::Key::kEnter));
+  EXPECT_EQ(page.paragraph(0), "line 12350");
+  ASSERT_TRUE(tk.press_key(w, 0, tk::Key::kShiftF3));
+  EXPECT_EQ(page.paragraph(0), "line 1235");
+  EXPECT_EQ(page.paragraph_count(), 30);
+}
+
+// The view follows its log only while the operator is at its end, whole
+// or paged; back at the end, it follows again.
+TEST_F(ViewWindowsTest, LogsFollowAgainWhenTheOperatorReturnsToTheEnd) {
+  install("", "[Processes]\nPXSERVER=Server\n");
+  std::string small_log = dir.file("logs/server.log");
+  dir.write("logs/server.log", numbered(0, 100));
+  tk::Window small = open_process_log(host, "PXSERVER");
+  ASSERT_TRUE(small.exists());
+  tk::Control text = small.control(tk::kLogText);
+  const int lines = text.visible_lines();
+  ASSERT_LT(lines, 90);
+  EXPECT_EQ(text.origin().line, 100 - lines);
+  ASSERT_TRUE(tk.scroll(small, tk::kLogVScroll, tk::ScrollAction::kLineUp));
+  std::ofstream(small_log, std::ios::app) << numbered(100, 110);
+  tk.advance_time(kFollowPeriodMs);
+  EXPECT_EQ(text.paragraph_count(), 110);
+  EXPECT_EQ(text.origin().line, 99 - lines);
+  tk::Control bar = small.control(tk::kLogVScroll);
+  ASSERT_TRUE(tk.scroll(small, tk::kLogVScroll, tk::ScrollAction::kThumb, bar.range().maximum));
+  EXPECT_EQ(text.origin().line, 110 - lines);
+  std::ofstream(small_log, std::ios::app) << numbered(110, 120);
+  tk.advance_time(kFollowPeriodMs);
+  EXPECT_EQ(text.origin().line, 120 - lines);
+  EXPECT_EQ(bar.position(), 120 - lines);
+
+  std::string big_log = dir.file("logs/agent.log");
+  dir.write("logs/agent.log", numbered(0, 10000));
+  tk::Window big = open_email_log(host);
+  ASSERT_TRUE(big.exists());
+  tk::Control page = big.control(tk::kLogText);
+  ASSERT_TRUE(tk.scroll(big, tk::kLogVScroll, tk::ScrollAction::kPageUp));
+  std::ofstream(big_log, std::ios::app) << numbered(10000, 10005);
+  tk.advance_time(kFollowPeriodMs);
+  EXPECT_EQ(page.paragraph(0), "line 9940");
+  ASSERT_TRUE(tk.scroll(big, tk::kLogVScroll, tk::ScrollAction::kPageDown));
+  EXPECT_EQ(page.paragraph(0), "line 9970");  // one page down: not yet the end
+  std::ofstream(big_log, std::ios::app) << numbered(10005, 10010);
+  tk.advance_time(kFollowPeriodMs);
+  EXPECT_EQ(page.paragraph(0), "line 9970");
+  tk::Control big_bar = big.control(tk::kLogVScroll);
+  ASSERT_TRUE(tk.scroll(big, tk::kLogVScroll, tk::ScrollAction::kThumb, big_bar.range().maximum));
+  EXPECT_EQ(page.paragraph(29), "line 10009");
+  std::ofstream(big_log, std::ios::app) << numbered(10010, 10012);
+  tk.advance_time(kFollowPeriodMs);
+  EXPECT_EQ(page.paragraph(29), "line 10011");
+  EXPECT_EQ(big_bar.position(), 10012 - 30);
+  EXPECT_TRUE(op.shown().empty());
+}
+
 TEST_F(ViewWindowsTest, SeveralProcessesAskWhichLogToShow) {
   install("", "[Processes]\nPXSERVER=Server\nPXEMIO=Agent\nPXMERGE=Print Agent\n[PXMERGE]\nLogFile=" +
                   dir.file("logs/merge.log") + "\n");
@@ -400,6 +527,53 @@ TEST_F(ViewWindowsTest, SeveralProcessesAskWhichLogToShow) {
   tk.on_dialog(tk::kLogProcessDialog, [&](tk::Window d) { tk.click(d, tk::kCancel); });
   open_server_log(host);
   EXPECT_EQ(tk.open_windows().size(), 1u);
+}
+
+// Every entry under root with what a write, a new file, a rename or a
+// change of its attributes would change (not the access time).
+std::map<std::string, std::string> entries_under(const std::string& root) {
+  std::map<std::string, std::string> entries;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
+    struct stat info {};
+    if (::lstat(entry.path().c_str(), &info) != 0) continue;
+    entries[entry.path().string()] =
+        std::to_string(info.st_ino) + " " + std::to_string(info.st_size) + " " +
+        std::to_string(info.st_mode) + " " + std::to_string(info.st_mtim.tv_sec) + "." +
+        std::to_string(info.st_mtim.tv_nsec) + " " + std::to_string(info.st_ctim.tv_sec) + "." +
+        std::to_string(info.st_ctim.tv_nsec);
+  }
+  return entries;
+}
+
+// Every view opened, refreshed, followed, searched and closed over the
+// server's files: not one of them is created, changed or locked.
+TEST_F(ViewWindowsTest, ViewsLeaveTheServersFilesAsTheyWere) {
+  install("", "[Processes]\nPXSERVER=Server\n");
+  queued("data/A.DAT", 100);
+  queued("data/pxctrl01.msg", 50);
+  queued("mail/M.dat", 100);
+  queued("mail/stopread.msg", 100);
+  dir.write("errors/R.DAT", "^job INVOICE\n");
+  dir.write("logs/server.log", numbered(0, 12000));
+  dir.write("logs/agent.log", numbered(0, 50));
+  auto before = entries_under(dir.path());
+
+  std::vector<tk::Window> windows = {show_status_queue(host), open_rejects(host, false),
+                                     open_email_queue(host), open_process_log(host, "PXSERVER"),
+                                     open_email_log(host), open_reject_file(host, false, "R.DAT")};
+  for (tk::Window w : windows) ASSERT_TRUE(w.exists());
+  ASSERT_TRUE(tk.type(windows[3], tk::kLogFindText, "line 5"));
+  ASSERT_TRUE(tk.press_key(windows[3], 0, tk::Key::kShiftF3));
+  tk.advance_time(10000);
+  for (const char* name : {"north.sts", "data/A.DAT", "logs/server.log", "logs/agent.log", "errors/R.DAT"}) {
+    int fd = ::open(dir.file(name).c_str(), O_RDONLY);
+    ASSERT_GE(fd, 0) << name;
+    EXPECT_EQ(::flock(fd, LOCK_EX | LOCK_NB), 0) << name << " is locked";
+    ::close(fd);
+  }
+  for (tk::Window w : windows) w.destroy();
+  EXPECT_EQ(entries_under(dir.path()), before);
+  EXPECT_TRUE(op.shown().empty());
 }
 
 TEST_F(ViewWindowsTest, CjkLocalesChooseTheSystemFont) {
