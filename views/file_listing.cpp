@@ -49,9 +49,38 @@ bool directory_exists(const std::string& directory) {
   return open_directory(directory) != nullptr;
 }
 
+namespace {
+
+// Each name in listing order goes into place among those placed before it:
+// a pinned one at the head (the first) or right after the first pinned one
+// (the later ones), any other one before the first name placed after the
+// first pinned one that is younger than it. Only two or more pinned names
+// (in different case) give an order that differs from the stable sort.
+void insert_by_age(std::vector<ListedFile>& listing, std::string_view pinned,
+                   std::vector<std::string>& out) {
+  std::vector<int64_t> times;
+  std::vector<std::string> names;
+  size_t start = 0;
+  for (ListedFile& f : listing) {
+    size_t slot = start;
+    bool is_pinned = iequals(f.name, pinned);
+    while (!is_pinned && slot < times.size() && times[slot] <= f.modified_ns) ++slot;
+    times.insert(times.begin() + static_cast<std::ptrdiff_t>(slot), f.modified_ns);
+    names.insert(names.begin() + static_cast<std::ptrdiff_t>(slot), std::move(f.name));
+    if (is_pinned) start = 1;
+  }
+  for (std::string& name : names) out.push_back(std::move(name));
+}
+
+}  // namespace
+
 void sort_by_age(std::vector<ListedFile> listing, std::string_view pinned,
                  std::vector<std::string>& out) {
   auto is_pinned = [pinned](const ListedFile& f) { return iequals(f.name, pinned); };
+  if (std::count_if(listing.begin(), listing.end(), is_pinned) > 1) {
+    insert_by_age(listing, pinned, out);
+    return;
+  }
   auto rest = std::stable_partition(listing.begin(), listing.end(), is_pinned);
   std::stable_sort(rest, listing.end(), [](const ListedFile& a, const ListedFile& b) {
     return a.modified_ns < b.modified_ns;

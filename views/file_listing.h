@@ -30,9 +30,12 @@ std::optional<std::vector<ListedFile>> list_files(const std::string& directory,
 bool directory_exists(const std::string& directory);
 
 // Appends the names of listing to out, oldest first. Files of the same age
-// keep the listing's order. Names equal to pinned (without regard to case)
-// come first, in listing order: a shut-down request stays at the head of its
-// group however old the other files are.
+// keep the listing's order. A name equal to pinned (without regard to case)
+// comes first: a shut-down request stays at the head of its group however
+// old the other files are. A second such name (another case of it) is put
+// right after the first, and the files listed after it that are older than
+// it go before it: names are placed one by one in listing order, as the
+// server's console always has.
 void sort_by_age(std::vector<ListedFile> listing, std::string_view pinned,
                  std::vector<std::string>& out);
 

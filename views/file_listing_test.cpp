@@ -55,12 +55,27 @@ TEST(FileListingTest, SortsOldestFirstKeepingListingOrderForEqualTimes) {
 }
 
 TEST(FileListingTest, PinsTheStopRequestWhateverItsAgeOrCase) {
-  std::vector<ListedFile> listing = {
-      {"px01.msg", 1}, {"STOPSERV.MSG", 50}, {"px02.msg", 2}, {"stopserv.msg", 60}, {"px00.msg", 0}};
+  for (const char* stop : {"stopserv.msg", "STOPSERV.MSG", "StopServ.Msg"}) {
+    std::vector<ListedFile> listing = {{"px03.msg", 30}, {"px01.msg", 10}, {stop, 50},
+                                       {"px02.msg", 20}, {"px00.msg", 5},  {"px04.msg", 20}};
+    std::vector<std::string> out = {"earlier"};
+    sort_by_age(listing, kServerStopFile, out);
+    EXPECT_EQ(out, (std::vector<std::string>{"earlier", stop, "px00.msg", "px01.msg", "px02.msg",
+                                             "px04.msg", "px03.msg"}));
+  }
+}
+
+// Two cases of the stop request in one directory: the second one goes right
+// after the first, and the files listed after it that are older than it are
+// placed before it.
+TEST(FileListingTest, ASecondStopRequestIsPlacedAfterTheFirst) {
+  std::vector<ListedFile> listing = {{"px01.msg", 10}, {"STOPSERV.MSG", 50}, {"px02.msg", 20},
+                                     {"stopserv.msg", 60}, {"px00.msg", 5},   {"px05.msg", 70},
+                                     {"px03.msg", 30}};
   std::vector<std::string> out;
   sort_by_age(listing, kServerStopFile, out);
-  EXPECT_EQ(out, (std::vector<std::string>{"STOPSERV.MSG", "stopserv.msg", "px00.msg", "px01.msg",
-                                           "px02.msg"}));
+  EXPECT_EQ(out, (std::vector<std::string>{"STOPSERV.MSG", "px00.msg", "px03.msg", "stopserv.msg",
+                                           "px01.msg", "px02.msg", "px05.msg"}));
 }
 
 }  // namespace
