@@ -42,7 +42,8 @@ constexpr WindowDef kLogProcess{kLogProcessDialog, WindowKind::kDialog, "Select 
 
 // The header's spacing lines it up over the list's two columns, so both use
 // the fixed-pitch font. The resize handler keeps the list 50 units short of
-// the right edge, with "Close" beside it.
+// the right edge, with "Close" beside it. The window opens wide enough for
+// the header and the "last updated" time that paint draws after it.
 constexpr ControlDef kStatusControls[] = {
     {kStatusHeader, K::kStatic,
      "Instance name / Collector directory              Status / File list", {7, 5, 403, 8},
@@ -51,7 +52,7 @@ constexpr ControlDef kStatusControls[] = {
     {kStatusClose, K::kButton, "&Close", {417, 16, 36, 14}},
 };
 constexpr WindowDef kStatus{kStatusQueueWindow, WindowKind::kDocument, "Nexa Status and Queue",
-                            {460, 240}, kStatusControls};
+                            {500, 240}, kStatusControls};
 
 // Rejects and the E-Mail Agent queue: a caption over a list of file names.
 // The handlers set the titles and the captions.
