@@ -151,8 +151,11 @@ TEST_F(ControlsTest, WindowKeysReachTheWindowWithTheFocusedControl) {
   EXPECT_FALSE(tk.press_key(w, 0, Key::kShiftF3));
   EXPECT_FALSE(tk.press_key(w, 2, Key::kShiftF3));
   EXPECT_FALSE(tk.press_key(w, 0, Key::kInsert));  // a list key needs its list
+  EXPECT_TRUE(tk.type(w, 3, "a"));
+  EXPECT_TRUE(tk.press_key(w, 3, Key::kEnter));
   EXPECT_THAT(rec.take(), ElementsAre("15 0 key ctrl+f", "15 2 in", "15 2 key f3",
-                                      "15 2 key ctrl+f", "15 2 key insert"));
+                                      "15 2 key ctrl+f", "15 2 key insert", "15 2 out", "15 3 in",
+                                      "15 3 changed", "15 3 key enter"));
   w.set_enabled(false);
   EXPECT_FALSE(tk.press_key(w, 0, Key::kCtrlF));
   EXPECT_THAT(rec.take(), IsEmpty());

@@ -51,8 +51,9 @@ inline constexpr WindowDef kSample{kSampleDialog, WindowKind::kDialog, "Sample %
 inline constexpr ControlDef kWindowControls[] = {
     {2, K::kListBox, "", {5, 5, 100, 60}},
     {kOk, K::kButton, "Close", {110, 5, 50, 14}},
+    {3, K::kEdit, "", {5, 66, 100, 12}},
 };
-inline constexpr Key kWindowKeys[] = {Key::kCtrlF, Key::kF3};
+inline constexpr Key kWindowKeys[] = {Key::kCtrlF, Key::kF3, Key::kEnter};
 inline constexpr WindowDef kWindow{kSampleWindow, WindowKind::kDocument, "Sample window",
                                    {170, 80}, kWindowControls, kWindowKeys};
 

@@ -276,6 +276,16 @@ class QtBackEndTest : public QObject {
     QTest::keyClick(list, Qt::Key_Insert);
     QTest::keyClick(list, Qt::Key_F3, Qt::ShiftModifier);  // not one of its keys
     QCOMPARE(rec.lines, (std::vector<std::string>{"15 2 key ctrl+f", "15 2 key f3", "15 2 key insert"}));
+    // A field keeps the keys it types with; the window's keys still reach it.
+    auto* field = tk_->control_widget(w.id(), 3);
+    field->setFocus(Qt::TabFocusReason);
+    rec.take();
+    QTest::keyClicks(field, "ab");
+    QTest::keyClick(field, Qt::Key_Return);
+    QTest::keyClick(field, Qt::Key_F, Qt::ControlModifier);
+    QCOMPARE(rec.lines, (std::vector<std::string>{"15 3 changed", "15 3 changed", "15 3 key enter",
+                                                  "15 3 key ctrl+f"}));
+    QCOMPARE(w.control(3).text(), std::string("ab"));
 
     Control rows = w.control(2);
     for (int i = 0; i < 200; ++i) rows.add("row " + std::to_string(i));
