@@ -1,19 +1,16 @@
 // Writing stamped lines to the log and trace files, with the retry and panic
 // path for a log file that cannot be opened (or the quick fallback to
 // standard error of programs run from scripts).
-#include <fcntl.h>
 #include <unistd.h>
-
-#include <cerrno>
 
 #include <cstdio>
 #include <ctime>
 #include <memory>
 
+#include "common/file_util.h"
 #include "common/message_state.h"
 #include "common/messages.h"
 #include "common/text.h"
-#include "common/unique_fd.h"
 
 namespace px::messages {
 
@@ -43,35 +40,10 @@ bool write_all(std::FILE* out, const std::string& line) {
   return std::fflush(out) == 0;
 }
 
-// Opens name for appending. The open never waits: a FIFO nobody reads
-// cannot be opened (ENXIO) rather than blocking the program; one with a
-// reader is then written as a pipe, waiting for the reader as usual.
-UniqueFd open_for_append(const std::string& name) {
-  UniqueFd fd(::open(name.c_str(),
-                     O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666));
-  if (!fd.valid()) return fd;
-  int flags = ::fcntl(fd.get(), F_GETFL);
-  if (flags == -1 || ::fcntl(fd.get(), F_SETFL, flags & ~O_NONBLOCK) == -1) return UniqueFd();
-  return fd;
-}
-
-bool write_all(int fd, std::string_view data) {
-  while (!data.empty()) {
-    ssize_t n = ::write(fd, data.data(), data.size());
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) return false;
-    data.remove_prefix(static_cast<size_t>(n));
-  }
-  return true;
-}
-
 // Appends line to the named file or stream; false when it cannot be opened.
 bool append_line(const std::string& name, const std::string& line) {
   if (std::FILE* stream = standard_stream(name)) return write_all(stream, line);
-  UniqueFd out = open_for_append(name);
-  if (!out.valid()) return false;
-  bool written = write_all(out.get(), line);
-  return ::close(out.release()) == 0 && written;
+  return write_output_file(name, line, true);
 }
 
 void write_panic_record(const std::string& log_name) {
