@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-
 #include "common/file_replace.h"
 #include "common/file_util.h"
 #include "common/platform.h"
