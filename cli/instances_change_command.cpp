@@ -12,6 +12,8 @@
 // "instances add|edit|default|remove NAME": refused in read-only mode
 // (1700) and recorded in the audit log. A file that could not be written
 // is reported with the rewrite's message, then 902.
+#include <optional>
+
 #include "cli/cli.h"
 #include "cli/console_operator.h"
 #include "common/ini_profile.h"
@@ -74,25 +76,35 @@ int add(forms::InstanceList& list, const std::vector<std::string>& w,
   return apply(list, action);
 }
 
-int edit(forms::InstanceList& list, const std::vector<std::string>& w,
-         OperatorAction& action) {
-  if (w.size() < 2 || w.size() % 2 != 0) return usage_error("instances edit", kSynopsis);
+// The options of instances edit, as given: nullopt when the words are not
+// --title TEXT and --config FILE pairs.
+struct EditOptions {
   std::optional<std::string> title;
   std::optional<std::string> config;
+};
+std::optional<EditOptions> edit_options(const std::vector<std::string>& w) {
+  EditOptions options;
   for (std::size_t i = 2; i + 1 < w.size(); i += 2) {
     if (w[i] == "--title") {
-      title = typed(forms::kRecordTitle, w[i + 1]);
+      options.title = w[i + 1];
     } else if (w[i] == "--config") {
-      config = typed(forms::kRecordConfig, w[i + 1]);
+      options.config = w[i + 1];
     } else {
-      return usage_error("instances edit", kSynopsis);
+      return std::nullopt;
     }
   }
+  return options;
+}
+
+int edit(forms::InstanceList& list, const std::vector<std::string>& w,
+         OperatorAction& action) {
+  std::optional<EditOptions> options = edit_options(w);
+  if (!options) return usage_error("instances edit", kSynopsis);
   int row = row_of(list, w[1], action.op());
   if (row < 0) return kExitFailed;
   Instance changed = list.rows()[static_cast<std::size_t>(row)];
-  if (title) changed.window_title = *title;
-  if (config) changed.config_file = *config;
+  if (options->title) changed.window_title = typed(forms::kRecordTitle, *options->title);
+  if (options->config) changed.config_file = typed(forms::kRecordConfig, *options->config);
   list.replace(static_cast<std::size_t>(row), changed);
   return apply(list, action);
 }
@@ -122,7 +134,8 @@ int run_instances_change(const Invocation& call) {
   const std::string& action = w[0];
   bool shaped = (action == "add" && w.size() == 4) ||
                 ((action == "default" || action == "remove") && w.size() == 2) ||
-                (action == "edit" && w.size() >= 2 && w.size() % 2 == 0);
+                (action == "edit" && w.size() >= 2 && w.size() % 2 == 0 && edit_options(w));
+  // A usage error is no action: it is found before the action starts.
   if (!shaped) return usage_error("instances " + action, kSynopsis);
   ConsoleOperator op;
   OperatorAction gate(op, "instances " + action + " " + w[1], "");

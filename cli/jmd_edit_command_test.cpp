@@ -6,19 +6,13 @@
 #include <vector>
 
 #include "cli/pxctl_test_fixture.h"
+#include "tests/support/small_jmd.h"
 
 namespace px {
 namespace {
 
-const std::string kHead = "# Plexar Job Management Database (JMD) file\n";
-const std::string kJmd = kHead +
-                         "!f CHEQUE LASER2 /forms/chq.mdf * 2 T PXMERGE N N C *\n"
-                         "!f INVOICE LASER1 inv.mdf * 1 T PXMERGE N N C \"first step\"\n"
-                         "!f INVOICE LASER2 inv2.mdf * 1 T PXMERGE N N C *\n"
-                         "!p LASER1 HP4 LPT1 * 50 *\n"
-                         "!p LASER2 * LPT2 * 50 *\n"
-                         "!x PXMERGE WClass pxmerge.exe * *\n"
-                         "!m HP4 4096 \"four k\"\n";
+const std::string kHead = kJmdHeader;
+const std::string kJmd = kSmallJmd;
 
 class PxctlJmdEditTest : public PxctlFixture {
  protected:

@@ -173,6 +173,26 @@ TEST_F(PxctlConfigTest, InstancesAddEditDefaultRemove) {
   EXPECT_EQ(pxctl({"instances", "rename", "x"}).status, 2);
 }
 
+TEST_F(PxctlConfigTest, UsageErrorsOfInstanceChangesAreNotAuditedAsActions) {
+  std::string audit = dir_.file("audit.log");
+  dir_.write("test.ini", dir_.read("test.ini") + "[Options]\nAuditLog=" + audit + "\n");
+  std::string install = dir_.read("install.ini");
+  for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+           {"instances", "edit", "north", "--colour", "red"},
+           {"instances", "edit", "north", "--title", "N", "--bad", "x"},
+           {"instances", "edit", "north", "--title"},
+           {"instances", "remove", "far", "extra"}}) {
+    ProgramResult r = pxctl(words);
+    EXPECT_EQ(r.status, 2) << words[3];
+    EXPECT_EQ(r.err.find("[17"), std::string::npos) << r.err;
+  }
+  EXPECT_EQ(dir_.read("install.ini"), install);
+  EXPECT_FALSE(std::filesystem::exists(audit)) << dir_.read("audit.log");
+  // A well-formed edit still is one.
+  EXPECT_EQ(pxctl({"instances", "edit", "north", "--title", "N"}).status, 0);
+  EXPECT_NE(dir_.read("audit.log").find("instances edit north"), std::string::npos);
+}
+
 TEST_F(PxctlConfigTest, AFailedWriteShowsWhyThenItsOwnMessageAndLeavesTheFile) {
   // A file larger than pxctl may write: its new version cannot be written.
   std::string big = dir_.read("north.ini") + "; " + std::string(60000, 'x') + "\r\n";

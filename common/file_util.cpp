@@ -276,4 +276,15 @@ std::optional<std::string> read_file(const std::string& path) {
   return read_whole_file(path, std::string().max_size());
 }
 
+bool write_output_file(const std::string& path, std::string_view text, bool append) {
+  int flags = O_WRONLY | O_CREAT | O_NONBLOCK | O_NOCTTY | (append ? O_APPEND : O_TRUNC);
+  FileDescriptor out(open_file(path, flags, 0666));
+  if (!out.valid()) return false;
+  // Open now; a pipe's writes wait for its reader as usual.
+  int status = ::fcntl(out.get(), F_GETFL);
+  if (status == -1 || ::fcntl(out.get(), F_SETFL, status & ~O_NONBLOCK) == -1) return false;
+  bool written = write_all(out.get(), text);
+  return out.close() && written;
+}
+
 }  // namespace px

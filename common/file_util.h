@@ -94,4 +94,11 @@ std::optional<std::string> unique_name(std::string_view directory, std::string_v
 // Only regular files are read (see readable_file.h).
 std::optional<std::string> read_file(const std::string& path);
 
+// Writes text to path, made when missing (0666 less the umask): appended
+// with append set, else replacing what the file held. The open never
+// waits: a FIFO nobody reads fails at once instead of blocking the program;
+// one with a reader, or a device, is written as it is. False when path
+// cannot be opened or the text not wholly written.
+bool write_output_file(const std::string& path, std::string_view text, bool append);
+
 }  // namespace px

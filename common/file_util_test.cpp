@@ -1,5 +1,6 @@
 #include "common/file_util.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -149,6 +150,30 @@ TEST_F(FileUtilTest, UniqueNameSkipsTakenNames) {
   ASSERT_TRUE(next);
   EXPECT_EQ(file_part(*next).substr(0, 2), "ab");
   EXPECT_FALSE(exists(*next));
+}
+
+TEST_F(FileUtilTest, OutputFilesAreAppendedOrReplacedAndAFifoNeverBlocks) {
+  std::string log = dir_.file("out.log");
+  EXPECT_TRUE(write_output_file(log, "one\n", true));
+  EXPECT_TRUE(write_output_file(log, "two\n", true));
+  EXPECT_EQ(dir_.read("out.log"), "one\ntwo\n");
+  EXPECT_TRUE(write_output_file(log, "new", false));
+  EXPECT_EQ(dir_.read("out.log"), "new");
+  EXPECT_FALSE(write_output_file(dir_.file("missing/out.log"), "x", true));
+  EXPECT_FALSE(write_output_file(dir_.path(), "x", true));
+
+  // Nobody reads the FIFO: no wait, just a failure. With a reader the text
+  // goes down the pipe.
+  std::string fifo = dir_.file("fifo");
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  EXPECT_FALSE(write_output_file(fifo, "lost", true));
+  int reader = ::open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
+  ASSERT_GE(reader, 0);
+  EXPECT_TRUE(write_output_file(fifo, "read", false));
+  char buffer[16] = {};
+  EXPECT_EQ(::read(reader, buffer, sizeof buffer), 4);
+  EXPECT_EQ(std::string(buffer), "read");
+  ::close(reader);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <ctime>
 #include <memory>
 
+#include "common/file_util.h"
 #include "common/message_state.h"
 #include "common/messages.h"
 #include "common/text.h"
@@ -42,10 +43,7 @@ bool write_all(std::FILE* out, const std::string& line) {
 // Appends line to the named file or stream; false when it cannot be opened.
 bool append_line(const std::string& name, const std::string& line) {
   if (std::FILE* stream = standard_stream(name)) return write_all(stream, line);
-  File out(std::fopen(name.c_str(), "a"), std::fclose);
-  if (!out) return false;
-  bool written = write_all(out.get(), line);
-  return std::fclose(out.release()) == 0 && written;
+  return write_output_file(name, line, true);
 }
 
 void write_panic_record(const std::string& log_name) {

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "common/expand.h"
+#include "common/file_util.h"
 #include "common/ini_profile.h"
 #include "common/message_state.h"
 #include "common/text.h"
@@ -55,10 +56,7 @@ CachedMessage parse_message(int n, std::string text) {
 void write_last_message(const std::string& line) {
   const std::string& name = state().last_message_file;
   if (name.empty()) return;
-  if (std::FILE* out = std::fopen(name.c_str(), "w+")) {
-    std::fputs(line.c_str(), out);
-    std::fclose(out);
-  }
+  write_output_file(name, line, false);
 }
 
 }  // namespace

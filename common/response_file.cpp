@@ -97,10 +97,7 @@ void write_response(int status, std::string_view message, const std::vector<Name
   std::string text = s.format == ResponseFormat::kBasic
                          ? std::to_string(status) + "\n" + std::string(message)
                          : field_text(status, message, extras);
-  if (std::FILE* out = std::fopen(s.file.c_str(), "w")) {
-    std::fwrite(text.data(), 1, text.size(), out);
-    std::fclose(out);
-  }
+  write_output_file(s.file, text, false);
   s.file.clear();
 }
 

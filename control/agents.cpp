@@ -2,8 +2,7 @@
 
 #include <unistd.h>
 
-#include <cstdio>
-
+#include "common/file_replace.h"
 #include "common/file_util.h"
 #include "common/platform.h"
 #include "common/run_command.h"
@@ -131,19 +130,23 @@ Outcome stop_email_agent_ungated(const ControlContext& context) {
     op.show(msg::kSettingMissing, {"Paths", display_path(agent_ini), "DataPath"});
     return Outcome::kFailed;
   }
-  std::string stop_file = join_path(kEmailStopFileName, data);
-  std::FILE* f = std::fopen(stop_file.c_str(), "w");
-  if (f == nullptr) {
-    op.show(msg::kFileNotOpened, {display_path(stop_file)});
-    return Outcome::kFailed;
-  }
-  std::fclose(f);
+  if (!write_email_stop_file(data, op)) return Outcome::kFailed;
   bool woken = kick(context.instance.name, true, op, context.times);
   op.show(msg::kEmailStopSent);
   return woken ? Outcome::kDone : Outcome::kDeliveredNotWoken;
 }
 
 }  // namespace
+
+bool write_email_stop_file(const std::string& data_directory, Operator& op, FileSystem& files) {
+  std::string stop_file = join_path(kEmailStopFileName, data_directory);
+  FileResult written = replace_file(stop_file, "", files);
+  if (written) return true;
+  FileMessage why = failure_message(written, stop_file);
+  op.show(why.number, why.args);
+  op.show(msg::kFileNotOpened, {display_path(stop_file)});
+  return false;
+}
 
 Outcome start_server(const ControlContext& context) {
   return run_gated("start", context, start_server_ungated);

@@ -14,6 +14,9 @@
 // recorded in the audit log as "start", "start-email" or "stop-email".
 #pragma once
 
+#include <string>
+
+#include "common/file_system.h"
 #include "control/control_context.h"
 
 namespace px {
@@ -28,5 +31,12 @@ Outcome start_email_agent(const ControlContext& context);
 
 // Asks a running E-mail Agent to stop (231); one not running shows 237.
 Outcome stop_email_agent(const ControlContext& context);
+
+// Puts the empty stop file in the agent's data directory in one crash-safe
+// step (common/file_replace.h), replacing one the agent has not taken yet.
+// On failure shows the failed step's message, then 177, and answers false;
+// nothing is left in the directory. The file steps go through files.
+bool write_email_stop_file(const std::string& data_directory, Operator& op,
+                           FileSystem& files = system_file_system());
 
 }  // namespace px

@@ -7,6 +7,7 @@
 
 #include <filesystem>
 
+#include "common/file_replace.h"
 #include "common/run_command.h"
 #include "config/message_numbers.h"
 #include "config/recording_operator.h"
@@ -118,6 +119,8 @@ TEST_F(AgentsTest, StopEmailAgentNeedsTheAgentsDataPath) {
                                        "\n[Paths]\nDataPath=" + install_.dir().file("nomail") +
                                        "\n");
   EXPECT_EQ(stop_email_agent(context()), Outcome::kFailed);
+  // Why first (no file can be made in a directory that is not there), then 177.
+  EXPECT_EQ(op_.numbers().end()[-2], kMsgTempNotCreated);
   EXPECT_EQ(op_.shown().back(),
             (ShownMessage{msg::kFileNotOpened,
                           {display_path(install_.dir().file("nomail/stopread.msg"))}}));

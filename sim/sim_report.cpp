@@ -1,8 +1,6 @@
 #include "sim/sim_report.h"
 
-#include <cstdio>
 #include <ctime>
-#include <memory>
 
 #include "common/expand.h"
 #include "common/file_replace.h"
@@ -52,11 +50,7 @@ bool write_status_line(const std::string& path, std::string_view program, std::s
 
 bool append_log_line(const std::string& path, std::string_view program, std::string_view text) {
   if (path.empty()) return true;
-  std::unique_ptr<std::FILE, int (*)(std::FILE*)> out(std::fopen(path.c_str(), "a"), std::fclose);
-  if (!out) return false;
-  std::string line = stamped(program, text) + "\n";
-  bool written = std::fwrite(line.data(), 1, line.size(), out.get()) == line.size();
-  return std::fclose(out.release()) == 0 && written;
+  return write_output_file(path, stamped(program, text) + "\n", true);
 }
 
 }  // namespace px::sim

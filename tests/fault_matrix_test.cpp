@@ -1,7 +1,8 @@
 // Every write path that changes a file the operator cares about, failed at
 // each file step in turn through the file-write seam (common/file_system.h):
 // an INI rewrite (with its backup), a JMD save (with its .JBK backup), a
-// control job and an audit record. Each step a path makes is failed at each
+// JMD file written back by the pxctl jmd editing commands, a control job,
+// the E-mail Agent's stop file and an audit record. Each step a path makes is failed at each
 // of its occurrences with ENOSPC, EIO and EACCES; every time the files that
 // were there must be byte for byte as they were, nothing else may be left in
 // their directories, and the operator must have been shown a numbered
@@ -25,7 +26,9 @@
 #include "config/jmd_service.h"
 #include "config/operator_action.h"
 #include "config/recording_operator.h"
+#include "control/agents.h"
 #include "control/control_job.h"
+#include "jmd/editors/jmd_file.h"
 #include "tests/support/faulty_file_system.h"
 #include "tests/support/test_dir.h"
 
@@ -78,12 +81,12 @@ class IniRewrite : public WritePath {
   }
 };
 
-// The instance's JMD saved by the JMD service, the old file kept as .JBK.
-class JmdSave : public WritePath {
+// A JMD in data/jobs.jmd, with an older one as its backup. The table files
+// of the loaded JMD go to TMPDIR, set to the try's own directory while it
+// lasts.
+class JmdPath : public WritePath {
  public:
-  // The service's table files go to TMPDIR, set to the try's own directory
-  // while it lasts.
-  ~JmdSave() override {
+  ~JmdPath() override {
     if (saved_tmpdir_.empty()) {
       ::unsetenv("TMPDIR");
     } else {
@@ -100,6 +103,17 @@ class JmdSave : public WritePath {
     dir.write("data/jobs.JBK", "an older JMD\n");
     std::filesystem::create_directories(dir.file("tmp"));
     ::setenv("TMPDIR", dir.file("tmp").c_str(), 1);
+  }
+
+ private:
+  std::string saved_tmpdir_;
+};
+
+// The instance's JMD saved by the JMD service, the old file kept as .JBK.
+class JmdSave : public JmdPath {
+ public:
+  void set_up(const TestDir& dir) override {
+    JmdPath::set_up(dir);
     std::string config = dir.write("north.ini", "[Options]\nJMDFileName=" + dir.file("data/jobs.jmd") + "\n");
     set_current_instance({"north", "north", config});
     service_ = std::make_unique<JmdService>();
@@ -114,9 +128,33 @@ class JmdSave : public WritePath {
   }
 
  private:
-  std::string saved_tmpdir_;
   RecordingOperator op_;
   std::unique_ptr<JmdService> service_;
+};
+
+// A JMD file edited by a pxctl jmd editing command: its printer deleted,
+// then the file written back over itself (no backup).
+class JmdEdit : public JmdPath {
+ public:
+  void set_up(const TestDir& dir) override {
+    JmdPath::set_up(dir);
+    file_ = std::make_unique<editors::JmdFile>(dir.file("data/jobs.jmd"), op_);
+    ASSERT_TRUE(file_->load());
+    editors::JmdEditor& editor = file_->editor();
+    long printer = editor.find_row(editors::ListKind::kPrinters, "LASER1");
+    ASSERT_NE(printer, 0);
+    ASSERT_EQ(editor.delete_rows(editors::ListKind::kPrinters, {printer}), 1);
+  }
+  int write(const TestDir&, FileSystem& files) override {
+    op_.clear();
+    file_->save(files);
+    file_.reset();  // its table files go with it
+    return last_shown(op_);
+  }
+
+ private:
+  RecordingOperator op_;
+  std::unique_ptr<editors::JmdFile> file_;
 };
 
 // A Resume Server control job, dropped beside a job the server has not
@@ -133,6 +171,21 @@ class ControlJob : public WritePath {
     int number = 0;
     write_control_job("^job PXCNTRLJOB\nResume Server\n", dir.file("control/"),
                       ControlCommand::kResume, &number, dir.file("cwd"), op, files);
+    return last_shown(op);
+  }
+};
+
+// The E-mail Agent's stop file, put in its data directory beside a mail
+// file it has not sent yet.
+class EmailStopFile : public WritePath {
+ public:
+  void set_up(const TestDir& dir) override {
+    std::filesystem::create_directories(dir.file("mail"));
+    dir.write("mail/MAIL1.dat", "To: ops\n");
+  }
+  int write(const TestDir& dir, FileSystem& files) override {
+    RecordingOperator op;
+    write_email_stop_file(dir.file("mail"), op, files);
     return last_shown(op);
   }
 };
@@ -186,14 +239,19 @@ TEST(FaultMatrix, EveryFailedStepLeavesThePreviousFilesAndShowsANumberedMessage)
   const Kind kinds[] = {
       {"INI rewrite", [] { return std::make_unique<IniRewrite>(); }, Step::kRename, {}, ".bak"},
       {"JMD save", [] { return std::make_unique<JmdSave>(); }, Step::kRename, {"open"}, ".JBK"},
+      {"JMD edit", [] { return std::make_unique<JmdEdit>(); }, Step::kRename, {"open"}, ""},
       {"control job", [] { return std::make_unique<ControlJob>(); }, Step::kLink, {}, ""},
+      {"stop file", [] { return std::make_unique<EmailStopFile>(); }, Step::kRename,
+       {"open", "write"}, ""},
       {"audit record", [] { return std::make_unique<AuditRecordAppend>(); }, Step::kRename,
        {"create", "rename"}, ""},
   };
 
   std::string table = "| call | error |";
   for (const Kind& kind : kinds) table += std::string(" ") + kind.name + " |";
-  table += "\n|---|---|---|---|---|---|\n";
+  table += "\n|---|---|";
+  for (std::size_t i = 0; i < std::size(kinds); ++i) table += "---|";
+  table += "\n";
   for (const Call& call : calls) {
     for (auto [error_name, error] : errors) {
       table += std::string("| ") + call.name + " | " + error_name + " |";

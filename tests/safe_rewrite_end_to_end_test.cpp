@@ -197,6 +197,24 @@ TEST_F(SafeRewriteEndToEnd, KilledIniSetsLeaveTheOldOrTheNewFile) {
   EXPECT_EQ(count_starting(dir_.path(), ".agents.ini."), 0);
 }
 
+// The jmd editing commands write the edited file back over itself: killed
+// at any moment it holds the old text or the edited one.
+TEST_F(SafeRewriteEndToEnd, KilledJmdEditsLeaveTheOldOrTheEditedFile) {
+  std::string jmd = dir_.file("edited.jmd");
+  std::string old_text = big_jmd(40000);
+  std::vector<std::string> words = {"jmd", "delete", jmd, "printers", "LASER3"};
+  write_file(jmd, old_text);
+  ProgramResult edit = pxctl(words);
+  ASSERT_EQ(edit.status, 0) << edit.err;
+  std::string new_text = read_file(jmd);
+  ASSERT_EQ(new_text.find("LASER3 L3"), std::string::npos);
+  ASSERT_NE(new_text.find("LASER4 L4"), std::string::npos);
+
+  KillFigures figures = kill_loop(words, jmd, old_text, new_text, 40);
+  EXPECT_EQ(figures.damaged, 0);
+  EXPECT_GT(figures.kills, 20);
+}
+
 // Two writers of different keys at the same moment, 100 times, then 40 at
 // once: every change must land.
 TEST_F(SafeRewriteEndToEnd, ParallelIniWritersLoseNoChange) {

@@ -4,6 +4,7 @@
 
 #include "common/messages.h"
 #include "config/dialogs/agent_dialogs.h"
+#include "config/dialogs/dialog_base.h"
 #include "config/dialogs/form_dialog.h"
 #include "config/dialogs/instance_dialogs.h"
 #include "config/dialogs/server_dialogs.h"
@@ -17,37 +18,11 @@ namespace {
 constexpr int kDialog = 123;
 constexpr int kList = 3;
 constexpr int kEditFile = 1;
-constexpr int kCancel = 2;
 
-class Configure {
+class Configure : public DialogBase {
  public:
   Configure(const ConfigContext& context, const Instance& instance, bool other_node)
       : context_(context), instance_(instance), other_node_(other_node) {}
-
-  void handle(const tk::Event& e) {
-    tk::Window dialog = e.window;
-    switch (e.type) {
-      case tk::EventType::kCreate:
-        create(dialog);
-        break;
-      case tk::EventType::kDestroy:
-        dialog.toolkit().forget_help_topics(dialog.id());
-        break;
-      case tk::EventType::kClose:
-        dialog.destroy();
-        break;
-      case tk::EventType::kControl:
-        if (e.is_control(kEditFile, tk::Notice::kClicked) ||
-            (e.control == kList && e.double_click())) {
-          choose(dialog);
-        } else if (e.is_control(kCancel, tk::Notice::kClicked)) {
-          dialog.destroy();
-        }
-        break;
-      default:
-        break;
-    }
-  }
 
   // After the dialog closed: opens what was chosen.
   void open_choice() {
@@ -78,7 +53,7 @@ class Configure {
   }
 
  private:
-  void create(tk::Window dialog) {
+  void create(tk::Window dialog) override {
     dialog.set_title(messages::message_label(forms::kMsgConfigureTitle));
     dialog.control(kEditFile).set_text(messages::message_label(forms::kMsgEditFileButton));
     listing_ = forms::list_processes(instance_.config_file, other_node_, context_.op);
@@ -92,6 +67,12 @@ class Configure {
     for (const forms::Process& process : listing_.processes) list.add(process.name);
     list.select(0);
     list.focus();
+  }
+
+  void control(tk::Window dialog, const tk::Event& e) override {
+    if (e.is_control(kEditFile, tk::Notice::kClicked) || (e.control == kList && e.double_click())) {
+      choose(dialog);
+    }
   }
 
   void choose(tk::Window dialog) {
@@ -135,8 +116,7 @@ class Configure {
 bool run_configure_dialog(const ConfigContext& context, const Instance& instance,
                           bool other_node) {
   Configure configure(context, instance, other_node);
-  if (!context.toolkit.run_modal_dialog(kDialog,
-                                        [&configure](const tk::Event& e) { configure.handle(e); })) {
+  if (!configure.run_modal(context.toolkit, kDialog)) {
     context.op.show(kMsgDialogNotCreated);
     return false;
   }

@@ -27,30 +27,18 @@ FormDialog::FormDialog(forms::Form& form, Operator& op, std::string instance_nam
       controls_(std::move(controls)), extra_(std::move(extra)), files_(files) {}
 
 void FormDialog::handle(const tk::Event& e) {
-  tk::Window dialog = e.window;
   if (extra_ && e.type != tk::EventType::kCreate && extra_(e, form_)) return;
-  switch (e.type) {
-    case tk::EventType::kCreate:
-      create(dialog);
-      if (extra_) extra_(e, form_);
-      break;
-    case tk::EventType::kDestroy:
-      dialog.toolkit().forget_help_topics(dialog.id());
-      break;
-    case tk::EventType::kClose:
-      dialog.destroy();
-      break;
-    case tk::EventType::kControl:
-      if (e.notice == tk::Notice::kChanged) {
-        changed(dialog, e.control);
-      } else if (e.notice == tk::Notice::kScrolled && e.control == controls_.spin) {
-        scrolled(dialog, e);
-      } else if (e.notice == tk::Notice::kClicked || e.notice == tk::Notice::kSelectionChanged) {
-        clicked(dialog, e.control);
-      }
-      break;
-    default:
-      break;
+  DialogBase::handle(e);
+  if (extra_ && e.type == tk::EventType::kCreate) extra_(e, form_);
+}
+
+void FormDialog::control(tk::Window dialog, const tk::Event& e) {
+  if (e.notice == tk::Notice::kChanged) {
+    changed(dialog, e.control);
+  } else if (e.notice == tk::Notice::kScrolled && e.control == controls_.spin) {
+    scrolled(dialog, e);
+  } else if (e.notice == tk::Notice::kClicked || e.notice == tk::Notice::kSelectionChanged) {
+    clicked(dialog, e.control);
   }
 }
 
@@ -139,10 +127,6 @@ void FormDialog::note(tk::Window dialog, const forms::FieldDef& field,
 void FormDialog::clicked(tk::Window dialog, int control_id) {
   if (control_id == controls_.ok) {
     ok(dialog);
-    return;
-  }
-  if (control_id == 2) {
-    dialog.destroy();
     return;
   }
   if (control_id == controls_.changes && controls_.changes != 0) {
@@ -242,11 +226,7 @@ bool run_form_dialog(const ConfigContext& context, forms::Form& form,
                      const FormControls& controls, ExtraHandler extra) {
   FormDialog binding(form, context.op, context.instance_name, controls, std::move(extra),
                      context.files);
-  if (!context.toolkit.run_modal_dialog(form.def().dialog,
-                                        [&binding](const tk::Event& e) { binding.handle(e); })) {
-    return false;
-  }
-  return true;
+  return binding.run_modal(context.toolkit, form.def().dialog);
 }
 
 bool run_sub_dialog(forms::Form& parent, const std::function<bool()>& run) {

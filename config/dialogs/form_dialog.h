@@ -26,6 +26,7 @@
 #include <vector>
 
 #include "config/dialogs/config_context.h"
+#include "config/dialogs/dialog_base.h"
 #include "config/forms/form.h"
 #include "config/operator.h"
 #include "toolkit/toolkit.h"
@@ -48,19 +49,22 @@ struct FormControls {
 // buttons); returns true when it took it.
 using ExtraHandler = std::function<bool(const tk::Event&, forms::Form&)>;
 
-// The binding: call handle() from the dialog's event handler.
-class FormDialog {
+// The binding: run it with run_modal(), or call handle() from the dialog's
+// event handler. The extra handler sees every event first (but creation,
+// which it sees after the form's fields are filled).
+class FormDialog : public DialogBase {
  public:
   FormDialog(forms::Form& form, Operator& op, std::string instance_name, FormControls controls,
              ExtraHandler extra = {}, FileSystem* files = nullptr);
 
-  void handle(const tk::Event& e);
+  void handle(const tk::Event& e) override;
   // Puts every field of the form into the dialog's controls.
   void fill(tk::Window dialog);
   bool saved() const { return saved_; }
 
  private:
-  void create(tk::Window dialog);
+  void create(tk::Window dialog) override;
+  void control(tk::Window dialog, const tk::Event& e) override;
   void changed(tk::Window dialog, int control);
   void clicked(tk::Window dialog, int control);
   void scrolled(tk::Window dialog, const tk::Event& e);

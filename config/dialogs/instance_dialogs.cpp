@@ -1,5 +1,6 @@
 #include "config/dialogs/instance_dialogs.h"
 
+#include "config/dialogs/dialog_base.h"
 #include "config/dialogs/form_dialog.h"
 #include "config/forms/form_messages.h"
 #include "config/forms/instance_list.h"
@@ -13,7 +14,6 @@ namespace {
 // Nexa Control Configuration (121).
 constexpr int kListDialog = 121;
 constexpr int kEdit = 1;
-constexpr int kCancel = 2;
 constexpr int kDelete = 3;
 constexpr int kMakeDefault = 4;
 constexpr int kListOk = 5;
@@ -24,42 +24,31 @@ constexpr int kOk = 1;
 
 // The record dialog: OK refuses a name that cannot be a key, or that
 // another row has.
-class InstanceRecord {
+class InstanceRecord : public DialogBase {
  public:
   InstanceRecord(const ConfigContext& context, const forms::InstanceList& list, std::size_t row)
       : context_(context), list_(list), row_(row), instance_(list.rows()[row]) {}
-
-  void handle(const tk::Event& e) {
-    tk::Window dialog = e.window;
-    switch (e.type) {
-      case tk::EventType::kCreate:
-        set(dialog, forms::kRecordName, instance_.name);
-        set(dialog, forms::kRecordTitle, instance_.window_title);
-        set(dialog, forms::kRecordConfig, instance_.config_file);
-        dialog.control(forms::kRecordName.control).focus();
-        disable_when_read_only(dialog.control(kOk));
-        break;
-      case tk::EventType::kClose:
-        dialog.destroy();
-        break;
-      case tk::EventType::kControl:
-        if (e.notice == tk::Notice::kChanged) {
-          keep_limit(dialog, e.control);
-        } else if (e.is_control(kOk, tk::Notice::kClicked)) {
-          ok(dialog);
-        } else if (e.is_control(kCancel, tk::Notice::kClicked)) {
-          dialog.destroy();
-        }
-        break;
-      default:
-        break;
-    }
-  }
 
   bool accepted() const { return accepted_; }
   const Instance& instance() const { return instance_; }
 
  private:
+  void create(tk::Window dialog) override {
+    set(dialog, forms::kRecordName, instance_.name);
+    set(dialog, forms::kRecordTitle, instance_.window_title);
+    set(dialog, forms::kRecordConfig, instance_.config_file);
+    dialog.control(forms::kRecordName.control).focus();
+    disable_when_read_only(dialog.control(kOk));
+  }
+
+  void control(tk::Window dialog, const tk::Event& e) override {
+    if (e.notice == tk::Notice::kChanged) {
+      keep_limit(dialog, e.control);
+    } else if (e.is_control(kOk, tk::Notice::kClicked)) {
+      ok(dialog);
+    }
+  }
+
   static void set(tk::Window dialog, const forms::FieldDef& field, const std::string& text) {
     tk::Control control = dialog.control(field.control);
     control.set_limit(static_cast<int>(field.limit));
@@ -106,37 +95,19 @@ class InstanceRecord {
   bool accepted_ = false;
 };
 
-class InstanceConfig {
+class InstanceConfig : public DialogBase {
  public:
   explicit InstanceConfig(const ConfigContext& context) : context_(context) {}
 
-  void handle(const tk::Event& e) {
-    tk::Window dialog = e.window;
-    switch (e.type) {
-      case tk::EventType::kCreate:
-        list_.load();
-        dialog.control(kDelete).set_visible(true);
-        fill(dialog, -1);
-        for (int changes : {kListOk, kMakeDefault, kDelete}) {
-          disable_when_read_only(dialog.control(changes));
-        }
-        break;
-      case tk::EventType::kDestroy:
-        dialog.toolkit().forget_help_topics(dialog.id());
-        break;
-      case tk::EventType::kClose:
-        dialog.destroy();
-        break;
-      case tk::EventType::kControl:
-        control(dialog, e);
-        break;
-      default:
-        break;
-    }
+ private:
+  void create(tk::Window dialog) override {
+    list_.load();
+    dialog.control(kDelete).set_visible(true);
+    fill(dialog, -1);
+    for (int changes : {kListOk, kMakeDefault, kDelete}) disable_when_read_only(dialog.control(changes));
   }
 
- private:
-  void control(tk::Window dialog, const tk::Event& e) {
+  void control(tk::Window dialog, const tk::Event& e) override {
     if (e.is_control(kEdit, tk::Notice::kClicked) || (e.control == kList && e.double_click())) {
       edit(dialog);
     } else if (e.is_control(kMakeDefault, tk::Notice::kClicked)) {
@@ -145,8 +116,6 @@ class InstanceConfig {
       remove(dialog);
     } else if (e.is_control(kListOk, tk::Notice::kClicked)) {
       ok(dialog);
-    } else if (e.is_control(kCancel, tk::Notice::kClicked)) {
-      dialog.destroy();
     }
   }
 
@@ -164,8 +133,7 @@ class InstanceConfig {
     int row = list.selected();
     if (row < 0 || list.row(row).empty()) return;
     InstanceRecord record(context_, list_, static_cast<std::size_t>(row));
-    if (!context_.toolkit.run_modal_dialog(kRecordDialog,
-                                           [&record](const tk::Event& e) { record.handle(e); })) {
+    if (!record.run_modal(context_.toolkit, kRecordDialog)) {
       context_.op.show(kMsgDialogNotCreated);
       return;
     }
@@ -228,8 +196,7 @@ class InstanceConfig {
 
 bool run_instance_config_dialog(const ConfigContext& context) {
   InstanceConfig dialog(context);
-  return context.toolkit.run_modal_dialog(kListDialog,
-                                          [&dialog](const tk::Event& e) { dialog.handle(e); });
+  return dialog.run_modal(context.toolkit, kListDialog);
 }
 
 }  // namespace px::dialogs

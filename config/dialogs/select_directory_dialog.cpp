@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "common/file_util.h"
+#include "config/dialogs/dialog_base.h"
 #include "config/dialogs/form_dialog.h"
 
 namespace px::dialogs {
@@ -15,7 +16,6 @@ constexpr int kCurrent = 4;
 constexpr int kDirectories = 5;
 constexpr int kDrives = 6;
 constexpr int kOk = 1;
-constexpr int kCancel = 2;
 
 std::string current_directory() {
   std::error_code error;
@@ -23,45 +23,34 @@ std::string current_directory() {
   return error ? std::string("/") : cwd.string();
 }
 
-class SelectDirectory {
+class SelectDirectory : public DialogBase {
  public:
   SelectDirectory(const std::string& start, std::vector<forms::Drive> drives)
       : browser_(std::move(drives), start, current_directory()) {}
 
-  void handle(const tk::Event& e) {
-    tk::Window dialog = e.window;
-    switch (e.type) {
-      case tk::EventType::kCreate:
-        dialog.toolkit().show_busy_cursor();
-        fill_drives(dialog);
-        fill_directories(dialog);
-        break;
-      case tk::EventType::kClose:
-        dialog.destroy();
-        break;
-      case tk::EventType::kControl:
-        if (e.is_control(kOk, tk::Notice::kClicked)) {
-          chosen_ = dialog.control(kCurrent).text();
-          dialog.destroy();
-        } else if (e.is_control(kCancel, tk::Notice::kClicked)) {
-          dialog.destroy();
-        } else if (e.control == kDirectories && e.double_click()) {
-          tk::Control list = dialog.control(kDirectories);
-          dialog.toolkit().show_busy_cursor();
-          if (browser_.enter(list.row(list.selected()))) fill_directories(dialog);
-        } else if (e.is_control(kDrives, tk::Notice::kSelectionChanged)) {
-          dialog.toolkit().show_busy_cursor();
-          if (browser_.choose_drive(dialog.control(kDrives).selected())) fill_directories(dialog);
-        }
-        break;
-      default:
-        break;
-    }
-  }
-
   const std::optional<std::string>& chosen() const { return chosen_; }
 
  private:
+  void create(tk::Window dialog) override {
+    dialog.toolkit().show_busy_cursor();
+    fill_drives(dialog);
+    fill_directories(dialog);
+  }
+
+  void control(tk::Window dialog, const tk::Event& e) override {
+    if (e.is_control(kOk, tk::Notice::kClicked)) {
+      chosen_ = dialog.control(kCurrent).text();
+      dialog.destroy();
+    } else if (e.control == kDirectories && e.double_click()) {
+      tk::Control list = dialog.control(kDirectories);
+      dialog.toolkit().show_busy_cursor();
+      if (browser_.enter(list.row(list.selected()))) fill_directories(dialog);
+    } else if (e.is_control(kDrives, tk::Notice::kSelectionChanged)) {
+      dialog.toolkit().show_busy_cursor();
+      if (browser_.choose_drive(dialog.control(kDrives).selected())) fill_directories(dialog);
+    }
+  }
+
   void fill_drives(tk::Window dialog) {
     tk::Control drives = dialog.control(kDrives);
     drives.clear_rows();
@@ -90,7 +79,7 @@ std::optional<std::string> select_directory(tk::Toolkit& toolkit, Operator& op,
                                             const std::string& start,
                                             std::vector<forms::Drive> drives) {
   SelectDirectory dialog(start, std::move(drives));
-  if (!toolkit.run_modal_dialog(kDialog, [&dialog](const tk::Event& e) { dialog.handle(e); })) {
+  if (!dialog.run_modal(toolkit, kDialog)) {
     op.show(kMsgDialogNotCreated);
     return std::nullopt;
   }

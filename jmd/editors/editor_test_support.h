@@ -6,23 +6,10 @@
 #include "config/recording_operator.h"
 #include "jmd/editors/jmd_file.h"
 #include "jmd/editors/row_list.h"
+#include "tests/support/small_jmd.h"
 #include "tests/support/test_dir.h"
 
 namespace px::editors {
-
-inline constexpr const char* kJmdHeader = "# Plexar Job Management Database (JMD) file\n";
-
-// A small JMD: two jobs (INVOICE with two steps, CHEQUE with one), two
-// printers, one task and one managed-memory row.
-inline const char* const kSmallJmd =
-    "# Plexar Job Management Database (JMD) file\n"
-    "!f CHEQUE LASER2 /forms/chq.mdf * 2 T PXMERGE N N C *\n"
-    "!f INVOICE LASER1 inv.mdf * 1 T PXMERGE N N C \"first step\"\n"
-    "!f INVOICE LASER2 inv2.mdf * 1 T PXMERGE N N C *\n"
-    "!p LASER1 HP4 LPT1 * 50 *\n"
-    "!p LASER2 * LPT2 * 50 *\n"
-    "!x PXMERGE WClass pxmerge.exe * *\n"
-    "!m HP4 4096 \"four k\"\n";
 
 class EditorFixture {
  public:

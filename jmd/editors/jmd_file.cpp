@@ -34,13 +34,13 @@ bool JmdFile::load() {
   return true;
 }
 
-bool JmdFile::save() {
+bool JmdFile::save(FileSystem& files) {
   jmd::Jmd* database = service_.jmd();
   if (database == nullptr) {
     op_.show(msg::kFileNotWritten, {path_});
     return false;
   }
-  FileResult saved = jmd::save_jmd(*database, path_);
+  FileResult saved = jmd::save_jmd(*database, path_, files);
   if (!saved) {
     FileMessage why = failure_message(saved, path_);
     op_.show(why.number, why.args);

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "common/file_system.h"
 #include "config/jmd_service.h"
 #include "config/operator.h"
 #include "jmd/editors/jmd_editor.h"
@@ -23,8 +24,9 @@ class JmdFile {
   const std::string& path() const { return path_; }
 
   // Writes the tables back over the file in one crash-safe step (the JMD
-  // writer's replace); false after showing why and kFileNotWritten.
-  bool save();
+  // writer's replace, its file steps through files); false after showing
+  // why and kFileNotWritten, the file then as it was.
+  bool save(FileSystem& files = system_file_system());
 
  private:
   std::string path_;
