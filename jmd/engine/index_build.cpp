@@ -69,7 +69,8 @@ class EntryOrder {
         unique_(column_.flags & kUniqueKey),
         head_width_(column_.type >= kTypeString && column_.type <= kTypeTextNoCase
                         ? std::min(column_.width, ValueCache::kPrefixWidth)
-                        : 0) {
+                        : 0),
+        key_flip_(signed_keys(column_.type) ? 0x80000000u : 0u) {
     head_column_ = column_;
     head_column_.width = head_width_;
   }
@@ -99,11 +100,22 @@ class EntryOrder {
   // Negative, zero or positive: keys as the column type orders them, then
   // the first value bytes, then rows.
   int compare(const SortEntry& a, const SortEntry& b) const {
-    int r = compare_keys(column_.type, a.key, b.key);
+    int r = order(ordered_key(a), ordered_key(b));
     if (r == 0) r = order(a.head_high, b.head_high);
     if (r == 0) r = order(a.head_low, b.head_low);
     if (r == 0) r = order(a.row, b.row);
     return r;
+  }
+
+  // compare(a, b) < 0, as the sort asks it: plain word comparisons that
+  // inline, without the column type's switch.
+  bool less(const SortEntry& a, const SortEntry& b) const {
+    uint32_t ka = ordered_key(a);
+    uint32_t kb = ordered_key(b);
+    if (ka != kb) return ka < kb;
+    if (a.head_high != b.head_high) return a.head_high < b.head_high;
+    if (a.head_low != b.head_low) return a.head_low < b.head_low;
+    return a.row < b.row;
   }
 
   // Whether the index orders entry after previous, the entry sorted before
@@ -119,6 +131,14 @@ class EntryOrder {
   }
 
  private:
+  // Keys of the sortable types order as signed or unsigned 32-bit numbers
+  // (compare_keys); a signed key with its sign bit flipped orders as an
+  // unsigned one. The texts that are not hashed all have the key 0.
+  static bool signed_keys(int32_t type) {
+    return type == kTypeInt || type == kTypeLong || type == kTypeShort || type == kTypeChar;
+  }
+  uint32_t ordered_key(const SortEntry& e) const { return static_cast<uint32_t>(e.key) ^ key_flip_; }
+
   // Whether the first bytes hold the whole value (a canonical text is
   // zero-filled after its end); true for a column without values.
   bool whole_in_head(const SortEntry& e) const {
@@ -129,6 +149,7 @@ class EntryOrder {
   ColumnDef head_column_;
   bool unique_;
   uint32_t head_width_;
+  uint32_t key_flip_;
 };
 
 }  // namespace
@@ -247,7 +268,7 @@ OrderedBuild add_index_in_key_order(TableState& t, int c) {
   std::vector<std::byte> record;
   std::vector<std::byte> head;
   bool hashed = column.type == kTypeString || column.type == kTypeStringNoCase;
-  auto less = [&](const SortEntry& a, const SortEntry& b) { return entry_order.compare(a, b) < 0; };
+  auto less = [&](const SortEntry& a, const SortEntry& b) { return entry_order.less(a, b); };
   // The rows in runs of at most `run` entries, each sorted; more than one run
   // is kept in a file and the runs are merged. Nothing is inserted before
   // every row has been read, so a row that cannot be had leaves the index to
