@@ -92,6 +92,34 @@ TEST(JmdReaderTest, TokensFollowTheQuoteRules) {
   EXPECT_EQ(token, "");
 }
 
+// Tokens are looked through sixteen characters at a time: every character
+// value, at every place of a long token, splits it exactly when it is white
+// space, and a quote there still starts quoting.
+TEST(JmdReaderTest, EveryCharacterAtEveryPlaceOfALongToken) {
+  const std::string blanks = " \t\n\v\f\r";
+  for (int value = 1; value < 256; ++value) {
+    char c = static_cast<char>(value);
+    if (c == '"') continue;
+    for (size_t place : {size_t{0}, size_t{5}, size_t{15}, size_t{16}, size_t{17}, size_t{31},
+                         size_t{32}, size_t{40}}) {
+      std::string head(place, 'h');
+      std::string tail(20, 't');
+      std::vector<std::string> expected;
+      if (blanks.find(c) != std::string::npos) {
+        if (!head.empty()) expected.push_back(head);
+        expected.push_back(tail);
+      } else {
+        expected.push_back(head + c + tail);
+      }
+      EXPECT_EQ(all_tokens(head + c + tail), expected) << "character " << value << " at " << place;
+    }
+  }
+  std::string before(20, 'b');
+  EXPECT_EQ(all_tokens(before + "\"in side\"" + std::string(18, 'a') + " x"),
+            (std::vector<std::string>{before + "in side" + std::string(18, 'a'), "x"}));
+  EXPECT_EQ(all_tokens(std::string(33, 'q') + "\r"), (std::vector<std::string>{std::string(33, 'q')}));
+}
+
 TEST(JmdReaderTest, RecordFieldsFromTokens) {
   RecordingReporter reporter;
   std::vector<char> job = parse(kJobTable, " MYFORM", reporter);

@@ -1,10 +1,12 @@
 #include "jmd/engine/block_cache.h"
 
+#include <fcntl.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <new>
 #include <utility>
@@ -18,8 +20,14 @@ namespace {
 
 constexpr int kMaxRun = 256;  // blocks written by one call at most
 
+// The bytes of one cached block.
+struct BlockBytes {
+  alignas(16) std::array<std::byte, kBlockSize> bytes;
+};
+
 struct CacheState {
   std::vector<CacheEntry> entries;  // reserved once; entries never move
+  std::vector<BlockBytes> blocks;   // entry i's bytes are blocks[i]; reserved with it
   int capacity = kCacheBudget / kCacheEntryCost;
   bool reserved = false;
   std::array<int, kCacheBuckets> buckets{};
@@ -145,17 +153,38 @@ int allocate() {
   if (!c.reserved) {
     c.reserved = true;
     try {
-      c.entries.reserve(c.capacity);
+      c.entries.reserve(static_cast<size_t>(c.capacity));
+      c.blocks.reserve(static_cast<size_t>(c.capacity));
     } catch (const std::bad_alloc&) {
       c.capacity = 0;
     }
   }
   if (static_cast<int>(c.entries.size()) >= c.capacity) return -1;
-  c.entries.emplace_back();
+  c.blocks.emplace_back();
+  c.entries.push_back(CacheEntry{.data = c.blocks.back().bytes});
   return static_cast<int>(c.entries.size()) - 1;
 }
 
+// The most disk space reserved ahead of a file's writes at a time, and the
+// least worth a call.
+constexpr int64_t kMostReserved = int64_t{8} << 20;
+constexpr int64_t kLeastReserved = int64_t{256} << 10;
+
 }  // namespace
+
+// Before a write that reaches end: reserves disk space for a created
+// (unnamed) file up to about as much again as the file holds beyond end, so
+// that a growing file is allocated in large pieces (the file's size stays as
+// it is). Only a hint: a file system that cannot reserve is written as it
+// is, and a full one reports the write itself.
+void BlockCache::reserve_ahead(VList& list, int64_t end) {
+  if (end <= list.reserved_ || !(list.mode_ & kVListCreate)) return;
+  int64_t ahead = std::clamp(list.file_size_, kLeastReserved, kMostReserved);
+  int64_t from = list.reserved_;
+  bool reserved = fallocate(list.fd_, FALLOC_FL_KEEP_SIZE, from, end + ahead - from) == 0;
+  // A file that cannot have room reserved is not asked again.
+  list.reserved_ = reserved ? end + ahead : INT64_MAX;
+}
 
 // Writes the blocks of count entries, whose block numbers follow each other,
 // in one call.
@@ -168,6 +197,7 @@ bool BlockCache::write_run(VList& list, const int* indexes, int count) {
   }
   int64_t offset = (static_cast<int64_t>(first_block) + 1) * kBlockSize;
   int64_t total = static_cast<int64_t>(count) * kBlockSize;
+  reserve_ahead(list, offset + total);
   int64_t done = 0;
   iovec* iov = c.iov.data();
   int iov_count = count;
@@ -195,6 +225,7 @@ bool BlockCache::write_run(VList& list, const int* indexes, int count) {
 
 bool BlockCache::write_at(VList& list, const void* data, size_t n, int64_t offset) {
   const char* p = static_cast<const char*>(data);
+  reserve_ahead(list, offset + static_cast<int64_t>(n));
   size_t done = 0;
   while (done < n) {
     ssize_t w = pwrite(list.fd_, p + done, n - done, offset + static_cast<int64_t>(done));
@@ -281,7 +312,7 @@ void BlockCache::load(VList& list, CacheEntry& e) {
   CacheState& c = cache();
   int64_t offset = (static_cast<int64_t>(e.block) + 1) * kBlockSize;
   if (offset + kBlockSize > list.file_size_) {
-    e.data.fill(std::byte{0});
+    std::ranges::fill(e.data, std::byte{0});
     return;
   }
   size_t mapped = list.mapping_.length();
@@ -302,7 +333,7 @@ void BlockCache::load(VList& list, CacheEntry& e) {
     if (done == kBlockSize) return;
   }
   // Cut short by someone else since the size was taken: the block is gone.
-  e.data.fill(std::byte{0});
+  std::ranges::fill(e.data, std::byte{0});
 }
 
 CacheEntry* BlockCache::fetch(VList& list, long block, bool whole) {

@@ -4,12 +4,16 @@
 // Entries live in one array reserved once for the whole budget, so an entry
 // never moves. An entry in use sits in its bucket's chain, on its VList's list
 // and on the least-recently-used list, each linked both ways so that an entry
-// leaves them at once; a free entry sits on the free list.
+// leaves them at once; a free entry sits on the free list. An entry's 512
+// bytes lie in a second array, reserved with the first: the entries alone are
+// small enough to stay in the processor's nearest cache while a lookup walks
+// a bucket's chain.
 #pragma once
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "jmd/engine/vlist.h"
 
@@ -27,7 +31,7 @@ struct CacheEntry {
   int owner_next = -1;
   int lru_prev = -1;      // towards the most recently used
   int lru_next = -1;      // towards the least recently used
-  alignas(16) std::array<std::byte, kBlockSize> data;
+  std::span<std::byte, kBlockSize> data;  // the block's bytes, which never move
 };
 
 class BlockCache {
@@ -52,6 +56,9 @@ class BlockCache {
   static void load(VList& list, CacheEntry& entry);
   // Writes n bytes at offset, keeping the list's file size in step.
   static bool write_at(VList& list, const void* data, size_t n, int64_t offset);
+  // Reserves disk space for a created file ahead of a write that reaches end
+  // (vlist.h); a hint that cannot fail.
+  static void reserve_ahead(VList& list, int64_t end);
 };
 
 }  // namespace px::engine

@@ -21,11 +21,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
 #include <new>
+#include <utility>
 
 #include "jmd/engine/report.h"
 #include "jmd/engine/table_internal.h"
@@ -69,7 +71,8 @@ class EntryOrder {
         unique_(column_.flags & kUniqueKey),
         head_width_(column_.type >= kTypeString && column_.type <= kTypeTextNoCase
                         ? std::min(column_.width, ValueCache::kPrefixWidth)
-                        : 0) {
+                        : 0),
+        key_flip_(signed_keys(column_.type) ? 0x80000000u : 0u) {
     head_column_ = column_;
     head_column_.width = head_width_;
   }
@@ -99,11 +102,25 @@ class EntryOrder {
   // Negative, zero or positive: keys as the column type orders them, then
   // the first value bytes, then rows.
   int compare(const SortEntry& a, const SortEntry& b) const {
-    int r = compare_keys(column_.type, a.key, b.key);
+    int r = order(ordered_key(a), ordered_key(b));
     if (r == 0) r = order(a.head_high, b.head_high);
     if (r == 0) r = order(a.head_low, b.head_low);
     if (r == 0) r = order(a.row, b.row);
     return r;
+  }
+
+  // What makes a key order as an unsigned number (see ordered_key).
+  uint32_t key_flip() const { return key_flip_; }
+
+  // compare(a, b) < 0, as the merge of runs asks it: plain word comparisons
+  // that inline, without the column type's switch.
+  bool less(const SortEntry& a, const SortEntry& b) const {
+    uint32_t ka = ordered_key(a);
+    uint32_t kb = ordered_key(b);
+    if (ka != kb) return ka < kb;
+    if (a.head_high != b.head_high) return a.head_high < b.head_high;
+    if (a.head_low != b.head_low) return a.head_low < b.head_low;
+    return a.row < b.row;
   }
 
   // Whether the index orders entry after previous, the entry sorted before
@@ -119,6 +136,14 @@ class EntryOrder {
   }
 
  private:
+  // Keys of the sortable types order as signed or unsigned 32-bit numbers
+  // (compare_keys); a signed key with its sign bit flipped orders as an
+  // unsigned one. The texts that are not hashed all have the key 0.
+  static bool signed_keys(int32_t type) {
+    return type == kTypeInt || type == kTypeLong || type == kTypeShort || type == kTypeChar;
+  }
+  uint32_t ordered_key(const SortEntry& e) const { return static_cast<uint32_t>(e.key) ^ key_flip_; }
+
   // Whether the first bytes hold the whole value (a canonical text is
   // zero-filled after its end); true for a column without values.
   bool whole_in_head(const SortEntry& e) const {
@@ -129,7 +154,64 @@ class EntryOrder {
   ColumnDef head_column_;
   bool unique_;
   uint32_t head_width_;
+  uint32_t key_flip_;
 };
+
+// One pass of the radix sort: moves the n entries of from into to, ordered
+// by the byte of word(entry) at shift and, within a byte, as they came.
+template <class Word>
+void distribute(const SortEntry* from, SortEntry* to, size_t n, Word word, int shift) {
+  std::array<size_t, 256> count{};
+  for (size_t i = 0; i < n; ++i) ++count[(word(from[i]) >> shift) & 0xff];
+  size_t sum = 0;
+  for (size_t& c : count) sum += std::exchange(c, sum);
+  for (size_t i = 0; i < n; ++i) to[count[(word(from[i]) >> shift) & 0xff]++] = from[i];
+}
+
+// Sorts entries, which come in ascending row order, into EntryOrder::less's
+// order: a radix sort, least significant byte first, over the first value
+// bytes (low word, then high word) and the key made unsigned (key_flip).
+// Each pass keeps equal bytes in the order they came, so equal entries stay
+// in row order, the last tie-break. A byte that is the same in every entry
+// (the key of a text column, the bytes a value's spellings share) costs no
+// pass. scratch, as large as entries, takes every other pass.
+void radix_sort(std::vector<SortEntry>& entries, std::vector<SortEntry>& scratch,
+                uint32_t key_flip) {
+  const size_t n = entries.size();
+  scratch.resize(n);
+  auto low = [](const SortEntry& e) { return e.head_low; };
+  auto high = [](const SortEntry& e) { return e.head_high; };
+  auto key = [key_flip](const SortEntry& e) {
+    return uint64_t{static_cast<uint32_t>(e.key) ^ key_flip};
+  };
+  // The bits that differ between entries: set in some and clear in others.
+  uint64_t all_low = ~uint64_t{0}, any_low = 0, all_high = ~uint64_t{0}, any_high = 0;
+  uint64_t all_key = ~uint64_t{0}, any_key = 0;
+  for (const SortEntry& e : entries) {
+    all_low &= e.head_low;
+    any_low |= e.head_low;
+    all_high &= e.head_high;
+    any_high |= e.head_high;
+    all_key &= key(e);
+    any_key |= key(e);
+  }
+  const uint64_t differ_low = all_low ^ any_low;
+  const uint64_t differ_high = all_high ^ any_high;
+  const uint64_t differ_key = all_key ^ any_key;
+  SortEntry* from = entries.data();
+  SortEntry* to = scratch.data();
+  auto pass = [&](auto word, uint64_t differ, int bytes) {
+    for (int shift = 0; shift < 8 * bytes; shift += 8) {
+      if (((differ >> shift) & 0xff) == 0) continue;
+      distribute(from, to, n, word, shift);
+      std::swap(from, to);
+    }
+  };
+  pass(low, differ_low, 8);
+  pass(high, differ_high, 8);
+  pass(key, differ_key, 4);
+  if (from != entries.data()) std::copy(from, from + n, entries.data());
+}
 
 }  // namespace
 
@@ -247,7 +329,8 @@ OrderedBuild add_index_in_key_order(TableState& t, int c) {
   std::vector<std::byte> record;
   std::vector<std::byte> head;
   bool hashed = column.type == kTypeString || column.type == kTypeStringNoCase;
-  auto less = [&](const SortEntry& a, const SortEntry& b) { return entry_order.compare(a, b) < 0; };
+  auto less = [&](const SortEntry& a, const SortEntry& b) { return entry_order.less(a, b); };
+  std::vector<SortEntry> scratch;
   // The rows in runs of at most `run` entries, each sorted; more than one run
   // is kept in a file and the runs are merged. Nothing is inserted before
   // every row has been read, so a row that cannot be had leaves the index to
@@ -278,7 +361,11 @@ OrderedBuild add_index_in_key_order(TableState& t, int c) {
       }
       entries.push_back(entry_order.entry(key, row, start));
     }
-    std::sort(entries.begin(), entries.end(), less);
+    try {
+      radix_sort(entries, scratch, entry_order.key_flip());
+    } catch (const std::bad_alloc&) {
+      std::sort(entries.begin(), entries.end(), less);  // in place, slower
+    }
     if (first == 1 && last == t.row_count) break;  // one run: merged already
     if (!file) file = std::make_unique<RunFile>(t.name);
     RunCursor cursor;

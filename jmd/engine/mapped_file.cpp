@@ -103,11 +103,11 @@ bool MappedFile::map(int fd, int64_t needed, int64_t file_size) {
     return false;
   }
   want = (want + kMapStep - 1) / kMapStep * kMapStep;
-  // The file's pages are mapped in at once, in one call, rather than by a
-  // fault at the first touch of each: a table is read block by block from
-  // all over its file (an index order is no file order), and a fault per
-  // page costs far more than the mapping of them all.
-  void* p = mmap(nullptr, static_cast<size_t>(want), PROT_READ, MAP_SHARED | MAP_POPULATE, fd, 0);
+  // The pages come in at the first touch: each fault maps the neighbouring
+  // pages the page cache holds as well (16 at a time), so a table read all
+  // over comes in at about the cost of mapping it whole at once, and only
+  // the pages actually read count in the resident size.
+  void* p = mmap(nullptr, static_cast<size_t>(want), PROT_READ, MAP_SHARED, fd, 0);
   if (p == MAP_FAILED) {
     failed_ = true;
     return false;

@@ -4,8 +4,8 @@
 //
 // The mapping reaches past the end of the file, so that a file that grows by
 // the owner's writes stays readable without mapping it again each time; it is
-// made again, larger, only when a read lies beyond it. The pages the file
-// holds are mapped in when the mapping is made. Writes to the file
+// made again, larger, only when a read lies beyond it. Pages come in at the
+// first read of them (with their neighbours in the page cache). Writes to the file
 // (pwrite and friends on the same file) are seen through a shared mapping at
 // once. Whether bytes lie inside the file is for the caller to know: it keeps
 // the file's size in step with its own writes.
@@ -15,6 +15,14 @@
 // reports kGone instead, and a SIGBUS raised anywhere else goes on to the
 // action that was in place before the guard was installed (installed once per
 // process, at the first mapping).
+//
+// Memory: the mapped pages are the file's pages in the kernel's page cache,
+// not memory of the program. The kernel counts those read through the
+// mapping in the process's resident size (as RssFile), so a save that reads
+// every record of a large table shows a resident size of about the table's
+// file; the kernel takes them back under memory pressure (writing them to
+// the file first when they are newer than it). The program's own memory
+// (RssAnon) is what the engine bounds (table.h).
 #pragma once
 
 #include <cstddef>

@@ -37,7 +37,11 @@ bool columns_fit(std::span<const ColumnDef> columns, int record_size) {
 
 void release_table(TableState& t) {
   for (int c = 0; c < static_cast<int>(t.indexes.size()); ++c) close_index(t, c);
-  if (t.records) t.records->close();
+  if (t.records) {
+    // A created table's file goes with it: its header is not needed.
+    if (!(t.records->mode() & kVListCreate)) store_header(t);
+    t.records->close();
+  }
   t = TableState{};
 }
 
@@ -183,7 +187,8 @@ bool Table::close() {
 bool Table::flush() {
   TableState* t = table_at(slot_, serial_);
   if (t == nullptr) return false;
-  bool ok = t->records->flush();
+  bool ok = store_header(*t);
+  if (!t->records->flush()) ok = false;
   for (auto& index : t->indexes) {
     if (index && !index->flush()) ok = false;
   }

@@ -148,6 +148,10 @@ struct TableState {
   // Columns whose value cache is kept with or without an index (keep_values).
   std::vector<bool> values_kept;
   std::vector<std::byte> header;
+  // The header record holds a row count the file does not have yet: rows
+  // are added without rewriting it each time, and it is written before
+  // record 0 is read, on flush and on close.
+  bool header_pending = false;
   std::vector<std::byte> work_a;
   std::vector<std::byte> work_b;
   bool dirty = false;
@@ -223,6 +227,9 @@ bool add_index_traced(TableState& t, int c, int mode);
 std::string index_name(const TableState& t, int c);
 void close_index(TableState& t, int c);
 bool read_record(TableState& t, long row, std::vector<std::byte>& buffer);
+// Writes the header record when its row count is pending; false (reported)
+// when it cannot be written.
+bool store_header(TableState& t);
 
 // ---- index add in key order (index_build.cpp) ----
 

@@ -79,9 +79,9 @@ long append_row(TableState& t, std::span<const std::byte> record, int mode) {
   t.row_count = row;
   int32_t count = static_cast<int32_t>(row);
   std::memcpy(t.header.data(), &count, 4);
-  bool header_written = t.records->put(0, t.header);
+  t.header_pending = true;
   t.dirty = true;
-  return header_written ? row : 0;
+  return row;
 }
 
 // Puts a row whose update was refused back as it was: its old record, and
@@ -136,7 +136,14 @@ bool replace_row(TableState& t, long row, std::span<const std::byte> record) {
 
 bool read_record(TableState& t, long row, std::vector<std::byte>& buffer) {
   if (buffer.size() < static_cast<size_t>(t.record_size)) buffer.resize(t.record_size);
-  return t.records->get(row, buffer);
+  return (row != 0 || store_header(t)) && t.records->get(row, buffer);
+}
+
+bool store_header(TableState& t) {
+  if (!t.header_pending) return true;
+  if (!t.records->put(0, t.header)) return fail(t);
+  t.header_pending = false;
+  return true;
 }
 
 bool record_key(const TableState& t, int c, const std::byte* record, int32_t& key) {
@@ -237,7 +244,8 @@ bool Table::get_row(long row, std::span<std::byte> out) {
   bool ok = false;
   if (row > t->row_count) {
     ok = false;
-  } else if (out.size() < static_cast<size_t>(t->record_size) || !t->records->get(row, out)) {
+  } else if (out.size() < static_cast<size_t>(t->record_size) ||
+             (row == 0 && !store_header(*t)) || !t->records->get(row, out)) {
     fail(*t);
   } else {
     ok = true;

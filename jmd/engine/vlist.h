@@ -42,7 +42,10 @@
 // same file, in one write. A block that is not cached is copied from a
 // read-only shared mapping of the file (mapped_file.h), so bringing it in
 // costs no system call; a file that cannot be mapped is read a block at a
-// time. Writes go to the file and are seen through the mapping at once.
+// time. Writes go to the file and are seen through the mapping at once. A
+// file created with kVListCreate has disk space reserved ahead of its writes
+// (up to 8 MiB at a time, without changing its size), so that its blocks are
+// allocated in large pieces rather than page by page as it grows.
 //
 // Every failure sets the process-wide last-error word (VListError). Get and
 // put also report "VLGet failed - Name '%s' RecNum %ld" / "VLPut failed - ..."
@@ -156,6 +159,7 @@ class VList {
   int blocks_per_record_ = 1;
   bool closed_ = false;
   int64_t file_size_ = 0;   // bytes in the file, kept in step with every write
+  int64_t reserved_ = 0;    // bytes of disk space reserved for the file ahead of its writes
   int cache_head_ = -1;     // first entry of this VList's cached blocks
   MappedFile mapping_;      // the file, for bringing blocks in
 };

@@ -1,5 +1,6 @@
 #include "jmd/engine/vlist.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -236,6 +237,43 @@ TEST(VListCache, ManyMoreBlocksThanTheBudgetStayCorrect) {
   EXPECT_LT(block_cache::blocks_in_use(), capacity);
   b->close();
   EXPECT_EQ(block_cache::blocks_in_use(), 0);
+}
+
+// A created file has disk space reserved ahead of its writes, which must
+// not show in its size: the size is what was written, and a record past the
+// last one written still reads as beyond the end. A named file reserves
+// nothing (the space would outlive the program).
+TEST(VListCache, RoomReservedAheadLeavesTheFileSizeAlone) {
+  TestDir dir;
+  auto created = VList::open(dir.file("c.vl"), 328, kVListCreate, 4);
+  auto named = VList::open(dir.file("n.vl"), 328, kVListCreateIfMissing, 4);
+  ASSERT_TRUE(created && named);
+  const int rows = 1000;
+  for (int r = 0; r < rows; ++r) {
+    ASSERT_TRUE(created->put(r, record_of(328, r)));
+    ASSERT_TRUE(named->put(r, record_of(328, r)));
+  }
+  ASSERT_TRUE(created->flush());
+  ASSERT_TRUE(named->flush());
+  struct stat c {}, n {};
+  ASSERT_EQ(fstat(created->fd(), &c), 0);
+  ASSERT_EQ(fstat(named->fd(), &n), 0);
+  EXPECT_EQ(c.st_size, (rows + 1) * 512);
+  EXPECT_EQ(n.st_size, (rows + 1) * 512);
+  std::vector<std::byte> out(328);
+  EXPECT_FALSE(created->get(rows, out));
+  ASSERT_TRUE(created->get(rows - 1, out));
+  EXPECT_EQ(out, record_of(328, rows - 1));
+  // Disk space, in whole pages: the created file has more than its written
+  // pages where the file system can reserve at all, the named one not.
+  int probe = open(dir.path().c_str(), O_TMPFILE | O_RDWR, 0600);
+  bool can_reserve = probe >= 0 && fallocate(probe, FALLOC_FL_KEEP_SIZE, 0, 4096) == 0;
+  if (probe >= 0) close(probe);
+  const off_t pages = (c.st_size + 4095) / 4096 * 4096;
+  if (can_reserve) {
+    EXPECT_GT(c.st_blocks * 512, pages);
+  }
+  EXPECT_LE(n.st_blocks * 512, pages);
 }
 
 TEST(VListCache, FlushWritesDirtyBlocksSoAnotherOpenSeesThem) {
