@@ -72,6 +72,7 @@ std::optional<std::vector<FileListing>> list_files(const std::string& directory,
       if (matched[k]) listings[k].add(name, *modified);
     }
   }
+  if (cache != nullptr) cache->end();
   return listings;
 }
 
