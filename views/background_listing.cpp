@@ -7,8 +7,11 @@ namespace px::views {
 bool BackgroundListing::start(std::vector<BlockPlan> plans) {
   if (busy()) return false;
   state_ = std::make_shared<State>();
-  std::thread([state = state_, plans = std::move(plans)] {
-    std::vector<ListedBlock> blocks = list_blocks(plans);
+  // One listing at a time uses the cache: a new one starts only after the
+  // last was taken, that is, after its thread was done with the cache.
+  if (!cache_) cache_ = std::make_shared<ListingCache>();
+  std::thread([state = state_, cache = cache_, plans = std::move(plans)] {
+    std::vector<ListedBlock> blocks = list_blocks(plans, cache.get());
     std::lock_guard lock(state->mutex);
     state->blocks = std::move(blocks);
     state->done = true;

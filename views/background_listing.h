@@ -2,7 +2,8 @@
 // or hung network directory (or status file) never freezes the window: the
 // window plans the rows on its own thread, hands the plan over, waits a
 // moment, and otherwise picks the rows up later. A listing that never ends
-// is left behind; its thread owns what it needs.
+// is left behind; its thread owns what it needs. The listings share a
+// ListingCache, so that a refresh reads the times of changed files only.
 #pragma once
 
 #include <chrono>
@@ -38,6 +39,9 @@ class BackgroundListing {
     std::vector<ListedBlock> blocks;
   };
   std::shared_ptr<State> state_;
+  // The times of the listed directories' files, kept from listing to
+  // listing; shared with the thread of the listing under way.
+  std::shared_ptr<ListingCache> cache_;
 };
 
 }  // namespace px::views

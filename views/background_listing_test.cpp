@@ -42,5 +42,37 @@ TEST_F(BackgroundListingTest, AHungStatusFileHoldsOnlyTheListing) {
   EXPECT_FALSE(listing.busy());
 }
 
+// Listings one after the other share what they know of the files' times;
+// each must still show the queue as it is then.
+TEST_F(BackgroundListingTest, EveryListingSeesTheChangesSinceTheLast) {
+  std::string data = dir_.file("data");
+  ::mkdir(data.c_str(), 0755);
+  const std::string settings =
+      "[Plexar]\nWindowTitle=A\n[Options]\nFileSpec=*.dat\n[Paths]\nDataPath=" + data + "\n";
+  std::string config = dir_.write("a.ini", settings);
+  dir_.write("install.ini", "[Configuration]\na=" + config + "\n");
+  set_modified(dir_.write("data/a.dat", "a"), 100);
+  set_modified(dir_.write("data/b.dat", "b"), 200);
+
+  BackgroundListing listing;
+  auto files = [&] {
+    std::vector<std::string> names;
+    if (!listing.start(plan_status_queue())) return names;
+    auto blocks = listing.take(std::chrono::seconds(5));
+    if (!blocks) return names;
+    std::vector<std::string> rows = rows_of(*blocks);
+    for (size_t i = 2; i < rows.size(); ++i) {
+      names.push_back(rows[i].substr(rows[i].rfind("  ") + 2));
+    }
+    return names;
+  };
+  EXPECT_EQ(files(), (std::vector<std::string>{"a.dat", "b.dat"}));
+  set_modified(dir_.file("data/a.dat"), 300);
+  EXPECT_EQ(files(), (std::vector<std::string>{"b.dat", "a.dat"}));
+  set_modified(dir_.write("data/c.dat", "c"), 50);
+  ::unlink(dir_.file("data/b.dat").c_str());
+  EXPECT_EQ(files(), (std::vector<std::string>{"c.dat", "a.dat"}));
+}
+
 }  // namespace
 }  // namespace px::views

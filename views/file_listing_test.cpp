@@ -11,11 +11,17 @@
 namespace px::views {
 namespace {
 
-std::vector<std::string> names_of(const std::vector<ListedFile>& files) {
+std::vector<std::string> names_of(const FileListing& files) {
   std::vector<std::string> names;
-  for (const ListedFile& f : files) names.push_back(f.name);
+  for (size_t i = 0; i < files.size(); ++i) names.emplace_back(files.name(i));
   std::sort(names.begin(), names.end());
   return names;
+}
+
+FileListing listing_of(std::initializer_list<std::pair<std::string_view, int64_t>> files) {
+  FileListing listing;
+  for (const auto& [name, modified] : files) listing.add(name, modified);
+  return listing;
 }
 
 TEST(FileListingTest, ListsPlainFilesByPatternWithTheirTimes) {
@@ -30,14 +36,23 @@ TEST(FileListingTest, ListsPlainFilesByPatternWithTheirTimes) {
   auto dat = list_files(dir.path(), "*.DAT");
   ASSERT_TRUE(dat);
   EXPECT_EQ(names_of(*dat), (std::vector<std::string>{"A.DAT", "b.dat"}));
-  for (const ListedFile& f : *dat) {
-    if (f.name == "b.dat") {
-      EXPECT_EQ(f.modified_ns, int64_t{1000} * 1000000000);
+  for (size_t i = 0; i < dat->size(); ++i) {
+    if (dat->name(i) == "b.dat") {
+      EXPECT_EQ(dat->modified_ns(i), int64_t{1000} * 1000000000);
     }
   }
   EXPECT_EQ(names_of(*list_files(dir.path(), "*.*")),
             (std::vector<std::string>{"A.DAT", "b.dat", "c.txt", "noext"}));
   EXPECT_TRUE(list_files(dir.path(), "px*.msg")->empty());
+
+  // Several patterns from one read: a name may match more than one.
+  const std::string_view patterns[] = {"*.txt", "?.dat", "*"};
+  auto groups = list_files(dir.path(), patterns);
+  ASSERT_TRUE(groups);
+  ASSERT_EQ(groups->size(), 3u);
+  EXPECT_EQ(names_of((*groups)[0]), (std::vector<std::string>{"c.txt"}));
+  EXPECT_EQ(names_of((*groups)[1]), (std::vector<std::string>{"A.DAT", "b.dat"}));
+  EXPECT_EQ(names_of((*groups)[2]), (std::vector<std::string>{"A.DAT", "b.dat", "c.txt", "noext"}));
 
   EXPECT_FALSE(list_files(dir.file("missing"), "*.*"));
   EXPECT_TRUE(directory_exists(dir.path()));
@@ -47,17 +62,35 @@ TEST(FileListingTest, ListsPlainFilesByPatternWithTheirTimes) {
 }
 
 TEST(FileListingTest, SortsOldestFirstKeepingListingOrderForEqualTimes) {
-  std::vector<ListedFile> listing = {
-      {"c", 30}, {"a", 10}, {"b2", 20}, {"b1", 20}, {"d", 5}, {"b3", 20}};
+  FileListing listing =
+      listing_of({{"c", 30}, {"a", 10}, {"b2", 20}, {"b1", 20}, {"d", 5}, {"b3", 20}});
   std::vector<std::string> out = {"earlier"};
   sort_by_age(listing, kServerStopFile, out);
   EXPECT_EQ(out, (std::vector<std::string>{"earlier", "d", "a", "b2", "b1", "b3", "c"}));
 }
 
+// Many files of few distinct ages: each age's files stay in listing order.
+TEST(FileListingTest, EqualAgesKeepListingOrderInABigListing) {
+  FileListing listing;
+  std::vector<std::pair<int64_t, std::string>> expected;
+  for (int i = 0; i < 5000; ++i) {
+    std::string name = "ORD" + std::to_string((i * 7919) % 5000) + ".DAT";
+    int64_t age = (i * 31) % 9;
+    listing.add(name, age);
+    expected.emplace_back(age, name);
+  }
+  std::stable_sort(expected.begin(), expected.end(),
+                   [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::vector<std::string> out;
+  sort_by_age(listing, kServerStopFile, out);
+  ASSERT_EQ(out.size(), expected.size());
+  for (size_t i = 0; i < out.size(); ++i) ASSERT_EQ(out[i], expected[i].second) << i;
+}
+
 TEST(FileListingTest, PinsTheStopRequestWhateverItsAgeOrCase) {
   for (const char* stop : {"stopserv.msg", "STOPSERV.MSG", "StopServ.Msg"}) {
-    std::vector<ListedFile> listing = {{"px03.msg", 30}, {"px01.msg", 10}, {stop, 50},
-                                       {"px02.msg", 20}, {"px00.msg", 5},  {"px04.msg", 20}};
+    FileListing listing = listing_of({{"px03.msg", 30}, {"px01.msg", 10}, {stop, 50},
+                                      {"px02.msg", 20}, {"px00.msg", 5},  {"px04.msg", 20}});
     std::vector<std::string> out = {"earlier"};
     sort_by_age(listing, kServerStopFile, out);
     EXPECT_EQ(out, (std::vector<std::string>{"earlier", stop, "px00.msg", "px01.msg", "px02.msg",
@@ -69,9 +102,9 @@ TEST(FileListingTest, PinsTheStopRequestWhateverItsAgeOrCase) {
 // after the first, and the files listed after it that are older than it are
 // placed before it.
 TEST(FileListingTest, ASecondStopRequestIsPlacedAfterTheFirst) {
-  std::vector<ListedFile> listing = {{"px01.msg", 10}, {"STOPSERV.MSG", 50}, {"px02.msg", 20},
-                                     {"stopserv.msg", 60}, {"px00.msg", 5},   {"px05.msg", 70},
-                                     {"px03.msg", 30}};
+  FileListing listing = listing_of({{"px01.msg", 10}, {"STOPSERV.MSG", 50}, {"px02.msg", 20},
+                                    {"stopserv.msg", 60}, {"px00.msg", 5},   {"px05.msg", 70},
+                                    {"px03.msg", 30}});
   std::vector<std::string> out;
   sort_by_age(listing, kServerStopFile, out);
   EXPECT_EQ(out, (std::vector<std::string>{"STOPSERV.MSG", "px00.msg", "px03.msg", "stopserv.msg",

@@ -45,10 +45,11 @@ std::optional<FileList> email_queue(const std::string& config_file, Operator& op
   }
   FileList list;
   list.directory = *directory;
-  auto stop = list_files(*directory, kAgentStopFile);
-  if (stop) sort_by_age(std::move(*stop), kAgentStopFile, list.rows);
-  auto queued = list_files(*directory, "*.dat");
-  if (queued) sort_by_age(std::move(*queued), kServerStopFile, list.rows);
+  const std::string_view patterns[] = {kAgentStopFile, "*.dat"};
+  if (auto groups = list_files(*directory, patterns)) {
+    sort_by_age((*groups)[0], kAgentStopFile, list.rows);
+    sort_by_age((*groups)[1], kServerStopFile, list.rows);
+  }
   list.has_files = !list.rows.empty();
   if (list.has_files) {
     list.caption = msg::kQueueCaption;
@@ -81,7 +82,7 @@ std::optional<FileList> rejects(const std::string& config_file, bool email, Oper
   }
   FileList list;
   list.directory = *directory;
-  for (ListedFile& f : *files) list.rows.push_back(std::move(f.name));
+  for (size_t i = 0; i < files->size(); ++i) list.rows.emplace_back(files->name(i));
   list.has_files = !list.rows.empty();
   if (list.has_files) {
     list.caption = msg::kRejectsCaption;

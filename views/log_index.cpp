@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 
 #include "common/unique_fd.h"
 
@@ -59,58 +60,58 @@ __attribute__((target("avx2"))) inline uint64_t line_feed_mask_avx2(const char* 
   return low_bits | (high_bits << 32);
 }
 
-// Counts the line feeds of [data, data + size) sixty-four bytes at a time
+// Counts the line feeds of [data, data + size) 128 bytes at a time
 // (the bytes after the last whole block are left; returns the bytes done).
-// A block whose line feeds do not reach the next checkpoint is only
-// counted; the last line's start is worked out once, from the last block
-// that had a line feed. The counts live in locals while the loop runs.
+// Most blocks only add their count: the bits are walked one by one just in
+// the block that reaches the next checkpoint, so the loop's one branch goes
+// the other way once per hundred lines, whatever blocks have line feeds.
+// The counts live in locals while the loop runs.
 template <uint64_t (*kMask)(const char*)>
 inline __attribute__((always_inline)) size_t scan_blocks(const char* data, size_t size,
                                                          uint64_t base, int64_t& line_ends,
-                                                         uint64_t& last_line_start,
                                                          std::vector<uint64_t>& starts) {
   int64_t ends = line_ends;
   int64_t until_checkpoint = kCheckpointLines - ends % kCheckpointLines;
-  uint64_t last_mask = 0;
-  size_t last_block = 0;
+  // Notes each line feed of mask (the block at data + at) one by one.
+  auto walk = [&](uint64_t mask, size_t at) {
+    for (; mask != 0; mask &= mask - 1) {
+      if (++ends % kCheckpointLines == 0) {
+        starts.push_back(base + at + static_cast<uint64_t>(__builtin_ctzll(mask)) + 1);
+      }
+    }
+  };
   size_t i = 0;
-  for (; i + 64 <= size; i += 64) {
-    uint64_t mask = kMask(data + i);
-    if (mask == 0) continue;
-    last_mask = mask;
-    last_block = i;
-    int64_t found = __builtin_popcountll(mask);
-    if (found < until_checkpoint) {
+  // Two blocks a turn: one compare and branch per 128 bytes.
+  for (; i + 128 <= size; i += 128) {
+    uint64_t first = kMask(data + i);
+    uint64_t second = kMask(data + i + 64);
+    int64_t found = __builtin_popcountll(first) + __builtin_popcountll(second);
+    if (found < until_checkpoint) [[likely]] {
       until_checkpoint -= found;
       ends += found;
       continue;
     }
-    for (; mask != 0; mask &= mask - 1) {
-      if (++ends % kCheckpointLines == 0) {
-        starts.push_back(base + i + static_cast<uint64_t>(__builtin_ctzll(mask)) + 1);
-      }
-    }
+    walk(first, i);
+    walk(second, i + 64);
     until_checkpoint = kCheckpointLines - ends % kCheckpointLines;
   }
+  for (; i + 64 <= size; i += 64) walk(kMask(data + i), i);
   line_ends = ends;
-  if (last_mask != 0) {
-    last_line_start = base + last_block + 64 - static_cast<uint64_t>(__builtin_clzll(last_mask));
-  }
   return i;
 }
 
 // The loop compiled whole for each instruction set, so that the compares
 // are inlined into it (a call per block into AVX2 code costs more than the
 // compare itself).
-__attribute__((target("avx2,popcnt"))) size_t scan_blocks_avx2(
-    const char* data, size_t size, uint64_t base, int64_t& line_ends, uint64_t& last_line_start,
-    std::vector<uint64_t>& starts) {
-  return scan_blocks<line_feed_mask_avx2>(data, size, base, line_ends, last_line_start, starts);
+__attribute__((target("avx2,popcnt"))) size_t scan_blocks_avx2(const char* data, size_t size,
+                                                               uint64_t base, int64_t& line_ends,
+                                                               std::vector<uint64_t>& starts) {
+  return scan_blocks<line_feed_mask_avx2>(data, size, base, line_ends, starts);
 }
 
 size_t scan_blocks_sse2(const char* data, size_t size, uint64_t base, int64_t& line_ends,
-                        uint64_t& last_line_start, std::vector<uint64_t>& starts) {
-  return scan_blocks<line_feed_mask_sse2>(data, size, base, line_ends, last_line_start, starts);
+                        std::vector<uint64_t>& starts) {
+  return scan_blocks<line_feed_mask_sse2>(data, size, base, line_ends, starts);
 }
 
 bool has_avx2() {
@@ -122,6 +123,7 @@ bool has_avx2() {
 }  // namespace
 
 void LogIndex::reset() {
+  fd_.reset();
   device_ = 0;
   inode_ = 0;
   head_.clear();
@@ -131,53 +133,62 @@ void LogIndex::reset() {
   starts_.assign(1, 0);
 }
 
-void LogIndex::note_line_end(uint64_t offset_after) {
-  ++line_ends_;
-  last_line_start_ = offset_after;
-  if (line_ends_ % kCheckpointLines == 0) starts_.push_back(offset_after);
-}
-
 void LogIndex::scan_block(const char* data, size_t size, uint64_t base) {
   size_t i = 0;
 #if defined(__x86_64__)
-  i = has_avx2() ? scan_blocks_avx2(data, size, base, line_ends_, last_line_start_, starts_)
-                 : scan_blocks_sse2(data, size, base, line_ends_, last_line_start_, starts_);
+  i = has_avx2() ? scan_blocks_avx2(data, size, base, line_ends_, starts_)
+                 : scan_blocks_sse2(data, size, base, line_ends_, starts_);
 #endif
   for (; i < size; ++i) {
-    if (data[i] == '\n') note_line_end(base + i + 1);
+    if (data[i] != '\n') continue;
+    if (++line_ends_ % kCheckpointLines == 0) starts_.push_back(base + i + 1);
+  }
+  // Where the last line begins, from the block's last line feed: found
+  // from the end, so it costs a few bytes, not a pass.
+  if (const void* last = ::memrchr(data, '\n', size)) {
+    last_line_start_ = base + static_cast<uint64_t>(static_cast<const char*>(last) - data) + 1;
   }
 }
 
 // Holes of a sparse log hold zero bytes and so no line ends: the scan
 // steps over them instead of reading them.
-bool LogIndex::skip_hole(int fd) {
-  off_t data = ::lseek(fd, static_cast<off_t>(scanned_), SEEK_DATA);
+bool LogIndex::skip_hole() {
+  off_t data = ::lseek(fd_.get(), static_cast<off_t>(scanned_), SEEK_DATA);
   if (data >= 0) {
     scanned_ = std::max(scanned_, static_cast<uint64_t>(data));
     return true;
   }
   struct stat info {};
-  if (errno != ENXIO || ::fstat(fd, &info) != 0) return true;  // read on as usual
+  if (errno != ENXIO || ::fstat(fd_.get(), &info) != 0) return true;  // read on as usual
   scanned_ = std::max(scanned_, static_cast<uint64_t>(info.st_size));
   return false;  // nothing but a hole up to the end
 }
 
-bool LogIndex::scan(int fd) {
-  struct stat info {};
-  if (::fstat(fd, &info) != 0) return false;
+// Room for the checkpoints up to size, at the lines' usual length so far,
+// so that the vector grows at most once per scan, and then at least
+// doubles (growing to the exact need each time would copy it every time).
+void LogIndex::reserve_checkpoints(uint64_t size) {
+  if (line_ends_ == 0) return;
+  uint64_t line_bytes = std::max<uint64_t>(1, scanned_ / static_cast<uint64_t>(line_ends_));
+  size_t need =
+      starts_.size() + static_cast<size_t>((size - scanned_) / (line_bytes * kCheckpointLines)) + 1;
+  if (need > starts_.capacity()) starts_.reserve(std::max(need, 2 * starts_.capacity()));
+}
+
+bool LogIndex::scan(const struct stat& info) {
   const uint64_t size = static_cast<uint64_t>(info.st_size);
   // Only a file with fewer blocks than bytes can have holes to step over.
   const bool sparse = static_cast<uint64_t>(info.st_blocks) * 512 < size;
-  ::posix_fadvise(fd, static_cast<off_t>(scanned_), 0, POSIX_FADV_SEQUENTIAL);
   // Kept between scans: a fresh buffer would cost page faults on every
   // small extension.
   if (!buffer_) buffer_ = std::make_unique_for_overwrite<char[]>(kScanBuffer);
+  reserve_checkpoints(size);
   // Up to the size seen now; what is appended meanwhile is for the next
   // update.
   while (scanned_ < size) {
-    if (sparse && !skip_hole(fd)) return true;
+    if (sparse && !skip_hole()) return true;
     size_t want = static_cast<size_t>(std::min<uint64_t>(kScanBuffer, size - scanned_));
-    ssize_t n = read_at(fd, buffer_.get(), want, scanned_);
+    ssize_t n = read_at(fd_.get(), buffer_.get(), want, scanned_);
     if (n < 0) return false;
     if (n == 0) return true;  // shrank while being read; the next update sees it
     scan_block(buffer_.get(), static_cast<size_t>(n), scanned_);
@@ -186,28 +197,38 @@ bool LogIndex::scan(int fd) {
   return true;
 }
 
+bool LogIndex::same_head() const {
+  char head[kHeadBytes];
+  ssize_t n = read_at(fd_.get(), head, head_.size(), 0);
+  return n == static_cast<ssize_t>(head_.size()) &&
+         std::memcmp(head, head_.data(), head_.size()) == 0;
+}
+
 bool LogIndex::build() {
   reset();
   UniqueFd fd(::open(path_.c_str(), O_RDONLY | O_CLOEXEC));
   struct stat info {};
   if (!fd.valid() || ::fstat(fd.get(), &info) != 0) return false;
+  fd_ = std::move(fd);
   device_ = info.st_dev;
   inode_ = info.st_ino;
-  head_ = read_head(fd.get(), kHeadBytes);
-  return scan(fd.get());
+  head_ = read_head(fd_.get(), kHeadBytes);
+  ::posix_fadvise(fd_.get(), 0, 0, POSIX_FADV_SEQUENTIAL);
+  return scan(info);
 }
 
+// The path is looked up, not opened: while it names the file the index was
+// built from, that file is read through the descriptor kept since.
 LogIndex::Change LogIndex::update() {
-  UniqueFd fd(::open(path_.c_str(), O_RDONLY | O_CLOEXEC));
   struct stat info {};
-  if (!fd.valid() || ::fstat(fd.get(), &info) != 0) return Change::kFailed;
+  if (::stat(path_.c_str(), &info) != 0) return Change::kFailed;
   const uint64_t size = static_cast<uint64_t>(info.st_size);
-  bool same_file = info.st_dev == device_ && info.st_ino == inode_ && size >= scanned_ &&
-                   read_head(fd.get(), head_.size()) == head_;
+  bool same_file = fd_.valid() && info.st_dev == device_ && info.st_ino == inode_ &&
+                   size >= scanned_ && same_head();
   if (!same_file) return build() ? Change::kRestarted : Change::kFailed;
   if (size == scanned_) return Change::kNone;
-  if (head_.size() < kHeadBytes) head_ = read_head(fd.get(), kHeadBytes);
-  return scan(fd.get()) ? Change::kGrew : Change::kFailed;
+  if (head_.size() < kHeadBytes) head_ = read_head(fd_.get(), kHeadBytes);
+  return scan(info) ? Change::kGrew : Change::kFailed;
 }
 
 int64_t LogIndex::line_count() const {

@@ -7,11 +7,14 @@
 // cut at a length limit, so a long line is one line.
 //
 // A growing log is indexed incrementally: update() reads only what was
-// appended since. A log that shrank, was replaced by another file (another
+// appended since, through the descriptor opened when the index was built
+// (the log's path is only looked up to tell whether it still names that
+// file). A log that shrank, was replaced by another file (another
 // inode) or whose first bytes changed (rewritten in place) is indexed again
 // from its start. The index only reads the log.
 #pragma once
 
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <cstdint>
@@ -21,6 +24,7 @@
 #include <string>
 #include <vector>
 
+#include "common/unique_fd.h"
 #include "views/line_reader.h"
 
 namespace px::views {
@@ -67,21 +71,26 @@ class LogIndex {
 
  private:
   void reset();
-  // Reads the log from offset scanned_ to its end, counting lines.
-  bool scan(int fd);
+  // Reads the log from offset scanned_ up to its size in info (its status
+  // as seen just before), counting lines.
+  bool scan(const struct stat& info);
+  // Makes room for the checkpoints of the log up to size bytes.
+  void reserve_checkpoints(uint64_t size);
+  // True when the log still begins with the bytes head_ holds.
+  bool same_head() const;
   // Moves scanned_ past a hole; false when the rest of the log is one.
-  bool skip_hole(int fd);
+  bool skip_hole();
   void scan_block(const char* data, size_t size, uint64_t base);
-  void note_line_end(uint64_t offset_after);
 
   std::string path_;
+  UniqueFd fd_;  // the log as opened by build()
   dev_t device_ = 0;
   ino_t inode_ = 0;
-  std::string head_;            // the log's first bytes when indexed
-  uint64_t scanned_ = 0;        // bytes indexed
-  int64_t line_ends_ = 0;       // "\n" seen
+  std::string head_;       // the log's first bytes when indexed
+  uint64_t scanned_ = 0;   // bytes indexed
+  int64_t line_ends_ = 0;  // "\n" seen
   uint64_t last_line_start_ = 0;
-  std::vector<uint64_t> starts_;  // offset of line 100 x k, for 100 x k <= line_ends_
+  std::vector<uint64_t> starts_;    // offset of line 100 x k, for 100 x k <= line_ends_
   std::unique_ptr<char[]> buffer_;  // the scan's read buffer, made on first use
 };
 

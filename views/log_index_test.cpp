@@ -33,7 +33,8 @@ TEST(LogIndexTest, CountsLinesAndNotesEveryHundredthLine) {
   EXPECT_EQ(index.checkpoints()[1], text.find("line 100\n"));
   EXPECT_EQ(index.checkpoints()[2], text.find("line 200\n"));
 
-  EXPECT_EQ(*index.read_lines(99, 3), (std::vector<std::string>{"line 99", "line 100", "line 101"}));
+  EXPECT_EQ(*index.read_lines(99, 3),
+            (std::vector<std::string>{"line 99", "line 100", "line 101"}));
   EXPECT_EQ(*index.read_lines(248, 30),
             (std::vector<std::string>{"line 248", "line 249", "last without a line feed"}));
   EXPECT_TRUE(index.read_lines(251, 30)->empty());
@@ -83,6 +84,38 @@ TEST(LogIndexTest, GrowthIsIndexedFromWhereTheIndexEnded) {
   ASSERT_TRUE(fresh.build());
   EXPECT_EQ(std::vector<uint64_t>(index.checkpoints().begin(), index.checkpoints().end()),
             std::vector<uint64_t>(fresh.checkpoints().begin(), fresh.checkpoints().end()));
+}
+
+// Appends of every size, cut anywhere (inside a line, right after a line
+// feed, across a checkpoint), leave the index as one built at the end would.
+TEST(LogIndexTest, ManySmallAppendsIndexLikeOneBuild) {
+  TestDir dir;
+  std::string text;
+  for (int i = 0; i < 3000; ++i) {
+    text += std::string(static_cast<size_t>(i % 170), static_cast<char>('a' + i % 26)) + "\n";
+  }
+  text += "tail";
+  std::string path = dir.write("steps.log", "");
+  LogIndex index(path);
+  ASSERT_TRUE(index.build());
+  for (size_t at = 0, step = 1; at < text.size(); at += step, step = step * 7 % 9001 + 1) {
+    append(path, text.substr(at, step));
+    ASSERT_EQ(index.update(), LogIndex::Change::kGrew);
+  }
+  LogIndex fresh(path);
+  ASSERT_TRUE(fresh.build());
+  EXPECT_EQ(index.line_count(), 3001);
+  EXPECT_EQ(index.complete_lines(), 3000);
+  EXPECT_EQ(std::vector<uint64_t>(index.checkpoints().begin(), index.checkpoints().end()),
+            std::vector<uint64_t>(fresh.checkpoints().begin(), fresh.checkpoints().end()));
+  EXPECT_EQ(*index.read_lines(2999, 5), (std::vector<std::string>{std::string(109, 'j'), "tail"}));
+
+  // Rewritten in place to the same size: its first bytes tell.
+  std::string same_size = text;
+  same_size[1] = 'B';
+  dir.write("steps.log", same_size);
+  EXPECT_EQ(index.update(), LogIndex::Change::kRestarted);
+  EXPECT_EQ(index.line_count(), 3001);
 }
 
 TEST(LogIndexTest, TruncationAndReplacementStartTheIndexAgain) {

@@ -94,19 +94,20 @@ BlockPlan plan_block(const Instance& instance) {
   return plan;
 }
 
-ListedBlock list_block_detail(const BlockPlan& plan) {
+ListedBlock list_block_detail(const BlockPlan& plan, ListingCache* cache) {
   ListedBlock block;
   if (plan.only_row) {
     block.rows = {*plan.only_row};
     return block;
   }
-  if (!directory_exists(plan.directory)) {
+  // Control jobs and transaction files from one read of the directory.
+  const std::string_view patterns[] = {kControlJobPattern, plan.pattern};
+  auto groups = list_files(plan.directory, patterns, cache);
+  if (!groups) {
     block.rows = {plan.missing_directory_row};
     return block;
   }
   block.listed = true;
-  auto control_jobs = list_files(plan.directory, kControlJobPattern);
-  auto transactions = list_files(plan.directory, plan.pattern);
 
   std::string status = plan.not_set_status;
   if (!plan.status_file.empty()) {
@@ -117,8 +118,7 @@ ListedBlock list_block_detail(const BlockPlan& plan) {
   }
   block.rows = {plan.title_row, "  - " + status};
   std::vector<std::string> names;
-  if (control_jobs) sort_by_age(std::move(*control_jobs), kServerStopFile, names);
-  if (transactions) sort_by_age(std::move(*transactions), kServerStopFile, names);
+  for (const FileListing& group : *groups) sort_by_age(group, kServerStopFile, names);
   block.waiting = static_cast<int>(names.size());
   append_file_rows(plan.directory, names.empty() ? std::vector<std::string>{plan.no_files} : names,
                    block.rows);
@@ -143,9 +143,9 @@ std::vector<BlockPlan> plan_status_queue() {
   return plans;
 }
 
-std::vector<ListedBlock> list_blocks(const std::vector<BlockPlan>& plans) {
+std::vector<ListedBlock> list_blocks(const std::vector<BlockPlan>& plans, ListingCache* cache) {
   std::vector<ListedBlock> blocks;
-  for (const BlockPlan& plan : plans) blocks.push_back(list_block_detail(plan));
+  for (const BlockPlan& plan : plans) blocks.push_back(list_block_detail(plan, cache));
   return blocks;
 }
 

@@ -25,6 +25,7 @@
 #include <vector>
 
 #include "config/instances.h"
+#include "views/listing_cache.h"
 
 namespace px::views {
 
@@ -61,8 +62,9 @@ struct ListedBlock {
   std::optional<std::string> status_line;  // the status file's first line, when it opened
   int waiting = 0;                         // files listed (control jobs and transactions)
 };
-// Lists a planned block; reads only the file system.
-ListedBlock list_block_detail(const BlockPlan& plan);
+// Lists a planned block; reads only the file system. cache, when given,
+// keeps the times of the directory's files between listings.
+ListedBlock list_block_detail(const BlockPlan& plan, ListingCache* cache = nullptr);
 // The rows of a planned block.
 std::vector<std::string> list_block(const BlockPlan& plan);
 // plan_block, then list_block.
@@ -72,7 +74,8 @@ std::vector<std::string> instance_block(const Instance& instance);
 // instance is the active one again.
 std::vector<BlockPlan> plan_status_queue();
 // Every planned block listed, in order; reads only the file system.
-std::vector<ListedBlock> list_blocks(const std::vector<BlockPlan>& plans);
+std::vector<ListedBlock> list_blocks(const std::vector<BlockPlan>& plans,
+                                     ListingCache* cache = nullptr);
 // The rows of listed blocks, one after the other.
 std::vector<std::string> rows_of(const std::vector<ListedBlock>& blocks);
 // The rows of every planned block, in order; reads only the file system.
