@@ -23,7 +23,37 @@ bool list_rows(engine::Table& table, ListKind kind, const std::string& job,
 
 RowList::RowList(ListKind kind, std::string job) : kind_(kind), job_(std::move(job)) {}
 
+bool RowList::reload(jmd::JobNames& names) {
+  names_ = nullptr;
+  rows_.clear();
+  page_rows_.clear();
+  if (filter_.empty()) {
+    names_ = &names;
+  } else {
+    std::string line;
+    for (long id = 1; id <= names.entries(); ++id) {
+      if (!names.listed(id)) continue;
+      format_job_name(names.name(id), line);
+      if (ifind(line, filter_) != std::string::npos) rows_.push_back(id);
+    }
+    std::sort(rows_.begin(), rows_.end(), [&names](long a, long b) {
+      return names.before(static_cast<uint32_t>(a), static_cast<uint32_t>(b));
+    });
+  }
+  if (page_first_ >= total()) page_first_ = std::max(0L, (total() - 1) / kPageSize * kPageSize);
+  read_page();
+  return true;
+}
+
+void RowList::read_page() {
+  if (names_ == nullptr) return;
+  std::span<const uint32_t> page = names_->in_order(page_first_, kPageSize);
+  page_rows_.assign(page.begin(), page.end());
+}
+
 bool RowList::reload(engine::Table& table) {
+  names_ = nullptr;
+  page_rows_.clear();
   bool listed = list_rows(table, kind_, job_, rows_);
   if (listed && !filter_.empty()) {
     Record record = blank_record(table);
@@ -47,22 +77,35 @@ bool RowList::reload(engine::Table& table) {
 long RowList::shown() const { return std::min(kPageSize, total() - page_first_); }
 
 std::span<const long> RowList::page() const {
+  if (names_ != nullptr) return page_rows_;
   return std::span<const long>(rows_).subspan(static_cast<size_t>(page_first_),
                                               static_cast<size_t>(shown()));
 }
 
 void RowList::next_page() {
   if (has_next()) page_first_ += shown();
+  read_page();
 }
 
-void RowList::previous_page() { page_first_ = std::max(0L, page_first_ - kPageSize); }
+void RowList::previous_page() {
+  page_first_ = std::max(0L, page_first_ - kPageSize);
+  read_page();
+}
 
 void RowList::show_from(long first) {
   page_first_ = std::clamp(first, 0L, std::max(0L, total() - 1));
+  read_page();
 }
 
 void RowList::show_page_of(long index) {
   show_from(index < kPageSize ? 0 : index / kPageSize * kPageSize);
+}
+
+std::vector<std::string> RowList::page_lines(const jmd::JobNames& names) const {
+  std::vector<std::string> lines(static_cast<size_t>(shown()));
+  std::span<const long> rows = page();
+  for (size_t i = 0; i < rows.size(); ++i) format_job_name(names.name(rows[i]), lines[i]);
+  return lines;
 }
 
 std::vector<std::string> RowList::page_lines(engine::Table& table) const {
