@@ -112,6 +112,22 @@ void BM_JobListFirstMarks(benchmark::State& state) {
   }
 }
 
+// The first change of a list just opened: a name added (the whole list
+// sorted once) and the page read again.
+void BM_JobNamesFirstChange(benchmark::State& state) {
+  for (auto _ : state) {
+    state.PauseTiming();
+    loaded().reload_file();
+    px::editors::JmdEditor& editor = loaded().file->editor();
+    RowList list(ListKind::kJobNames);
+    editor.reload(list);
+    state.ResumeTiming();
+    editor.add_job_name("NEWJOB");
+    editor.reload(list);
+    benchmark::DoNotOptimize(editor.page_lines(list));
+  }
+}
+
 // The first open of a job list changed since its names were made: its marks
 // come from queries by job name, whose index is built here.
 void BM_JobListMarksAfterAChange(benchmark::State& state) {
@@ -181,4 +197,5 @@ BENCHMARK(BM_JobWindowOpen)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_JobNamesList)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_JobListFirstOpen)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_JobListFirstMarks)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_JobNamesFirstChange)->Unit(benchmark::kMillisecond)->Iterations(2);
 BENCHMARK(BM_JobListMarksAfterAChange)->Unit(benchmark::kMillisecond)->Iterations(2);
