@@ -123,7 +123,7 @@ std::span<const uint32_t> JobNames::in_order(long first, long count) {
                                                    static_cast<size_t>(last - first));
 }
 
-void JobNames::sort_all() {
+void JobNames::sort() {
   if (parts_.size() == 1 && parts_.begin()->second) return;
   std::vector<SortKey> keys;
   keys.reserve(order_.size());
@@ -172,7 +172,7 @@ std::vector<long> JobNames::find_all(std::string_view name) const {
 
 long JobNames::add(std::string_view name) {
   name = name.substr(0, std::min(name.size(), kLongest));
-  sort_all();
+  sort();
   text_.append(name);
   starts_.push_back(static_cast<uint32_t>(text_.size()));
   listed_.push_back(false);
@@ -183,7 +183,7 @@ long JobNames::add(std::string_view name) {
 
 bool JobNames::unlist(long id) {
   if (!listed(id)) return false;
-  sort_all();
+  sort();
   order_.erase(order_.begin() + static_cast<long>(place_of(static_cast<uint32_t>(id))));
   listed_[static_cast<size_t>(id - 1)] = false;
   return true;
@@ -191,7 +191,7 @@ bool JobNames::unlist(long id) {
 
 bool JobNames::relist(long id) {
   if (id < 1 || static_cast<size_t>(id) > listed_.size() || listed(id)) return false;
-  sort_all();
+  sort();
   auto at = static_cast<long>(place_of(static_cast<uint32_t>(id)));
   order_.insert(order_.begin() + at, static_cast<uint32_t>(id));
   listed_[static_cast<size_t>(id - 1)] = true;

@@ -36,9 +36,22 @@ bool RowList::reload(jmd::JobNames& names) {
       format_job_name(names.name(id), line);
       if (ifind(line, filter_) != std::string::npos) rows_.push_back(id);
     }
-    std::sort(rows_.begin(), rows_.end(), [&names](long a, long b) {
-      return names.before(static_cast<uint32_t>(a), static_cast<uint32_t>(b));
-    });
+    // Few rows are put in order by themselves; many by putting the whole
+    // list in order once and taking them from it.
+    constexpr size_t kSortedAlone = 10000;
+    if (rows_.size() <= kSortedAlone) {
+      std::sort(rows_.begin(), rows_.end(), [&names](long a, long b) {
+        return names.before(static_cast<uint32_t>(a), static_cast<uint32_t>(b));
+      });
+    } else {
+      std::vector<bool> kept(static_cast<size_t>(names.entries()) + 1, false);
+      for (long id : rows_) kept[static_cast<size_t>(id)] = true;
+      names.sort();
+      rows_.clear();
+      for (uint32_t id : names.in_order(0, names.size())) {
+        if (kept[id]) rows_.push_back(id);
+      }
+    }
   }
   if (page_first_ >= total()) page_first_ = std::max(0L, (total() - 1) / kPageSize * kPageSize);
   read_page();

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 
 #include "jmd/editors/editor_test_support.h"
@@ -114,6 +115,39 @@ TEST(Filter, MatchesJobNamesAsTheyAreNow) {
   list.set_filter("e_st");
   ASSERT_TRUE(list.reload(names));
   EXPECT_EQ(list.total(), 1);
+}
+
+// Job names in no order, more than a filter puts in order by itself: the
+// pages of the filtered list, and of the list without the filter, are those
+// of the whole sorted list.
+TEST(Filter, ManyJobNamesKeptComeInListOrder) {
+  std::string text = kJmdHeader;
+  char line[64];
+  std::vector<std::string> kept;
+  for (int i = 0; i < 12000; ++i) {
+    int n = (i * 7919) % 12000;
+    std::snprintf(line, sizeof line, "%s%05d", n % 2 ? "job" : "JOB", n);
+    text += std::string("!f ") + line + " P f.mdf * 1 T X N N C *\n";
+    kept.push_back(std::string(line) + std::string(43, ' '));
+    if (i % 20 == 0) text += "!f ZZ" + std::to_string(i) + " P f.mdf * 1 T X N N C *\n";
+  }
+  std::sort(kept.begin(), kept.end(), [](const std::string& a, const std::string& b) {
+    return jmd::JobNames::compare(a, b) < 0;
+  });
+  EditorFixture jmd(text);
+  RowList list(ListKind::kJobNames);
+  ASSERT_TRUE(jmd.editor().reload(list));
+  list.show_page_of(5500);
+  EXPECT_EQ(jmd.editor().page_lines(list).at(500).substr(0, 8), "JOB05500");
+  list.set_filter("o");  // every JOB and job, no ZZ
+  ASSERT_TRUE(jmd.editor().reload(list));
+  ASSERT_EQ(list.total(), 12000);
+  std::vector<std::string> all;
+  for (list.show_from(0);; list.next_page()) {
+    for (std::string& one : jmd.editor().page_lines(list)) all.push_back(one);
+    if (!list.has_next()) break;
+  }
+  EXPECT_EQ(all, kept);
 }
 
 }  // namespace
