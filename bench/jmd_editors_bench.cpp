@@ -60,7 +60,7 @@ struct Loaded {
     std::error_code ignored;
     std::filesystem::remove_all(directory, ignored);
   }
-  px::jmd::JobNames& names() { return *file->editor().job_names(); }
+  std::shared_ptr<px::jmd::JobNames> names() { return file->editor().job_names(); }
   // A fresh load of the file, its job-names list not yet made.
   void reload_file() {
     file->editor().service().close();
@@ -83,7 +83,7 @@ void BM_JobNamesList(benchmark::State& state) {
     state.PauseTiming();
     loaded().reload_file();
     state.ResumeTiming();
-    benchmark::DoNotOptimize(&loaded().names());
+    benchmark::DoNotOptimize(loaded().names().get());
   }
 }
 
@@ -145,11 +145,11 @@ void BM_JobListMarksAfterAChange(benchmark::State& state) {
 }
 
 void BM_JobListOpen(benchmark::State& state) {
-  px::jmd::JobNames& names = loaded().names();
+  std::shared_ptr<px::jmd::JobNames> names = loaded().names();
   for (auto _ : state) {
     RowList list(ListKind::kJobNames);
     list.reload(names);
-    benchmark::DoNotOptimize(list.page_lines(names));
+    benchmark::DoNotOptimize(list.page_lines(*names));
     state.counters["rows"] = static_cast<double>(list.total());
   }
 }
@@ -160,17 +160,17 @@ void BM_JobListLastPage(benchmark::State& state) {
   for (auto _ : state) {
     state.PauseTiming();
     loaded().reload_file();
-    px::jmd::JobNames& names = loaded().names();
+    std::shared_ptr<px::jmd::JobNames> names = loaded().names();
     RowList list(ListKind::kJobNames);
     list.reload(names);
     state.ResumeTiming();
     list.show_page_of(list.total() - 1);
-    benchmark::DoNotOptimize(list.page_lines(names));
+    benchmark::DoNotOptimize(list.page_lines(*names));
   }
 }
 
 void BM_JobListFilter(benchmark::State& state) {
-  px::jmd::JobNames& names = loaded().names();
+  std::shared_ptr<px::jmd::JobNames> names = loaded().names();
   for (auto _ : state) {
     RowList list(ListKind::kJobNames);
     list.set_filter("m00012");
@@ -184,7 +184,7 @@ void BM_JobListFilterKeepingAll(benchmark::State& state) {
   for (auto _ : state) {
     state.PauseTiming();
     loaded().reload_file();
-    px::jmd::JobNames& names = loaded().names();
+    std::shared_ptr<px::jmd::JobNames> names = loaded().names();
     state.ResumeTiming();
     RowList list(ListKind::kJobNames);
     list.set_filter("form");

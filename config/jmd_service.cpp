@@ -187,16 +187,18 @@ void JmdService::close() {
   taken_for_ = Instance();
 }
 
-jmd::JobNames* JmdService::job_names(Operator& op) {
+std::shared_ptr<jmd::JobNames> JmdService::job_names(Operator& op) {
   close_if_instance_changed();
-  if (job_names_) return &*job_names_;
+  if (job_names_) return job_names_;
   jmd::Jmd* database = open(op);
   if (database == nullptr) return nullptr;
   std::optional<long> failed = 0;
   try {
-    job_names_ = database->take_loaded_job_names();
-    if (!job_names_) {
-      job_names_.emplace();
+    std::optional<jmd::JobNames> loaded = database->take_loaded_job_names();
+    if (loaded) {
+      job_names_ = std::make_shared<jmd::JobNames>(std::move(*loaded));
+    } else {
+      job_names_ = std::make_shared<jmd::JobNames>();
       failed = note_job_names(database->table(jmd::kJobTable), *job_names_);
     }
   } catch (const std::bad_alloc&) {
@@ -209,7 +211,7 @@ jmd::JobNames* JmdService::job_names(Operator& op) {
   }
   job_names_->set_noted_at(database->table(jmd::kJobTable).change_count());
   if (*failed > 0) op.show(msg::kJobNamesNotAdded, {std::to_string(*failed)});
-  return &*job_names_;
+  return job_names_;
 }
 
 engine::Table* JmdService::clipboard(Operator& op) {

@@ -93,8 +93,8 @@ class JmdService {
   // names noted at the load while the job table is as loaded, else from a
   // walk over the job table. nullptr after showing 180 or the open's
   // message. 181 tells how many job rows could not be read; the list is
-  // kept all the same.
-  jmd::JobNames* job_names(Operator& op);
+  // kept all the same. Closing drops the service's share of it.
+  std::shared_ptr<jmd::JobNames> job_names(Operator& op);
 
   // The "clipbrd" table, made empty on first use; nullptr after showing 182.
   engine::Table* clipboard(Operator& op);
@@ -111,7 +111,7 @@ class JmdService {
   bool holds_anything() const { return jmd_ || job_names_ || clipboard_; }
 
   std::unique_ptr<jmd::Jmd> jmd_;
-  std::optional<jmd::JobNames> job_names_;
+  std::shared_ptr<jmd::JobNames> job_names_;
   engine::Table clipboard_;
   bool modified_ = false;
   Instance taken_for_;  // the instance whose JMD this is

@@ -88,7 +88,7 @@ class JmdServiceTest : public ::testing::Test {
 
   // The job names the "jobname" list holds, in the order they were made.
   std::vector<std::string> job_names() {
-    jmd::JobNames* names = service_.job_names(op_);
+    std::shared_ptr<jmd::JobNames> names = service_.job_names(op_);
     if (names == nullptr) return {};
     std::vector<std::string> result;
     for (long id = 1; id <= names->entries(); ++id) {

@@ -17,7 +17,7 @@ bool holds_steps(std::optional<ListKind> kind) {
 bool JmdEditor::copy(ListKind kind, const std::vector<long>& rows, bool cut) {
   if (rows.empty()) return false;
   engine::Table* listed = kind == ListKind::kJobNames ? nullptr : table(kind);
-  jmd::JobNames* names = kind == ListKind::kJobNames ? job_names() : nullptr;
+  std::shared_ptr<jmd::JobNames> names = kind == ListKind::kJobNames ? job_names() : nullptr;
   if (listed == nullptr && names == nullptr) return false;
   Act act(*this);
   // Whatever the clipboard held goes: a copy replaces it.

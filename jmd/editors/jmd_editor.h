@@ -58,7 +58,7 @@ class JmdEditor {
   // are the entries of the job-names list.
   engine::Table* table(ListKind kind);
   // The job-names list of kind 0; nullptr after showing why it cannot be had.
-  jmd::JobNames* job_names();
+  std::shared_ptr<jmd::JobNames> job_names();
 
   // Reads the rows of a list again from what its kind lists, and the lines
   // of its page. False when that cannot be had (the reason was shown) or

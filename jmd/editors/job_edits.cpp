@@ -27,12 +27,12 @@ engine::Table* JmdEditor::table(ListKind kind) {
   return database ? &database->table(table_slot(kind)) : nullptr;
 }
 
-jmd::JobNames* JmdEditor::job_names() { return service_.job_names(*op_); }
+std::shared_ptr<jmd::JobNames> JmdEditor::job_names() { return service_.job_names(*op_); }
 
 bool JmdEditor::reload(RowList& list) {
   if (list.kind() == ListKind::kJobNames) {
-    jmd::JobNames* names = job_names();
-    return names != nullptr && list.reload(*names);
+    std::shared_ptr<jmd::JobNames> names = job_names();
+    return names != nullptr && list.reload(names);
   }
   engine::Table* rows = table(list.kind());
   return rows != nullptr && list.reload(*rows);
@@ -40,7 +40,7 @@ bool JmdEditor::reload(RowList& list) {
 
 std::vector<std::string> JmdEditor::page_lines(const RowList& list) {
   if (list.kind() == ListKind::kJobNames) {
-    jmd::JobNames* names = job_names();
+    std::shared_ptr<jmd::JobNames> names = job_names();
     return names != nullptr ? list.page_lines(*names) : std::vector<std::string>();
   }
   engine::Table* rows = table(list.kind());
@@ -48,13 +48,13 @@ std::vector<std::string> JmdEditor::page_lines(const RowList& list) {
 }
 
 std::string JmdEditor::job_name(long entry) {
-  jmd::JobNames* names = job_names();
+  std::shared_ptr<jmd::JobNames> names = job_names();
   return names != nullptr ? std::string(names->name(entry)) : std::string();
 }
 
 long JmdEditor::find_row(ListKind kind, std::string_view key) {
   if (kind == ListKind::kJobNames) {
-    jmd::JobNames* names = job_names();
+    std::shared_ptr<jmd::JobNames> names = job_names();
     return names != nullptr ? names->find(key) : 0;
   }
   engine::Table* rows = table(kind);
@@ -97,7 +97,7 @@ int JmdEditor::check_new_job_name(std::string_view typed, std::string& name) {
 }
 
 long JmdEditor::add_job_name(const std::string& name) {
-  jmd::JobNames* names = job_names();
+  std::shared_ptr<jmd::JobNames> names = job_names();
   if (names == nullptr) return 0;
   Act act(*this);
   return journal_.add_name(*names, name);
@@ -129,7 +129,7 @@ long JmdEditor::delete_rows(ListKind kind, const std::vector<long>& rows) {
 }
 
 long JmdEditor::delete_job_names(const std::vector<long>& entries) {
-  jmd::JobNames* names = job_names();
+  std::shared_ptr<jmd::JobNames> names = job_names();
   engine::Table* jobs = names != nullptr ? table(ListKind::kSteps) : nullptr;
   if (jobs == nullptr) return 0;
   Act act(*this);

@@ -54,7 +54,7 @@ bool runs_name_missing(engine::Table& jobs, const jmd::JobNames& names,
 
 std::vector<bool> job_name_marks(JmdEditor& editor, std::span<const long> page) {
   std::vector<bool> marks(page.size(), false);
-  jmd::JobNames* names = editor.job_names();
+  std::shared_ptr<jmd::JobNames> names = editor.job_names();
   engine::Table* jobs = editor.table(ListKind::kSteps);
   if (names == nullptr || jobs == nullptr) return marks;
   if (jobs->change_count() != names->noted_at()) {

@@ -23,13 +23,14 @@ bool list_rows(engine::Table& table, ListKind kind, const std::string& job,
 
 RowList::RowList(ListKind kind, std::string job) : kind_(kind), job_(std::move(job)) {}
 
-bool RowList::reload(jmd::JobNames& names) {
-  names_ = nullptr;
+bool RowList::reload(const std::shared_ptr<jmd::JobNames>& shared) {
+  jmd::JobNames& names = *shared;
+  paging_names_ = filter_.empty();
+  names_ = shared;
+  names_total_ = names.size();
   rows_.clear();
   page_rows_.clear();
-  if (filter_.empty()) {
-    names_ = &names;
-  } else {
+  if (!paging_names_) {
     std::string line;
     for (long id = 1; id <= names.entries(); ++id) {
       if (!names.listed(id)) continue;
@@ -59,13 +60,17 @@ bool RowList::reload(jmd::JobNames& names) {
 }
 
 void RowList::read_page() {
-  if (names_ == nullptr) return;
-  std::span<const uint32_t> page = names_->in_order(page_first_, kPageSize);
+  if (!paging_names_) return;
+  page_rows_.clear();
+  std::shared_ptr<jmd::JobNames> names = names_.lock();
+  if (names == nullptr) return;
+  std::span<const uint32_t> page = names->in_order(page_first_, kPageSize);
   page_rows_.assign(page.begin(), page.end());
 }
 
 bool RowList::reload(engine::Table& table) {
-  names_ = nullptr;
+  paging_names_ = false;
+  names_.reset();
   page_rows_.clear();
   bool listed = list_rows(table, kind_, job_, rows_);
   if (listed && !filter_.empty()) {
@@ -87,10 +92,13 @@ bool RowList::reload(engine::Table& table) {
   return listed;
 }
 
-long RowList::shown() const { return std::min(kPageSize, total() - page_first_); }
+long RowList::shown() const {
+  if (paging_names_) return static_cast<long>(page_rows_.size());
+  return std::min(kPageSize, total() - page_first_);
+}
 
 std::span<const long> RowList::page() const {
-  if (names_ != nullptr) return page_rows_;
+  if (paging_names_) return page_rows_;
   return std::span<const long>(rows_).subspan(static_cast<size_t>(page_first_),
                                               static_cast<size_t>(shown()));
 }

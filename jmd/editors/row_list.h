@@ -14,6 +14,7 @@
 // text (without regard to case), over the whole table, not only the page.
 #pragma once
 
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -34,20 +35,20 @@ class RowList {
   // Reads the rows of table (kinds 1 to 4) or names (kind 0) again. The page
   // keeps its start while that is still a row, else shows the last page.
   // False when the table cannot be queried; the list is then empty. The job
-  // names are read again by the paging calls below, and must outlive the
-  // list or the next reload.
+  // names are read again by the paging calls below, as long as they are
+  // there (a page of names gone is empty).
   bool reload(engine::Table& table);
-  bool reload(jmd::JobNames& names);
+  bool reload(const std::shared_ptr<jmd::JobNames>& names);
 
   // Rows listed (after the filter).
-  long total() const { return names_ ? names_->size() : static_cast<long>(rows_.size()); }
+  long total() const { return paging_names_ ? names_total_ : static_cast<long>(rows_.size()); }
   // Index of the first row of the page among all rows, and the rows on it.
   long page_first() const { return page_first_; }
   long shown() const;
   std::span<const long> page() const;
   // Every listed row, in list order; for the job names without a filter
   // the rows of the page (they are read page by page).
-  const std::vector<long>& rows() const { return names_ ? page_rows_ : rows_; }
+  const std::vector<long>& rows() const { return paging_names_ ? page_rows_ : rows_; }
 
   // The paging buttons are shown (more than 1000 rows).
   bool paged() const { return total() > kPageSize; }
@@ -83,7 +84,9 @@ class RowList {
   long page_first_ = 0;
   // The job names without a filter: rows_ stays empty and the page's rows
   // are read from the list whenever the page changes.
-  jmd::JobNames* names_ = nullptr;
+  bool paging_names_ = false;
+  std::weak_ptr<jmd::JobNames> names_;
+  long names_total_ = 0;
   std::vector<long> page_rows_;
   void read_page();
 };

@@ -95,10 +95,11 @@ TEST(Filter, MatchesJobNamesAsTheyAreNow) {
     text += std::string("!f ") + job + " P f.mdf * 1 T X N N C *\n";
   }
   EditorFixture jmd(text);
-  jmd::JobNames& names = *jmd.editor().job_names();
+  std::shared_ptr<jmd::JobNames> shared = jmd.editor().job_names();
+  jmd::JobNames& names = *shared;
   RowList list(ListKind::kJobNames);
   list.set_filter("invoice");
-  ASSERT_TRUE(list.reload(names));
+  ASSERT_TRUE(list.reload(shared));
   std::vector<std::string> lines = list.page_lines(names);
   ASSERT_EQ(lines.size(), 2u);
   EXPECT_EQ(lines[0], "A_VERY_LONG_JOB_NAME_OF_MONTHLY_INVOICES" + std::string(11, ' '));
@@ -107,13 +108,13 @@ TEST(Filter, MatchesJobNamesAsTheyAreNow) {
   // stock goes, INVOICE_STOCK comes.
   ASSERT_TRUE(names.unlist(names.find("STOCK")));
   names.add("INVOICE_STOCK");
-  ASSERT_TRUE(list.reload(names));
+  ASSERT_TRUE(list.reload(shared));
   EXPECT_EQ(list.total(), 3);
   list.set_filter("x_st");
-  ASSERT_TRUE(list.reload(names));
+  ASSERT_TRUE(list.reload(shared));
   EXPECT_EQ(list.total(), 0);
   list.set_filter("e_st");
-  ASSERT_TRUE(list.reload(names));
+  ASSERT_TRUE(list.reload(shared));
   EXPECT_EQ(list.total(), 1);
 }
 
@@ -148,6 +149,14 @@ TEST(Filter, ManyJobNamesKeptComeInListOrder) {
     if (!list.has_next()) break;
   }
   EXPECT_EQ(all, kept);
+
+  // The JMD closed under the list: its pages are empty from then on.
+  list.set_filter("");
+  ASSERT_TRUE(jmd.editor().reload(list));
+  jmd.editor().service().close();
+  list.next_page();
+  EXPECT_EQ(list.shown(), 0);
+  EXPECT_TRUE(list.page().empty());
 }
 
 }  // namespace
