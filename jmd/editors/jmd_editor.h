@@ -96,7 +96,7 @@ class JmdEditor {
   // (an empty name or one starting with a blank: the dialog shows nothing),
   // kJobNameHasBlank (shown), or kJobExists (shown).
   int check_new_job_name(std::string_view typed, std::string& name);
-  // Lists a new job name in the job-names table; its row, 0 on failure.
+  // Lists a new job name in the job-names list; its entry, 0 on failure.
   long add_job_name(const std::string& name);
 
   // The job name of an entry of the job-names list; empty when none.

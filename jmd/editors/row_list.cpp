@@ -24,6 +24,7 @@ bool list_rows(engine::Table& table, ListKind kind, const std::string& job,
 RowList::RowList(ListKind kind, std::string job) : kind_(kind), job_(std::move(job)) {}
 
 bool RowList::reload(const std::shared_ptr<jmd::JobNames>& shared) {
+  if (shared == nullptr) return false;
   jmd::JobNames& names = *shared;
   paging_names_ = filter_.empty();
   names_ = shared;
