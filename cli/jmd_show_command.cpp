@@ -45,13 +45,12 @@ int jmd_show(const std::vector<std::string>& w) {
     op.show(editors::msg::kNotListed, {job, "jobs"});
     return kExitFailed;
   }
-  engine::Table* table = editor.table(*kind);
   editors::RowList list(*kind, job);
-  if (table == nullptr || !list.reload(*table)) return kExitFailed;
+  if (!editor.reload(list)) return kExitFailed;
   bool printed = steps || print_line(editors::header_text(*kind));
   if ((page - 1) * editors::kPageSize < list.total()) {
     list.show_from((page - 1) * editors::kPageSize);
-    for (const std::string& line : list.page_lines(*table)) printed = printed && print_line(line);
+    for (const std::string& line : editor.page_lines(list)) printed = printed && print_line(line);
   }
   return printed && std::fflush(stdout) == 0 ? kExitOk : kExitFailed;
 }

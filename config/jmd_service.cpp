@@ -21,7 +21,6 @@ namespace {
 
 constexpr std::string_view kBackupExtension = ".JBK";
 constexpr std::string_view kJobNameColumn = "FormName";
-constexpr std::string_view kDeletedColumn = "Deleted";
 
 // The load's messages reach the operator (paths shortened), its traces the
 // log.
@@ -85,24 +84,16 @@ std::optional<std::vector<bool>> listed_rows(engine::Table& table, int column) {
   return listed;
 }
 
-// Adds to names one row for each listed job row whose name differs from the
-// listed row before it. The names come from the job table's kept copies of
-// the column when it has them, so the records are not read. The number of
-// names that could not be added (a job row that cannot be read counts too);
-// nullopt when the job table cannot be walked.
-std::optional<long> add_distinct_job_names(engine::Table& jobs, engine::Table& names) {
-  const jmd::TableSchema& schema = jmd::table_schema(jmd::kJobTable);
-  const jmd::FieldDef* name = jmd::find_field(schema, kJobNameColumn);
-  const jmd::FieldDef* deleted = jmd::find_field(schema, kDeletedColumn);
+// Notes in names each listed job row, in row order. The number of job rows
+// that could not be read; nullopt when the job table cannot be walked. May
+// throw std::bad_alloc.
+std::optional<long> note_job_names(engine::Table& jobs, jmd::JobNames& names) {
+  const jmd::FieldDef* name = jmd::find_field(jmd::table_schema(jmd::kJobTable), kJobNameColumn);
   int name_column = jobs.find_column(kJobNameColumn);
-  if (name == nullptr || deleted == nullptr || name_column < 0) return std::nullopt;
+  if (name == nullptr || name_column < 0) return std::nullopt;
   std::optional<std::vector<bool>> listed = listed_rows(jobs, name_column);
   if (!listed) return std::nullopt;
-
   std::vector<char> value(name->width);
-  std::vector<char> entry(schema.record_size);
-  std::string previous;
-  bool first = true;
   long failed = 0;
   for (long row = 1; row < static_cast<long>(listed->size()); ++row) {
     if (!(*listed)[static_cast<size_t>(row)]) continue;
@@ -110,15 +101,9 @@ std::optional<long> add_distinct_job_names(engine::Table& jobs, engine::Table& n
       ++failed;
       continue;
     }
-    std::string_view job(value.data(), strnlen(value.data(), value.size()));
-    if (!first && job == previous) continue;
-    first = false;
-    previous = job;
-    std::fill(entry.begin(), entry.end(), '\0');
-    jmd::set_char_field(entry, *deleted, jmd::kNotDeleted);
-    jmd::set_string_field(entry, *name, job);
-    if (names.add_row(std::as_bytes(std::span<const char>(entry))) == 0) ++failed;
+    names.note_row(row, std::string_view(value.data(), strnlen(value.data(), value.size())));
   }
+  names.finish_notes(static_cast<long>(listed->size()));
   return failed;
 }
 
@@ -195,31 +180,38 @@ bool JmdService::save(Operator& op, FileSystem& files) {
 }
 
 void JmdService::close() {
-  job_names_ = engine::Table();
+  job_names_.reset();
   clipboard_ = engine::Table();
   jmd::close_jmd(std::move(jmd_));
   modified_ = false;
   taken_for_ = Instance();
 }
 
-engine::Table* JmdService::job_names(Operator& op) {
+std::shared_ptr<jmd::JobNames> JmdService::job_names(Operator& op) {
   close_if_instance_changed();
-  if (job_names_) return &job_names_;
-  engine::Table names = open_scratch_table("jobname");
-  if (!names) {
-    op.show(msg::kJobNamesNotCreated);
-    return nullptr;
-  }
+  if (job_names_) return job_names_;
   jmd::Jmd* database = open(op);
   if (database == nullptr) return nullptr;
-  std::optional<long> failed = add_distinct_job_names(database->table(jmd::kJobTable), names);
+  std::optional<long> failed = 0;
+  try {
+    std::optional<jmd::JobNames> loaded = database->take_loaded_job_names();
+    if (loaded) {
+      job_names_ = std::make_shared<jmd::JobNames>(std::move(*loaded));
+    } else {
+      job_names_ = std::make_shared<jmd::JobNames>();
+      failed = note_job_names(database->table(jmd::kJobTable), *job_names_);
+    }
+  } catch (const std::bad_alloc&) {
+    failed.reset();
+  }
   if (!failed) {
+    job_names_.reset();
     op.show(msg::kJobNamesNotCreated);
     return nullptr;
   }
+  job_names_->set_noted_at(database->table(jmd::kJobTable).change_count());
   if (*failed > 0) op.show(msg::kJobNamesNotAdded, {std::to_string(*failed)});
-  job_names_ = std::move(names);
-  return &job_names_;
+  return job_names_;
 }
 
 engine::Table* JmdService::clipboard(Operator& op) {

@@ -6,14 +6,19 @@
 // than 2 characters counts as missing). It is loaded on first use and kept
 // until it is closed, the current instance changes (the next call finds the
 // change and closes the old one) or the program ends. Beside it the service
-// keeps the editors' modified flag and two scratch tables of the table engine
-// with the job table's row layout, each in a fresh file of the temporary
-// directory and gone when the JMD is closed:
-//   "jobname"  the job names of the job list: the job table's rows that are
-//              not deleted, walked in row order, one row for every job name
-//              that differs from the row before it. Only neighbours are compared, so a job whose steps
-//              are not next to each other is listed once per run of steps.
-//   "clipbrd"  the editors' private clipboard of job steps.
+// keeps the editors' modified flag and two lists that go when the JMD is
+// closed:
+//   "jobname"  the job names of the job list (jmd/job_names.h): the job
+//              table's rows that are not deleted, walked in row order, one
+//              entry for every job name that differs from the row before it.
+//              Only neighbours are compared, so a job whose steps are not
+//              next to each other is listed once per run of steps. It is
+//              kept in memory, compactly, rather than as a table: the names
+//              noted while the JMD was loaded make it without reading a
+//              record, and a page of it is put in order when it is shown.
+//   "clipbrd"  the editors' private clipboard of job steps: a scratch table
+//              of the table engine with the job table's row layout, in a
+//              fresh file of the temporary directory.
 //
 // Save writes the tables (as jmd/jmd_writer.h writes them, crash-safely:
 // a temporary file beside the JMD, synced and renamed over it), keeping the
@@ -30,13 +35,14 @@
 //   167  JMDFileName is missing                         @P1 "Options", @P2 the
 //                                                       file, @P3 "JMDFileName"
 //   179  the JMD cannot be loaded (after the load's own message)  @P1 the JMD
-//   180  the "jobname" table cannot be made
+//   180  the "jobname" list cannot be made
 //   181  job names could not be added                   @P1 how many
 //   182  the "clipbrd" table cannot be made
 //   185  the JMD cannot be written                      @P1 the JMD
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -45,6 +51,7 @@
 #include "config/operator.h"
 #include "jmd/engine/table.h"
 #include "jmd/jmd.h"
+#include "jmd/job_names.h"
 
 namespace px {
 
@@ -82,10 +89,12 @@ class JmdService {
   // clears the modified flag.
   void close();
 
-  // The "jobname" table, made and filled on first use (which opens the JMD);
-  // nullptr after showing 180 or the open's message. 181 tells how many names
-  // could not be added; the table is kept all the same.
-  engine::Table* job_names(Operator& op);
+  // The "jobname" list, made on first use (which opens the JMD): from the
+  // names noted at the load while the job table is as loaded, else from a
+  // walk over the job table. nullptr after showing 180 or the open's
+  // message. 181 tells how many job rows could not be read; the list is
+  // kept all the same. Closing drops the service's share of it.
+  std::shared_ptr<jmd::JobNames> job_names(Operator& op);
 
   // The "clipbrd" table, made empty on first use; nullptr after showing 182.
   engine::Table* clipboard(Operator& op);
@@ -102,7 +111,7 @@ class JmdService {
   bool holds_anything() const { return jmd_ || job_names_ || clipboard_; }
 
   std::unique_ptr<jmd::Jmd> jmd_;
-  engine::Table job_names_;
+  std::shared_ptr<jmd::JobNames> job_names_;
   engine::Table clipboard_;
   bool modified_ = false;
   Instance taken_for_;  // the instance whose JMD this is

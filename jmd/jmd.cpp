@@ -113,13 +113,39 @@ std::unique_ptr<Jmd> load_jmd(const std::string& path, Reporter& reporter) {
     return nullptr;
   }
   LineSource lines(file.get());
-  auto add = [&jmd](int slot, std::span<const char> record) {
-    return jmd->table(slot).add_row(std::as_bytes(record), engine::kAddAppend) != 0;
+  // The job list's names are noted as the job rows come in, so that opening
+  // the list needs no pass over the records.
+  const FieldDef* job_name = find_field(table_schema(kJobTable), "FormName");
+  jmd->loaded_names_.emplace();
+  auto add = [&jmd, job_name](int slot, std::span<const char> record) {
+    long row = jmd->table(slot).add_row(std::as_bytes(record), engine::kAddAppend);
+    if (row != 0 && slot == kJobTable && jmd->loaded_names_) {
+      try {
+        jmd->loaded_names_->note_row(row, string_field(record, *job_name));
+      } catch (const std::bad_alloc&) {
+        jmd->loaded_names_.reset();  // the list is then made from the table
+      }
+    }
+    return row != 0;
   };
   EngineReports engine_reports(reporter);
   engine::ReportRoute route(engine_reports);
   if (!read_jmd(lines, path, reporter, add)) return nullptr;
+  engine::Table& jobs = jmd->table(kJobTable);
+  try {
+    if (jmd->loaded_names_) jmd->loaded_names_->finish_notes(jobs.row_count() + 1);
+  } catch (const std::bad_alloc&) {
+    jmd->loaded_names_.reset();
+  }
+  jmd->loaded_at_ = jobs.change_count();
   return jmd;
+}
+
+std::optional<JobNames> Jmd::take_loaded_job_names() {
+  std::optional<JobNames> names = std::move(loaded_names_);
+  loaded_names_.reset();
+  if (names && table(kJobTable).change_count() != loaded_at_) names.reset();
+  return names;
 }
 
 bool close_jmd(std::unique_ptr<Jmd> jmd) {

@@ -7,11 +7,13 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "jmd/engine/table.h"
+#include "jmd/job_names.h"
 #include "jmd/jmd_report.h"
 #include "jmd/jmd_schema.h"
 
@@ -25,9 +27,17 @@ class Jmd {
   engine::Table& table(int slot) { return tables_.at(static_cast<size_t>(slot)); }
   long row_count(int slot) const { return tables_.at(static_cast<size_t>(slot)).row_count(); }
 
+  // The job names (job_names.h) noted while the job table was loaded, handed
+  // over once; nullopt when the job table has changed since the load, when
+  // they were taken already or could not be noted.
+  std::optional<JobNames> take_loaded_job_names();
+
  private:
   friend bool close_jmd(std::unique_ptr<Jmd> jmd);
+  friend std::unique_ptr<Jmd> load_jmd(const std::string& path, Reporter& reporter);
   std::array<engine::Table, kTableCount> tables_;
+  std::optional<JobNames> loaded_names_;
+  uint64_t loaded_at_ = 0;  // the job table's change count after the load
 };
 
 // The engine's column definitions of a table: its declared columns only

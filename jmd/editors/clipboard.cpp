@@ -15,15 +15,17 @@ bool holds_steps(std::optional<ListKind> kind) {
 }  // namespace
 
 bool JmdEditor::copy(ListKind kind, const std::vector<long>& rows, bool cut) {
-  engine::Table* listed = table(kind);
-  if (listed == nullptr || rows.empty()) return false;
+  if (rows.empty()) return false;
+  engine::Table* listed = kind == ListKind::kJobNames ? nullptr : table(kind);
+  std::shared_ptr<jmd::JobNames> names = kind == ListKind::kJobNames ? job_names() : nullptr;
+  if (listed == nullptr && names == nullptr) return false;
   Act act(*this);
   // Whatever the clipboard held goes: a copy replaces it.
   service_.empty_clipboard();
   clipboard_kind_.reset();
   buffer_.clear();
-  Record record = blank_record(*listed);
   if (kind == ListKind::kTasks || kind == ListKind::kPrinters || kind == ListKind::kMemory) {
+    Record record = blank_record(*listed);
     if (!read_row(*listed, rows.front(), record)) {
       internal_error("pxjmdcb", __LINE__);
       return false;
@@ -38,8 +40,8 @@ bool JmdEditor::copy(ListKind kind, const std::vector<long>& rows, bool cut) {
   if (jobs == nullptr) return false;
   std::vector<long> steps;
   if (kind == ListKind::kJobNames) {
-    if (!read_row(*listed, rows.front(), record)) return false;
-    list_rows(*jobs, ListKind::kSteps, get_text(jmd::kJobTable, record, "FormName"), steps);
+    if (!names->listed(rows.front())) return false;
+    list_rows(*jobs, ListKind::kSteps, std::string(names->name(rows.front())), steps);
   } else {
     steps = rows;
   }

@@ -1,5 +1,7 @@
 #include "jmd/editors/edit_journal.h"
 
+#include <new>
+
 namespace px::editors {
 
 void EditJournal::begin() { ++depth_; }
@@ -13,24 +15,45 @@ void EditJournal::end() {
 
 long EditJournal::add(engine::Table& table, const Record& record) {
   long row = add_record(table, record);
-  if (row != 0) open_.push_back({&table, row, What::kAdded, 1, {}, {}});
+  if (row != 0) open_.push_back({&table, nullptr, row, What::kAdded, 1, {}, {}});
   return row;
 }
 
 bool EditJournal::update(engine::Table& table, long row, const Record& record) {
   Record before = blank_record(table);
   if (!read_row(table, row, before) || !update_record(table, row, record)) return false;
-  open_.push_back({&table, row, What::kUpdated, 0, std::move(before), record});
+  open_.push_back({&table, nullptr, row, What::kUpdated, 0, std::move(before), record});
   return true;
 }
 
 bool EditJournal::remove(engine::Table& table, long row, int column) {
   if (!table.delete_index_row(row, column)) return false;
-  open_.push_back({&table, row, What::kRemoved, column, {}, {}});
+  open_.push_back({&table, nullptr, row, What::kRemoved, column, {}, {}});
+  return true;
+}
+
+long EditJournal::add_name(jmd::JobNames& names, std::string_view name) {
+  long id = 0;
+  try {
+    id = names.add(name);
+  } catch (const std::bad_alloc&) {
+    return 0;
+  }
+  open_.push_back({nullptr, &names, id, What::kNameAdded, 0, {}, {}});
+  return id;
+}
+
+bool EditJournal::unlist_name(jmd::JobNames& names, long id) {
+  if (!names.unlist(id)) return false;
+  open_.push_back({nullptr, &names, id, What::kNameRemoved, 0, {}, {}});
   return true;
 }
 
 bool EditJournal::apply(const Change& change, bool forward) {
+  if (change.names != nullptr) {
+    bool listing = (change.what == What::kNameAdded) == forward;
+    return listing ? change.names->relist(change.row) : change.names->unlist(change.row);
+  }
   engine::Table& table = *change.table;
   switch (change.what) {
     case What::kAdded:
@@ -41,6 +64,9 @@ bool EditJournal::apply(const Change& change, bool forward) {
                      : table.insert_index_row(change.row, change.column);
     case What::kUpdated:
       return update_record(table, change.row, forward ? change.after : change.before);
+    case What::kNameAdded:
+    case What::kNameRemoved:
+      break;
   }
   return false;
 }

@@ -1,18 +1,23 @@
 // The unsaved edits of a session, for undo and redo: every row a JMD edit
-// adds, removes from its table's listing or rewrites, grouped by the
-// operator's act that made it.
+// adds, removes from its table's listing or rewrites, and every entry it
+// adds to or takes off the job-names list, grouped by the operator's act
+// that made it.
 //
 // Rows are never removed from a table, only from the index of its key
-// column, so each change has an exact inverse: an added row leaves the
-// listing, a removed one comes back into it, a rewritten one gets its old
-// record again. The journal holds pointers to the tables of the open JMD; it
-// is dropped whenever the JMD is saved or closed (the caller sees to that).
+// column, and job-name entries are never forgotten, only unlisted, so each
+// change has an exact inverse: an added row or entry leaves the listing, a
+// removed one comes back into it, a rewritten row gets its old record
+// again. The journal holds pointers to the tables and the job-names list of
+// the open JMD; it is dropped whenever the JMD is saved or closed (the
+// caller sees to that).
 #pragma once
 
+#include <string_view>
 #include <vector>
 
 #include "jmd/editors/record.h"
 #include "jmd/engine/table.h"
+#include "jmd/job_names.h"
 
 namespace px::editors {
 
@@ -28,6 +33,10 @@ class EditJournal {
   long add(engine::Table& table, const Record& record);
   bool update(engine::Table& table, long row, const Record& record);
   bool remove(engine::Table& table, long row, int column);
+  // The job-names list's calls, recorded: the new entry (0 on failure) and
+  // whether the entry was listed and is now taken off.
+  long add_name(jmd::JobNames& names, std::string_view name);
+  bool unlist_name(jmd::JobNames& names, long id);
 
   bool can_undo() const { return !undo_.empty(); }
   bool can_redo() const { return !redo_.empty(); }
@@ -41,9 +50,10 @@ class EditJournal {
   bool act_open() const { return depth_ > 0; }
 
  private:
-  enum class What { kAdded, kRemoved, kUpdated };
+  enum class What { kAdded, kRemoved, kUpdated, kNameAdded, kNameRemoved };
   struct Change {
-    engine::Table* table = nullptr;
+    engine::Table* table = nullptr;  // or, for the names, the list
+    jmd::JobNames* names = nullptr;
     long row = 0;
     What what = What::kAdded;
     int column = 0;  // the key column of kAdded and kRemoved

@@ -29,11 +29,10 @@ class EditorFixture {
   // The lines of every row of a list of kind (all pages).
   std::vector<std::string> lines(ListKind kind, const std::string& job = {}) {
     RowList list(kind, job);
-    engine::Table* table = editor().table(kind);
-    if (table == nullptr || !list.reload(*table)) return {};
+    if (!editor().reload(list)) return {};
     std::vector<std::string> all;
     for (;;) {
-      for (std::string& line : list.page_lines(*table)) all.push_back(std::move(line));
+      for (std::string& line : editor().page_lines(list)) all.push_back(std::move(line));
       if (!list.has_next()) break;
       list.next_page();
     }

@@ -29,6 +29,8 @@
 #include "jmd/editors/list_kind.h"
 #include "jmd/editors/record.h"
 #include "jmd/editors/row_form.h"
+#include "jmd/editors/row_list.h"
+#include "jmd/job_names.h"
 
 namespace px::editors {
 
@@ -51,12 +53,21 @@ class JmdEditor {
   // Reports to op from now on (the console's operator can be replaced).
   void set_operator(Operator& op) { op_ = &op; }
 
-  // The table that a list of kind shows (the "jobname" table for kind 0);
-  // nullptr after showing why it cannot be had.
+  // The table that a list of kinds 1 to 4 shows (the job table for kind 4);
+  // nullptr after showing why it cannot be had, and for kind 0, whose rows
+  // are the entries of the job-names list.
   engine::Table* table(ListKind kind);
+  // The job-names list of kind 0; nullptr after showing why it cannot be had.
+  std::shared_ptr<jmd::JobNames> job_names();
+
+  // Reads the rows of a list again from what its kind lists, and the lines
+  // of its page. False when that cannot be had (the reason was shown) or
+  // the table cannot be queried (nothing shown).
+  bool reload(RowList& list);
+  std::vector<std::string> page_lines(const RowList& list);
 
   // The row of kinds 0 to 3 whose key is key (without regard to case); 0
-  // when none.
+  // when none. For kind 0 the first entry of the job-names list.
   long find_row(ListKind kind, std::string_view key);
   // The job's steps in table order.
   std::vector<long> job_steps(const std::string& job);
@@ -85,8 +96,11 @@ class JmdEditor {
   // (an empty name or one starting with a blank: the dialog shows nothing),
   // kJobNameHasBlank (shown), or kJobExists (shown).
   int check_new_job_name(std::string_view typed, std::string& name);
-  // Lists a new job name in the job-names table; its row, 0 on failure.
+  // Lists a new job name in the job-names list; its entry, 0 on failure.
   long add_job_name(const std::string& name);
+
+  // The job name of an entry of the job-names list; empty when none.
+  std::string job_name(long entry);
 
   // Deletes rows of a list of kind (job names with all their steps). How
   // many were deleted; a failure ends the deletion at that row.
@@ -142,6 +156,7 @@ class JmdEditor {
   OkResult ok_memory(const RowForm& form, long row);
   OkResult refuse(int message, int focus, std::vector<std::string> args = {});
   bool delete_job(engine::Table& jobs, const std::string& name);
+  long delete_job_names(const std::vector<long>& entries);
   void internal_error(const char* module, int line);
 
   // One operator's act: what it changes is one step of undo.

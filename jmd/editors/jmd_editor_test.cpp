@@ -284,6 +284,10 @@ std::string rows_now(JmdEditor& editor) {
       return true;
     });
   }
+  // And the job names listed.
+  RowList names(ListKind::kJobNames);
+  if (!editor.reload(names)) return text + "no job names";
+  for (const std::string& line : editor.page_lines(names)) text += "jobs: " + line + "\n";
   return text;
 }
 

@@ -54,7 +54,9 @@ class JmdWindowsTest : public ::testing::Test {
     tk.activate(window);
     return window;
   }
+  // The rows, once the marks that follow a page have come.
   std::vector<std::string> rows(tk::Window window) {
+    tk.advance_time(1);
     std::vector<std::string> all;
     tk::Control list = window.control(tk::kJmdList);
     for (int i = 0; i < list.count(); ++i) all.push_back(list.row(i));
@@ -279,6 +281,8 @@ TEST_F(JmdWindowsTest, JobsWithAStepNamingAMissingPrinterAreMarked) {
   tk.click_row(printers_list, tk::kJmdList, 0);
   op.answer_next(0);
   ASSERT_TRUE(tk.click(printers_list, tk::kJmdDelete));
+  // The page shows at once; its marks come a moment later.
+  EXPECT_EQ(names.control(tk::kJmdList).row(1), invoice);
   EXPECT_EQ(rows(names), (std::vector<std::string>{cheque, invoice + " !"}));
   // LASER2, which both jobs name, cut and pasted back: marked, then not.
   tk.on_dialog(tk::kPrinterDialog, [&](tk::Window dialog) { tk.click(dialog, tk::kOk); });

@@ -22,12 +22,41 @@ void JmdEditor::internal_error(const char* module, int line) {
 }
 
 engine::Table* JmdEditor::table(ListKind kind) {
-  if (kind == ListKind::kJobNames) return service_.job_names(*op_);
+  if (kind == ListKind::kJobNames) return nullptr;
   jmd::Jmd* database = service_.open(*op_);
   return database ? &database->table(table_slot(kind)) : nullptr;
 }
 
+std::shared_ptr<jmd::JobNames> JmdEditor::job_names() { return service_.job_names(*op_); }
+
+bool JmdEditor::reload(RowList& list) {
+  if (list.kind() == ListKind::kJobNames) {
+    std::shared_ptr<jmd::JobNames> names = job_names();
+    return names != nullptr && list.reload(names);
+  }
+  engine::Table* rows = table(list.kind());
+  return rows != nullptr && list.reload(*rows);
+}
+
+std::vector<std::string> JmdEditor::page_lines(const RowList& list) {
+  if (list.kind() == ListKind::kJobNames) {
+    std::shared_ptr<jmd::JobNames> names = job_names();
+    return names != nullptr ? list.page_lines(*names) : std::vector<std::string>();
+  }
+  engine::Table* rows = table(list.kind());
+  return rows != nullptr ? list.page_lines(*rows) : std::vector<std::string>();
+}
+
+std::string JmdEditor::job_name(long entry) {
+  std::shared_ptr<jmd::JobNames> names = job_names();
+  return names != nullptr ? std::string(names->name(entry)) : std::string();
+}
+
 long JmdEditor::find_row(ListKind kind, std::string_view key) {
+  if (kind == ListKind::kJobNames) {
+    std::shared_ptr<jmd::JobNames> names = job_names();
+    return names != nullptr ? names->find(key) : 0;
+  }
   engine::Table* rows = table(kind);
   if (rows == nullptr) return 0;
   int column = rows->find_column(key_column(kind));
@@ -68,13 +97,10 @@ int JmdEditor::check_new_job_name(std::string_view typed, std::string& name) {
 }
 
 long JmdEditor::add_job_name(const std::string& name) {
-  engine::Table* names = table(ListKind::kJobNames);
+  std::shared_ptr<jmd::JobNames> names = job_names();
   if (names == nullptr) return 0;
-  Record record = blank_record(jmd::kJobTable);
-  set_char(jmd::kJobTable, record, "Deleted", jmd::kNotDeleted);
-  set_text(jmd::kJobTable, record, "FormName", name);
   Act act(*this);
-  return add(*names, record);
+  return journal_.add_name(*names, name);
 }
 
 bool JmdEditor::delete_job(engine::Table& jobs, const std::string& name) {
@@ -88,21 +114,32 @@ bool JmdEditor::delete_job(engine::Table& jobs, const std::string& name) {
 }
 
 long JmdEditor::delete_rows(ListKind kind, const std::vector<long>& rows) {
+  if (kind == ListKind::kJobNames) return delete_job_names(rows);
   engine::Table* listed = table(kind);
   if (listed == nullptr) return 0;
-  engine::Table* jobs = kind == ListKind::kJobNames ? table(ListKind::kSteps) : nullptr;
-  if (kind == ListKind::kJobNames && jobs == nullptr) return 0;
   Act act(*this);
   set_modified();
   int column = listed->find_column(key_column(kind));
-  Record record = blank_record(*listed);
   long deleted = 0;
   for (long row : rows) {
-    if (jobs != nullptr) {
-      if (!read_row(*listed, row, record)) break;
-      if (!delete_job(*jobs, get_text(jmd::kJobTable, record, "FormName"))) break;
-    }
     if (!remove(*listed, row, column)) break;
+    ++deleted;
+  }
+  return deleted;
+}
+
+long JmdEditor::delete_job_names(const std::vector<long>& entries) {
+  std::shared_ptr<jmd::JobNames> names = job_names();
+  engine::Table* jobs = names != nullptr ? table(ListKind::kSteps) : nullptr;
+  if (jobs == nullptr) return 0;
+  Act act(*this);
+  set_modified();
+  long deleted = 0;
+  for (long entry : entries) {
+    if (!names->listed(entry) || !delete_job(*jobs, std::string(names->name(entry))) ||
+        !journal_.unlist_name(*names, entry)) {
+      break;
+    }
     ++deleted;
   }
   return deleted;

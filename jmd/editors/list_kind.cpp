@@ -76,11 +76,9 @@ void format_line(ListKind kind, std::span<const char> record, std::string& line)
   char buffer[256];
   int n = 0;
   switch (kind) {
-    case ListKind::kJobNames: {
-      std::string_view name = text("FormName");
-      n = std::snprintf(buffer, sizeof buffer, "%-51.*s", cut(name, 51), name.data());
-      break;
-    }
+    case ListKind::kJobNames:
+      format_job_name(text("FormName"), line);
+      return;
     case ListKind::kTasks: {
       std::string_view id = text("TaskId"), program = text("TaskName");
       n = std::snprintf(buffer, sizeof buffer, "%-9.*s %-40.*s", cut(id, 9), id.data(),
@@ -109,6 +107,12 @@ void format_line(ListKind kind, std::span<const char> record, std::string& line)
       break;
     }
   }
+  line.assign(buffer, static_cast<size_t>(std::clamp(n, 0, static_cast<int>(sizeof buffer) - 1)));
+}
+
+void format_job_name(std::string_view name, std::string& line) {
+  char buffer[64];
+  int n = std::snprintf(buffer, sizeof buffer, "%-51.*s", cut(name, 51), name.data());
   line.assign(buffer, static_cast<size_t>(std::clamp(n, 0, static_cast<int>(sizeof buffer) - 1)));
 }
 

@@ -17,6 +17,7 @@
 
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace px::editors {
@@ -45,6 +46,9 @@ std::string message_label(int n, const std::vector<std::string>& args = {});
 std::string format_line(ListKind kind, std::span<const char> record);
 // The same into line, reusing its storage.
 void format_line(ListKind kind, std::span<const char> record, std::string& line);
+
+// The line of a job name on the job-names list.
+void format_job_name(std::string_view name, std::string& line);
 
 // The key column of kinds 0 to 3 (FormName, TaskId, PrinterName, PrinterId);
 // the job name FormName for kSteps.

@@ -20,6 +20,8 @@ constexpr int kAboveControl = 4;
 constexpr int kLineHeight = 20;
 // After the line of a step that names a printer or task that is not there.
 constexpr const char* kMissingMark = " !";
+// Milliseconds from showing a page to marking it.
+constexpr int kMarkDelay = 1;
 
 // 12345 as "12,345".
 std::string grouped(long number) {
@@ -48,11 +50,13 @@ bool ListWindow::create() {
 engine::Table* ListWindow::table() { return owner_.editor().table(kind()); }
 
 void ListWindow::refill() {
-  // A JMD that cannot be had was reported by the service; the list stays
-  // empty.
-  engine::Table* rows = table();
-  if (rows != nullptr && !list_.reload(*rows)) {
-    owner_.editor().op().show(msg::kInternalError, {"'pxcjmd', line " + std::to_string(__LINE__)});
+  // A JMD or job-names list that cannot be had was reported by the service;
+  // the list stays empty.
+  JmdEditor& editor = owner_.editor();
+  bool available = kind() == ListKind::kJobNames ? editor.job_names() != nullptr
+                                                 : table() != nullptr;
+  if (available && !editor.reload(list_)) {
+    editor.op().show(msg::kInternalError, {"'pxcjmd', line " + std::to_string(__LINE__)});
   }
   fill();
 }
@@ -62,23 +66,9 @@ void ListWindow::fill() {
   lines.suspend();
   lines.clear_rows();
   // Only a JMD that is open is read here: opening it is refill's business.
-  engine::Table* rows = owner_.editor().service().is_open() ? table() : nullptr;
-  if (rows != nullptr) {
-    std::vector<std::string> page = list_.page_lines(*rows);
-    Record step = blank_record(jmd::kJobTable);
-    for (size_t i = 0; i < page.size(); ++i) {
-      // A step naming a printer or task that is not there is marked, and so
-      // is a job with such a step.
-      bool marked = false;
-      if (kind() == ListKind::kSteps || kind() == ListKind::kJobNames) {
-        marked = read_row(*rows, list_.page()[i], step) &&
-                 (kind() == ListKind::kSteps
-                      ? names_missing_row(owner_.editor(), step)
-                      : job_names_missing(owner_.editor(),
-                                          get_text(jmd::kJobTable, step, "FormName")));
-      }
-      lines.add(marked ? page[i] + kMissingMark : page[i]);
-    }
+  if (owner_.editor().service().is_open()) {
+    for (std::string& line : owner_.editor().page_lines(list_)) lines.add(line);
+    mark_later();
   }
   if (list_.trailing_empty_row()) lines.add("");
   lines.resume();
@@ -93,6 +83,26 @@ void ListWindow::fill() {
     window_.control(tk::kJobStepDown).set_enabled(list_.total() >= 2);
   }
   update_controls();
+}
+
+void ListWindow::mark_later() {
+  if (kind() != ListKind::kJobNames && kind() != ListKind::kSteps) return;
+  if (marks_timer_ != 0) window_.stop_timer(marks_timer_);
+  marks_timer_ = window_.start_timer(kMarkDelay);
+  // Without a timer the marks are made at once.
+  if (marks_timer_ == 0) mark_page();
+}
+
+void ListWindow::mark_page() {
+  if (marks_timer_ != 0) window_.stop_timer(marks_timer_);
+  marks_timer_ = 0;
+  if (!owner_.editor().service().is_open()) return;
+  tk::Control lines = window_.control(tk::kJmdList);
+  std::vector<bool> marks = page_marks(owner_.editor(), list_);
+  for (size_t i = 0; i < marks.size(); ++i) {
+    int line = static_cast<int>(i);
+    if (marks[i] && line < lines.count()) lines.set_row(line, lines.row(line) + kMissingMark);
+  }
 }
 
 std::vector<int> ListWindow::selected_lines() const {
@@ -158,11 +168,8 @@ void ListWindow::edit_selected() {
   long row = list_.page()[static_cast<size_t>(lines.front())];
   JmdEditor& editor = owner_.editor();
   if (kind() == ListKind::kJobNames) {
-    engine::Table* names = table();
-    Record record = blank_record(jmd::kJobTable);
-    if (names != nullptr && read_row(*names, row, record)) {
-      owner_.open_job(get_text(jmd::kJobTable, record, "FormName"), false);
-    }
+    std::string name = editor.job_name(row);
+    if (!name.empty()) owner_.open_job(name, false);
     return;
   }
   std::optional<RowForm> form = editor.edit_form(kind(), row);
@@ -326,10 +333,15 @@ void ListWindow::handle(const tk::Event& e) {
     case tk::EventType::kPaint:
       paint();
       break;
+    case tk::EventType::kTimer:
+      if (e.timer == marks_timer_) mark_page();
+      break;
     case tk::EventType::kClose:
       e.window.destroy();
       break;
     case tk::EventType::kDestroy:
+      if (marks_timer_ != 0) window_.stop_timer(marks_timer_);
+      marks_timer_ = 0;
       if (kind() == ListKind::kSteps) {
         tk::Window names = owner_.window(ListKind::kJobNames);
         names.set_enabled(true);

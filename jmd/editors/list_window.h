@@ -34,6 +34,12 @@ class ListWindow {
  private:
   void handle(const tk::Event& e);
   void fill();
+  // The marks of the rows that name a missing printer or task are added to
+  // the page a moment after it is shown, so that the page shows at once:
+  // finding them reads the page's steps, and the first read after a load
+  // maps the job table's file.
+  void mark_later();
+  void mark_page();
   void paint();
   void update_controls();
   // The selected lines of the page (never the trailing empty row), as
@@ -56,6 +62,7 @@ class ListWindow {
   RowList list_;
   bool new_job_;
   tk::Window window_;
+  long marks_timer_ = 0;
 };
 
 }  // namespace px::editors

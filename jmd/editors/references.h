@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "jmd/editors/jmd_editor.h"
+#include "jmd/editors/row_list.h"
 
 namespace px::editors {
 
@@ -26,5 +27,14 @@ bool names_missing_row(JmdEditor& editor, const Record& step);
 
 // Whether any step of job names a printer or task that is not there.
 bool job_names_missing(JmdEditor& editor, const std::string& job);
+
+// The marks of the rows on the page of a list: for a step (kind 4) whether
+// it names a printer or task that is not there, for a job name (kind 0)
+// whether any step of the job does; all false for the other kinds. The
+// steps of the job names are found from the rows the job-names list was
+// made from while the job table is unchanged since, so that marking the
+// first page of a large list reads only its jobs' steps and needs no index
+// over the job table.
+std::vector<bool> page_marks(JmdEditor& editor, const RowList& list);
 
 }  // namespace px::editors

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 
 #include "jmd/editors/editor_test_support.h"
@@ -94,35 +95,68 @@ TEST(Filter, MatchesJobNamesAsTheyAreNow) {
     text += std::string("!f ") + job + " P f.mdf * 1 T X N N C *\n";
   }
   EditorFixture jmd(text);
-  engine::Table& names = *jmd.editor().table(ListKind::kJobNames);
+  std::shared_ptr<jmd::JobNames> shared = jmd.editor().job_names();
+  jmd::JobNames& names = *shared;
   RowList list(ListKind::kJobNames);
   list.set_filter("invoice");
-  ASSERT_TRUE(list.reload(names));
+  ASSERT_TRUE(list.reload(shared));
   std::vector<std::string> lines = list.page_lines(names);
   ASSERT_EQ(lines.size(), 2u);
   EXPECT_EQ(lines[0], "A_VERY_LONG_JOB_NAME_OF_MONTHLY_INVOICES" + std::string(11, ' '));
   EXPECT_EQ(lines[1].substr(0, 8), "Invoice ");
 
-  long stock = 0;
-  std::vector<long> all;
-  ASSERT_TRUE(list_rows(names, ListKind::kJobNames, {}, all));
-  Record record = blank_record(names);
-  for (long row : all) {
-    ASSERT_TRUE(read_row(names, row, record));
-    if (get_text(0, record, "FormName") == "stock") stock = row;
-  }
-  ASSERT_GT(stock, 0);
-  ASSERT_TRUE(read_row(names, stock, record));
-  set_text(0, record, "FormName", "INVOICE_STOCK");
-  ASSERT_TRUE(update_record(names, stock, record));
-  ASSERT_TRUE(list.reload(names));
+  // stock goes, INVOICE_STOCK comes.
+  ASSERT_TRUE(names.unlist(names.find("STOCK")));
+  names.add("INVOICE_STOCK");
+  ASSERT_TRUE(list.reload(shared));
   EXPECT_EQ(list.total(), 3);
   list.set_filter("x_st");
-  ASSERT_TRUE(list.reload(names));
+  ASSERT_TRUE(list.reload(shared));
   EXPECT_EQ(list.total(), 0);
   list.set_filter("e_st");
-  ASSERT_TRUE(list.reload(names));
+  ASSERT_TRUE(list.reload(shared));
   EXPECT_EQ(list.total(), 1);
+}
+
+// Job names in no order, more than a filter puts in order by itself: the
+// pages of the filtered list, and of the list without the filter, are those
+// of the whole sorted list.
+TEST(Filter, ManyJobNamesKeptComeInListOrder) {
+  std::string text = kJmdHeader;
+  char line[64];
+  std::vector<std::string> kept;
+  for (int i = 0; i < 12000; ++i) {
+    int n = (i * 7919) % 12000;
+    std::snprintf(line, sizeof line, "%s%05d", n % 2 ? "job" : "JOB", n);
+    text += std::string("!f ") + line + " P f.mdf * 1 T X N N C *\n";
+    kept.push_back(std::string(line) + std::string(43, ' '));
+    if (i % 20 == 0) text += "!f ZZ" + std::to_string(i) + " P f.mdf * 1 T X N N C *\n";
+  }
+  std::sort(kept.begin(), kept.end(), [](const std::string& a, const std::string& b) {
+    return jmd::JobNames::compare(a, b) < 0;
+  });
+  EditorFixture jmd(text);
+  RowList list(ListKind::kJobNames);
+  ASSERT_TRUE(jmd.editor().reload(list));
+  list.show_page_of(5500);
+  EXPECT_EQ(jmd.editor().page_lines(list).at(500).substr(0, 8), "JOB05500");
+  list.set_filter("o");  // every JOB and job, no ZZ
+  ASSERT_TRUE(jmd.editor().reload(list));
+  ASSERT_EQ(list.total(), 12000);
+  std::vector<std::string> all;
+  for (list.show_from(0);; list.next_page()) {
+    for (std::string& one : jmd.editor().page_lines(list)) all.push_back(one);
+    if (!list.has_next()) break;
+  }
+  EXPECT_EQ(all, kept);
+
+  // The JMD closed under the list: its pages are empty from then on.
+  list.set_filter("");
+  ASSERT_TRUE(jmd.editor().reload(list));
+  jmd.editor().service().close();
+  list.next_page();
+  EXPECT_EQ(list.shown(), 0);
+  EXPECT_TRUE(list.page().empty());
 }
 
 }  // namespace

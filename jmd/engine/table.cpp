@@ -227,6 +227,11 @@ bool Table::dirty() const {
   return t && t->dirty;
 }
 
+uint64_t Table::change_count() const {
+  const TableState* t = table_at(slot_, serial_);
+  return t ? t->changes : 0;
+}
+
 bool Table::has_index(int column) const {
   const TableState* t = table_at(slot_, serial_);
   return t && t->valid_index_column(column) && t->indexes[column] != nullptr;

@@ -218,6 +218,10 @@ class Table {
   int record_size() const;
   int column_count() const;
   bool dirty() const;
+  // How many rows were added or rewritten and index entries inserted or
+  // deleted since the table opened: what was read from it still holds while
+  // the count is the same.
+  uint64_t change_count() const;
   bool has_index(int column) const;
   const std::string& name() const;  // with the engine's directory prefixed
   // Index file of a column.

@@ -155,6 +155,7 @@ struct TableState {
   std::vector<std::byte> work_a;
   std::vector<std::byte> work_b;
   bool dirty = false;
+  uint64_t changes = 0;  // rows added or rewritten, index entries changed
   int mode = 0;
 
   int column_count() const { return static_cast<int>(columns.size()); }

@@ -230,6 +230,7 @@ long Table::add_row(std::span<const std::byte> record, int mode) {
     TraceSuspension quiet;
     row = append_row(*t, record, mode);
   }
+  if (row != 0) ++t->changes;
   if (tracing()) {
     trace_printf("RowAdd %s %d %ld\n", t->name.c_str(), mode, row);
     if (record.size() >= static_cast<size_t>(t->record_size)) trace_columns(*t, record.data());
@@ -294,6 +295,7 @@ bool Table::update_row(long row, std::span<const std::byte> record) {
   TableState* t = table_at(slot_, serial_);
   if (t == nullptr) return false;
   bool ok = replace_row(*t, row, record);
+  ++t->changes;  // a refused update may have touched the record too
   if (tracing()) {
     trace_printf("RowUpdate %s %ld %d\n", t->name.c_str(), row, ok ? 1 : 0);
     if (record.size() >= static_cast<size_t>(t->record_size)) trace_columns(*t, record.data());
@@ -362,6 +364,7 @@ bool Table::insert_index_row(long row, int column) {
   TableState* t = table_at(slot_, serial_);
   if (t == nullptr) return false;
   bool ok = change_row_entry(*t, row, column, true);
+  if (ok) ++t->changes;
   trace_printf("IndexRowInsert %s %ld %s %d\n", t->name.c_str(), row, t->column(column).name,
                ok ? 1 : 0);
   trace_flush();
@@ -372,6 +375,7 @@ bool Table::delete_index_row(long row, int column) {
   TableState* t = table_at(slot_, serial_);
   if (t == nullptr) return false;
   bool ok = change_row_entry(*t, row, column, false);
+  if (ok) ++t->changes;
   trace_printf("IndexRowDelete %s %ld %s %d\n", t->name.c_str(), row, t->column(column).name,
                ok ? 1 : 0);
   trace_flush();

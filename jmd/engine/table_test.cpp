@@ -170,6 +170,27 @@ TEST_F(TableTest, DeletingFromColumnOneHidesTheRowFromThatIndexOnly) {
   EXPECT_FALSE(t.insert_index_row(9, 1));
 }
 
+TEST_F(TableTest, TheChangeCountMovesWithEveryChangeAndNothingElse) {
+  Table t = open_printers();
+  ASSERT_EQ(t.add_row(record_bytes(printer("A", "X", 1))), 1);
+  uint64_t after_add = t.change_count();
+  EXPECT_GT(after_add, 0u);
+  // Reads, queries and index builds change no row.
+  Printer read{};
+  ASSERT_TRUE(t.get_row(1, record_bytes(read)));
+  ASSERT_TRUE(t.add_index(2));
+  EXPECT_TRUE(Query::start(t, 1, std::nullopt, false));
+  EXPECT_EQ(t.change_count(), after_add);
+  ASSERT_TRUE(t.update_row(1, record_bytes(printer("A", "Y", 1))));
+  uint64_t after_update = t.change_count();
+  EXPECT_GT(after_update, after_add);
+  ASSERT_TRUE(t.delete_index_row(1, 1));
+  EXPECT_GT(t.change_count(), after_update);
+  uint64_t after_delete = t.change_count();
+  EXPECT_FALSE(t.delete_index_row(1, 1));  // refused: nothing changed
+  EXPECT_EQ(t.change_count(), after_delete);
+}
+
 TEST_F(TableTest, IndexAddAcceptsTheColumnCountAndIndexFilesComeAndGo) {
   Table t = open_printers();
   const int count = t.column_count();
