@@ -2,8 +2,8 @@
 // row dialog and its mode, the rest is typed into its fields (one line per
 // field, each key a change), then OK validates and stores. A second part is
 // taken as a raw record and formatted as every list kind's line. Typed
-// fields never pass their longest length, and every line has its exact
-// width.
+// fields never pass their longest length, a stored row is found and undo
+// takes it back, and every line has its exact width.
 #include <unistd.h>
 
 #include <algorithm>
@@ -74,11 +74,23 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (form.text(rule.control).size() > rule.longest) std::abort();
     start = end + 1;
   }
-  if (mode == FormMode::kNew) {
-    if (kind == ListKind::kSteps) {
-      editor.ok_step(form, 0, editor.job_steps("FUZZ"), std::nullopt);
-    } else {
-      editor.ok(form);
+  // A row stored is taken back by undo, so every input meets the same JMD
+  // (and the heap does not grow from input to input).
+  if (mode == FormMode::kNew && kind == ListKind::kSteps) {
+    // The step's job is the one typed into its first field.
+    px::editors::OkResult stored = editor.ok_step(form, 0, editor.job_steps("FUZZ"), std::nullopt);
+    if (stored.accepted()) {
+      size_t steps = editor.job_steps(stored.key).size();
+      if (steps == 0 || !editor.undo()) std::abort();
+      if (editor.job_steps(stored.key).size() != steps - 1) std::abort();
+    }
+  } else if (mode == FormMode::kNew) {
+    // Managed-memory rows have no key to find them by.
+    bool keyed = kind != ListKind::kMemory;
+    px::editors::OkResult stored = editor.ok(form);
+    if (stored.accepted()) {
+      if ((keyed && editor.find_row(kind, stored.key) == 0) || !editor.undo()) std::abort();
+      if (keyed && editor.find_row(kind, stored.key) != 0) std::abort();
     }
   }
   for (int k = 0; k < px::editors::kListKindCount; ++k) {

@@ -5,13 +5,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "common/job_file.h"
+#include "fuzz/fuzz_file.h"
 
 namespace {
 
@@ -20,47 +20,16 @@ struct Closer {
 };
 using FilePtr = std::unique_ptr<std::FILE, Closer>;
 
-// The input file, in a private directory made once per run and removed at
-// exit.
-class InputFile {
- public:
-  InputFile() {
-    std::string dir = (std::filesystem::temp_directory_path() / "jobfuzz.XXXXXX").string();
-    if (mkdtemp(dir.data()) == nullptr) abort();
-    dir_ = dir;
-    path_ = dir + "/input.job";
-  }
-  ~InputFile() {
-    std::error_code ignored;
-    std::filesystem::remove_all(dir_, ignored);
-  }
-  const std::string& path() const { return path_; }
-
- private:
-  std::string dir_;
-  std::string path_;
-};
-
-const std::string& input_path() {
-  static const InputFile input;
-  return input.path();
-}
-
-void write_input(const uint8_t* data, size_t size) {
-  FilePtr file(std::fopen(input_path().c_str(), "wb"));
-  if (!file) abort();
-  if (size > 0 && std::fwrite(data, 1, size, file.get()) != size) abort();
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   // Includes of devices and FIFOs ("^file /dev/zero") are refused by the
   // reader like any file it cannot open; /proc and /sys files are read.
-  write_input(data, size);
+  static const px::fuzz::ScratchFile input("input.job");
+  const std::string& input_path = input.write(data, size);
 
   px::JobFile job("unused-default.job");
-  job.open(input_path());
+  job.open(input_path);
   job.job_name();
   job.form_name();
   job.field_value("status");
@@ -85,7 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (job.last_error() == 0 && value != first->value) abort();
   }
 
-  FilePtr file(std::fopen(input_path().c_str(), "rb"));
+  FilePtr file(std::fopen(input_path.c_str(), "rb"));
   if (file) px::is_xml(file.get());
   return 0;
 }
