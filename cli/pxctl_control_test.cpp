@@ -38,7 +38,7 @@ class Listener {
     for (int c; (c = ::accept(fd_, nullptr, nullptr)) >= 0; ::close(c)) {
       std::string text;
       char chunk[256];
-      for (ssize_t n; (n = ::read(c, chunk, sizeof chunk)) > 0;) text.append(chunk, n);
+      for (ssize_t n; (n = ::read(c, chunk, sizeof chunk)) > 0;) text.append(chunk, static_cast<size_t>(n));
       texts.push_back(text);
     }
     return texts;

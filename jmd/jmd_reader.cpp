@@ -18,7 +18,7 @@ constexpr size_t kLineKeyLimit = 127;    // characters kept of a line's first to
 // tokenizer asks for every character of the file.
 constexpr std::array<bool, 256> kBlanks = [] {
   std::array<bool, 256> blanks{};
-  for (unsigned char c : {' ', '\t', '\n', '\v', '\f', '\r'}) blanks[c] = true;
+  for (char c : {' ', '\t', '\n', '\v', '\f', '\r'}) blanks[static_cast<unsigned char>(c)] = true;
   return blanks;
 }();
 

@@ -40,7 +40,7 @@ bool LineReader::next(std::string& line) {
       pos_ = end_;
       continue;
     }
-    size_t length = static_cast<const char*>(found) - start;
+    size_t length = static_cast<size_t>(static_cast<const char*>(found) - start);
     line.append(start, length);
     pos_ += length + 1;
     if (line.ends_with('\r')) line.pop_back();
@@ -59,7 +59,7 @@ bool LineReader::skip(int64_t n) {
       pos_ = end_;
       continue;
     }
-    pos_ += static_cast<const char*>(found) - start + 1;
+    pos_ += static_cast<size_t>(static_cast<const char*>(found) - start) + 1;
     --n;
   }
   return true;

@@ -26,7 +26,10 @@ constexpr int kMarkDelay = 1;
 // 12345 as "12,345".
 std::string grouped(long number) {
   std::string digits = std::to_string(number);
-  for (int at = static_cast<int>(digits.size()) - 3; at > 0; at -= 3) digits.insert(at, ",");
+  for (size_t at = digits.size(); at > 3;) {
+    at -= 3;
+    digits.insert(at, ",");
+  }
   return digits;
 }
 

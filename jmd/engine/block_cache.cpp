@@ -40,6 +40,11 @@ struct CacheState {
   std::array<iovec, kMaxRun> iov{};
 
   constexpr CacheState() { buckets.fill(-1); }
+
+  // Entry i and the first entry of a bucket: indexes are ints, so that -1
+  // can end a list.
+  CacheEntry& at(int i) { return entries[static_cast<size_t>(i)]; }
+  int& bucket_head(int bucket) { return buckets[static_cast<size_t>(bucket)]; }
 };
 
 // The one cache of the process. Initialised before any code runs, so it is
@@ -64,45 +69,45 @@ int bucket_in(const VList& list, long block) {
 
 int find(const VList& list, long block, int bucket) {
   CacheState& c = cache();
-  for (int i = c.buckets[bucket]; i >= 0; i = c.entries[i].bucket_next) {
-    if (c.entries[i].owner == &list && c.entries[i].block == block) return i;
+  for (int i = c.bucket_head(bucket); i >= 0; i = c.at(i).bucket_next) {
+    if (c.at(i).owner == &list && c.at(i).block == block) return i;
   }
   return -1;
 }
 
 void lru_unlink(int i) {
   CacheState& c = cache();
-  CacheEntry& e = c.entries[i];
-  if (e.lru_prev >= 0) c.entries[e.lru_prev].lru_next = e.lru_next; else c.lru_head = e.lru_next;
-  if (e.lru_next >= 0) c.entries[e.lru_next].lru_prev = e.lru_prev; else c.lru_tail = e.lru_prev;
+  CacheEntry& e = c.at(i);
+  if (e.lru_prev >= 0) c.at(e.lru_prev).lru_next = e.lru_next; else c.lru_head = e.lru_next;
+  if (e.lru_next >= 0) c.at(e.lru_next).lru_prev = e.lru_prev; else c.lru_tail = e.lru_prev;
   e.lru_prev = e.lru_next = -1;
 }
 
 void lru_push_front(int i) {
   CacheState& c = cache();
-  CacheEntry& e = c.entries[i];
+  CacheEntry& e = c.at(i);
   e.lru_prev = -1;
   e.lru_next = c.lru_head;
-  if (c.lru_head >= 0) c.entries[c.lru_head].lru_prev = i;
+  if (c.lru_head >= 0) c.at(c.lru_head).lru_prev = i;
   c.lru_head = i;
   if (c.lru_tail < 0) c.lru_tail = i;
 }
 
 void bucket_push(int i, int bucket) {
   CacheState& c = cache();
-  CacheEntry& e = c.entries[i];
+  CacheEntry& e = c.at(i);
   e.bucket_prev = -1;
-  e.bucket_next = c.buckets[bucket];
-  if (e.bucket_next >= 0) c.entries[e.bucket_next].bucket_prev = i;
-  c.buckets[bucket] = i;
+  e.bucket_next = c.bucket_head(bucket);
+  if (e.bucket_next >= 0) c.at(e.bucket_next).bucket_prev = i;
+  c.bucket_head(bucket) = i;
 }
 
 void bucket_unlink(int i, int bucket) {
   CacheState& c = cache();
-  CacheEntry& e = c.entries[i];
-  if (e.bucket_prev >= 0) c.entries[e.bucket_prev].bucket_next = e.bucket_next;
-  else c.buckets[bucket] = e.bucket_next;
-  if (e.bucket_next >= 0) c.entries[e.bucket_next].bucket_prev = e.bucket_prev;
+  CacheEntry& e = c.at(i);
+  if (e.bucket_prev >= 0) c.at(e.bucket_prev).bucket_next = e.bucket_next;
+  else c.bucket_head(bucket) = e.bucket_next;
+  if (e.bucket_next >= 0) c.at(e.bucket_next).bucket_prev = e.bucket_prev;
   e.bucket_next = e.bucket_prev = -1;
 }
 
@@ -111,7 +116,7 @@ bool free_list_sound() {
   CacheState& c = cache();
   if (c.free_head < 0) return true;
   if (c.free_head >= static_cast<int>(c.entries.size())) return false;
-  return c.entries[c.free_head].state == CacheEntry::kFree;
+  return c.at(c.free_head).state == CacheEntry::kFree;
 }
 
 // Takes an entry off the free list; -1 when it is empty, -2 when corrupted.
@@ -123,8 +128,8 @@ int take_free() {
   }
   int i = c.free_head;
   if (i >= 0) {
-    c.free_head = c.entries[i].bucket_next;
-    c.entries[i].bucket_next = -1;
+    c.free_head = c.at(i).bucket_next;
+    c.at(i).bucket_next = -1;
   }
   return i;
 }
@@ -135,7 +140,7 @@ bool give_back(int i) {
     report_text("Vlist.c: CacheFree: free list corrupted!");
     return false;
   }
-  CacheEntry& e = c.entries[i];
+  CacheEntry& e = c.at(i);
   e.owner = nullptr;
   e.block = -1;
   e.dirty = false;
@@ -190,9 +195,9 @@ void BlockCache::reserve_ahead(VList& list, int64_t end) {
 // in one call.
 bool BlockCache::write_run(VList& list, const int* indexes, int count) {
   CacheState& c = cache();
-  long first_block = c.entries[indexes[0]].block;
-  for (int k = 0; k < count; ++k) {
-    c.iov[k].iov_base = c.entries[indexes[k]].data.data();
+  long first_block = c.at(indexes[0]).block;
+  for (size_t k = 0; k < static_cast<size_t>(count); ++k) {
+    c.iov[k].iov_base = c.at(indexes[k]).data.data();
     c.iov[k].iov_len = kBlockSize;
   }
   int64_t offset = (static_cast<int64_t>(first_block) + 1) * kBlockSize;
@@ -217,7 +222,7 @@ bool BlockCache::write_run(VList& list, const int* indexes, int count) {
       iov->iov_len -= static_cast<size_t>(n);
     }
   }
-  for (int k = 0; k < count; ++k) c.entries[indexes[k]].dirty = false;
+  for (int k = 0; k < count; ++k) c.at(indexes[k]).dirty = false;
   c.counters.blocks_written += count;
   list.file_size_ = std::max(list.file_size_, offset + total);
   return true;
@@ -243,20 +248,20 @@ namespace {
 // same file that touch it on either side.
 bool write_back(int i) {
   CacheState& c = cache();
-  VList& list = *c.entries[i].owner;
-  long block = c.entries[i].block;
+  VList& list = *c.at(i).owner;
+  long block = c.at(i).block;
   std::array<int, kMaxRun> run;
   long low = block;
   while (block - low < kMaxRun / 2 && low > 0) {
     int j = find(list, low - 1, bucket_in(list, low - 1));
-    if (j < 0 || !c.entries[j].dirty) break;
+    if (j < 0 || !c.at(j).dirty) break;
     --low;
   }
   int count = 0;
   for (long b = low; count < kMaxRun; ++b) {
     int j = b == block ? i : find(list, b, bucket_in(list, b));
-    if (j < 0 || !c.entries[j].dirty) break;
-    run[count++] = j;
+    if (j < 0 || !c.at(j).dirty) break;
+    run[static_cast<size_t>(count++)] = j;
   }
   return BlockCache::write_run(list, run.data(), count);
 }
@@ -264,7 +269,7 @@ bool write_back(int i) {
 // Unlinks entry i from its bucket, its VList and the LRU list.
 void detach(int i) {
   CacheState& c = cache();
-  bucket_unlink(i, bucket_in(*c.entries[i].owner, c.entries[i].block));
+  bucket_unlink(i, bucket_in(*c.at(i).owner, c.at(i).block));
   lru_unlink(i);
 }
 
@@ -281,16 +286,16 @@ int BlockCache::claim(VList& list, long block) {
   if (i < 0) {
     i = c.lru_tail;
     if (i < 0) return -1;
-    CacheEntry& victim = c.entries[i];
+    CacheEntry& victim = c.at(i);
     if (victim.dirty && !write_back(i)) return -1;
     VList* owner = victim.owner;
     detach(i);
-    if (victim.owner_prev >= 0) c.entries[victim.owner_prev].owner_next = victim.owner_next;
+    if (victim.owner_prev >= 0) c.at(victim.owner_prev).owner_next = victim.owner_next;
     else owner->cache_head_ = victim.owner_next;
-    if (victim.owner_next >= 0) c.entries[victim.owner_next].owner_prev = victim.owner_prev;
+    if (victim.owner_next >= 0) c.at(victim.owner_next).owner_prev = victim.owner_prev;
     --c.in_use;
   }
-  CacheEntry& e = c.entries[i];
+  CacheEntry& e = c.at(i);
   e.owner = &list;
   e.block = block;
   e.state = CacheEntry::kInUse;
@@ -298,7 +303,7 @@ int BlockCache::claim(VList& list, long block) {
   bucket_push(i, bucket_in(list, block));
   e.owner_prev = -1;
   e.owner_next = list.cache_head_;
-  if (list.cache_head_ >= 0) c.entries[list.cache_head_].owner_prev = i;
+  if (list.cache_head_ >= 0) c.at(list.cache_head_).owner_prev = i;
   list.cache_head_ = i;
   lru_push_front(i);
   ++c.in_use;
@@ -345,11 +350,11 @@ CacheEntry* BlockCache::fetch(VList& list, long block, bool whole) {
       lru_unlink(i);
       lru_push_front(i);
     }
-    return &c.entries[i];
+    return &c.at(i);
   }
   i = claim(list, block);
   if (i < 0) return nullptr;
-  CacheEntry& e = c.entries[i];
+  CacheEntry& e = c.at(i);
   if (!whole) load(list, e);
   return &e;
 }
@@ -358,8 +363,8 @@ bool BlockCache::flush(VList& list) {
   CacheState& c = cache();
   auto& order = c.flush_order;
   order.clear();
-  for (int i = list.cache_head_; i >= 0; i = c.entries[i].owner_next) {
-    if (c.entries[i].dirty) order.emplace_back(c.entries[i].block, i);
+  for (int i = list.cache_head_; i >= 0; i = c.at(i).owner_next) {
+    if (c.at(i).dirty) order.emplace_back(c.at(i).block, i);
   }
   std::sort(order.begin(), order.end());
   std::array<int, kMaxRun> run;
@@ -369,7 +374,7 @@ bool BlockCache::flush(VList& list) {
     int count = 0;
     long first = order[k].first;
     while (k < order.size() && count < kMaxRun && order[k].first == first + count) {
-      run[count++] = order[k++].second;
+      run[static_cast<size_t>(count++)] = order[k++].second;
     }
     if (!write_run(list, run.data(), count)) ok = false;
   }
@@ -381,9 +386,9 @@ bool BlockCache::drop(VList& list, bool write_back_dirty) {
   CacheState& c = cache();
   int i = list.cache_head_;
   while (i >= 0) {
-    int next = c.entries[i].owner_next;
+    int next = c.at(i).owner_next;
     detach(i);
-    c.entries[i].owner_prev = c.entries[i].owner_next = -1;
+    c.at(i).owner_prev = c.at(i).owner_next = -1;
     if (!give_back(i)) ok = false;
     i = next;
   }

@@ -109,7 +109,7 @@ bool BTree::sound(long n, const BTreeNode& node) const {
             (node.kind == kNodeLeaf || node.kind == kNodeInner) &&
             (node.next == 0 || valid_node(node.next)) && (node.prev == 0 || valid_node(node.prev));
   for (int i = 0; ok && node.kind == kNodeInner && i < node.count; ++i) {
-    int32_t child = node.entries[i].child;
+    int32_t child = node.entry(i).child;
     ok = valid_node(child) && child != kRootNode && child != n;
   }
   return ok;
@@ -244,7 +244,7 @@ BTree::Probe BTree::probe(const BTreeNode& node, const BTreeEntry& key) {
     if (p.index >= node.count) {
       p.result = 1;
     } else {
-      int r = compare_->compare(key, node.entries[p.index]);
+      int r = compare_->compare(key, node.entry(p.index));
       if (r == kCompareError) {
         p.result = kCompareError;
         return p;
@@ -287,7 +287,7 @@ BTreeCursor BTree::search(int32_t key, int32_t row, bool& found) {
     bool failed = false, below_first = false;
     int i = child_index(*node, wanted, failed, below_first);
     if (failed) return {};
-    n = node->entries[i].child;
+    n = node->entry(i).child;
   }
   int pos = leaf_position(*node, wanted, found);
   if (pos < 0) return {};
@@ -297,7 +297,7 @@ BTreeCursor BTree::search(int32_t key, int32_t row, bool& found) {
     if (!(node = view(n, __LINE__))) return {};
     pos = 0;
     if (node->count > 0) {
-      int r = compare_->compare(wanted, node->entries[0]);
+      int r = compare_->compare(wanted, node->entry(0));
       if (r == kCompareError) return {};
       found = r == 0;
     }
@@ -315,7 +315,7 @@ BTreeCursor BTree::first() {
       report(false, __LINE__, n);
       return {};
     }
-    n = node->entries[0].child;
+    n = node->entry(0).child;
   }
   return BTreeCursor(new_cursor(n, 0));
 }
@@ -396,7 +396,7 @@ bool BTreeCursor::next(BTreeEntry& out) {
   }
   state_->pos = pos;
   state_->on = true;
-  out = node->entries[pos];
+  out = node->entry(pos);
   return true;
 }
 
@@ -419,7 +419,7 @@ bool BTreeCursor::previous(BTreeEntry& out) {
   }
   state_->pos = pos;
   state_->on = true;
-  out = node->entries[pos];
+  out = node->entry(pos);
   return true;
 }
 
@@ -427,7 +427,7 @@ bool BTreeCursor::current(BTreeEntry& out) {
   if (!state_ || !state_->tree) return false;
   const BTreeNode* node = state_->tree->view(state_->node, __LINE__);
   if (node == nullptr || state_->pos < 0 || state_->pos >= node->count) return false;
-  out = node->entries[state_->pos];
+  out = node->entry(state_->pos);
   return true;
 }
 

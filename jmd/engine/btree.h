@@ -71,6 +71,10 @@ struct BTreeNode {
   int32_t next = 0;
   int32_t prev = 0;
   std::array<BTreeEntry, kNodeCapacity> entries{};
+
+  // Entry i (0 to kNodeCapacity - 1).
+  BTreeEntry& entry(int i) { return entries[static_cast<size_t>(i)]; }
+  const BTreeEntry& entry(int i) const { return entries[static_cast<size_t>(i)]; }
 };
 
 // Comparison results: negative, zero, positive, or kCompareError when a value

@@ -66,10 +66,10 @@ void check_structure(BTree& tree, int32_t n, const BTreeEntry* low, int depth, i
   }
   IntCompare cmp;
   for (int i = 1; i < node.count; ++i) {
-    ASSERT_LT(cmp.compare(node.entries[i - 1], node.entries[i]), 0) << "node " << n;
+    ASSERT_LT(cmp.compare(node.entry(i - 1), node.entry(i)), 0) << "node " << n;
   }
   if (low != nullptr && node.count > 0) {
-    ASSERT_LE(cmp.compare(*low, node.entries[0]), 0) << "separator above node " << n;
+    ASSERT_LE(cmp.compare(*low, node.entry(0)), 0) << "separator above node " << n;
   }
   if (node.kind == kNodeLeaf) {
     if (leaf_depth < 0) leaf_depth = depth;
@@ -77,7 +77,7 @@ void check_structure(BTree& tree, int32_t n, const BTreeEntry* low, int depth, i
     return;
   }
   for (int i = 0; i < node.count; ++i) {
-    check_structure(tree, node.entries[i].child, &node.entries[i], depth + 1, leaf_depth);
+    check_structure(tree, node.entry(i).child, &node.entry(i), depth + 1, leaf_depth);
   }
 }
 
@@ -496,7 +496,7 @@ TEST_F(BTreeTest, NodeNumbersFarBeyondTheFileCostOnlyWhatIsUsed) {
   std::string file = dir_.read("sparse.i01");
   ASSERT_GE(file.size(), 104u);
   const uint32_t claimed = 40'000'000;  // nodes of 1024 bytes: 40 GB if kept flat
-  for (int i = 0; i < 4; ++i) file[48 + i] = static_cast<char>(claimed >> (8 * i));
+  for (int i = 0; i < 4; ++i) file[static_cast<size_t>(48 + i)] = static_cast<char>(claimed >> (8 * i));
   dir_.write("sparse.i01", file);
   auto tree = BTree::open(path, kVListCreateIfMissing, compare_);
   ASSERT_TRUE(tree);

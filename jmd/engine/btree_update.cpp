@@ -29,7 +29,7 @@ struct BTree::Removal {
 namespace {
 
 void clear_from(BTreeNode& node, int from) {
-  for (int i = from; i < kNodeCapacity; ++i) node.entries[i] = BTreeEntry{};
+  for (int i = from; i < kNodeCapacity; ++i) node.entry(i) = BTreeEntry{};
 }
 
 void take_key(BTreeEntry& to, const BTreeEntry& from) {
@@ -44,7 +44,7 @@ void take_key(BTreeEntry& to, const BTreeEntry& from) {
 void BTree::insert_entry(int32_t n, BTreeNode& node, int pos, const BTreeEntry& entry) {
   std::copy_backward(node.entries.begin() + pos, node.entries.begin() + node.count,
                      node.entries.begin() + node.count + 1);
-  node.entries[pos] = entry;
+  node.entry(pos) = entry;
   ++node.count;
   move_cursors(n, pos, INT_MAX, n, 1);
 }
@@ -65,10 +65,10 @@ BTree::Insert BTree::append(int32_t key, int32_t row, bool known_above) {
     if (depth > kMaxDepth || !(v = view(n, __LINE__))) return Insert::kFailed;
     if (v->kind == kNodeLeaf) break;
     if (v->count == 0) return insert(key, row);
-    n = v->entries[v->count - 1].child;
+    n = v->entry(v->count - 1).child;
   }
   if (v->count > 0 && !known_above) {
-    int r = compare_->compare(entry, v->entries[v->count - 1]);
+    int r = compare_->compare(entry, v->entry(v->count - 1));
     if (r == kCompareError) return Insert::kFailed;
     if (r <= 0) return insert(key, row);
   } else if (v->count == 0 && n != kRootNode) {
@@ -115,11 +115,11 @@ BTree::Insert BTree::insert_into(int32_t n, const BTreeEntry& entry, int depth, 
   int i = at_end ? v->count - 1 : child_index(*v, entry, failed, below_first);
   if (failed) return Insert::kFailed;
   Split child_split;
-  Insert result = insert_into(v->entries[i].child, entry, depth + 1, at_end, child_split);
+  Insert result = insert_into(v->entry(i).child, entry, depth + 1, at_end, child_split);
   if (result != Insert::kInserted || (!below_first && !child_split.happened)) return result;
   BTreeNode node;
   if (!read(n, node, __LINE__)) return Insert::kFailed;
-  if (below_first) take_key(node.entries[0], entry);
+  if (below_first) take_key(node.entry(0), entry);
   if (child_split.happened) {
     return place(n, node, i + 1, child_split.separator, split) ? result : Insert::kFailed;
   }
@@ -175,7 +175,7 @@ bool BTree::place(int32_t n, BTreeNode& node, int pos, const BTreeEntry& entry, 
   BTreeNode root;
   root.kind = kNodeInner;
   root.count = 2;
-  root.entries[0] = BTreeEntry{node.entries[0].key, node.entries[0].row, left};
+  root.entries[0] = BTreeEntry{node.entry(0).key, node.entry(0).row, left};
   root.entries[1] = separator;
   return write(kRootNode, root, __LINE__);
 }
@@ -195,7 +195,7 @@ bool BTree::remove_from(int32_t n, const BTreeEntry& entry, int depth, Removal& 
   if (v->kind == kNodeLeaf) {
     bool equal = false;
     int pos = leaf_position(*v, entry, equal);
-    if (pos < 0 || !equal || v->entries[pos].row != entry.row) return false;
+    if (pos < 0 || !equal || v->entry(pos).row != entry.row) return false;
     return read(n, node, __LINE__) && remove_at(n, node, pos, result);
   }
   if (v->count == 0) return false;
@@ -203,12 +203,12 @@ bool BTree::remove_from(int32_t n, const BTreeEntry& entry, int depth, Removal& 
   int i = child_index(*v, entry, failed, below_first);
   if (failed) return false;
   Removal child;
-  if (!remove_from(v->entries[i].child, entry, depth + 1, child)) return false;
+  if (!remove_from(v->entry(i).child, entry, depth + 1, child)) return false;
   if (!read(n, node, __LINE__)) return false;
   bool changed = false;
   if (child.next_changed) {
     if (i + 1 < node.count) {
-      take_key(node.entries[i + 1], child.next_first);
+      take_key(node.entry(i + 1), child.next_first);
       changed = true;
     } else if (node.next != 0) {
       BTreeNode after;
@@ -221,11 +221,11 @@ bool BTree::remove_from(int32_t n, const BTreeEntry& entry, int depth, Removal& 
   }
   if (child.freed) return remove_at(n, node, i, result);
   if (child.first_changed) {
-    take_key(node.entries[i], child.first);
+    take_key(node.entry(i), child.first);
     changed = true;
     if (i == 0) {
       result.first_changed = true;
-      result.first = node.entries[0];
+      result.first = node.entry(0);
     }
   }
   return !changed || write(n, node, __LINE__);
@@ -300,7 +300,7 @@ bool BTree::remove_at(int32_t n, BTreeNode& node, int pos, Removal& result) {
   } else {
     if (pos == 0) {
       result.first_changed = true;
-      result.first = node.entries[0];
+      result.first = node.entry(0);
     }
     if (!write(n, node, __LINE__)) return false;
   }

@@ -322,10 +322,10 @@ OrderedBuild add_index_in_key_order(TableState& t, int c) {
     return OrderedBuild::kNotTried;
   }
   EntryOrder entry_order(t, c);
-  ValueCache& values = t.values[c];
+  ValueCache& values = t.value_cache(c);
   // Values kept for every row already (and not given up) spare the pass
   // over the records.
-  bool from_kept_values = t.values_kept[c] && !values.failed();
+  bool from_kept_values = t.keeps_values(c) && !values.failed();
   std::vector<std::byte> record;
   std::vector<std::byte> head;
   bool hashed = column.type == kTypeString || column.type == kTypeStringNoCase;

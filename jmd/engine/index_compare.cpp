@@ -160,7 +160,7 @@ int compare_canonical(const ColumnDef& column, const std::byte* a, const std::by
 }
 
 IndexCompare::IndexCompare(TableState& table, int column)
-    : table_(table), column_def_(table.column(column)), values_(table.values[column]) {}
+    : table_(table), column_def_(table.column(column)), values_(table.value_cache(column)) {}
 
 void IndexCompare::set_bound(const std::byte* value) {
   const ColumnDef& column = column_def_;

@@ -31,13 +31,13 @@ class Fd {
 
 void write_pattern(int fd, int64_t offset, size_t n, char seed) {
   std::string bytes(n, '\0');
-  for (size_t i = 0; i < n; ++i) bytes[i] = static_cast<char>(seed + i % 251);
+  for (size_t i = 0; i < n; ++i) bytes[i] = static_cast<char>(static_cast<size_t>(seed) + i % 251);
   ASSERT_EQ(pwrite(fd, bytes.data(), n, offset), static_cast<ssize_t>(n));
 }
 
 bool has_pattern(const std::vector<std::byte>& out, char seed) {
   for (size_t i = 0; i < out.size(); ++i) {
-    if (out[i] != static_cast<std::byte>(static_cast<char>(seed + i % 251))) return false;
+    if (out[i] != static_cast<std::byte>(static_cast<char>(static_cast<size_t>(seed) + i % 251))) return false;
   }
   return true;
 }

@@ -36,6 +36,9 @@ struct CacheState {
   // of the moment) again and again. An entry is checked before it is used.
   std::array<int, 64> recent{};
   std::vector<std::pair<int32_t, int>> order;  // reused by write_back
+
+  // Slot i: indexes are ints, so that -1 can end a list.
+  Slot& slot(int i) { return slots[static_cast<size_t>(i)]; }
 };
 
 // The one node cache of the process, there before any code runs.
@@ -73,35 +76,35 @@ bool reserve() {
 int find_slot(const BTree* owner, int32_t n) {
   CacheState& c = g_cache;
   if (c.buckets.empty()) return -1;
-  for (int i = c.buckets[bucket_of(owner, n)]; i >= 0; i = c.slots[i].hash_next) {
-    if (c.slots[i].owner == owner && c.slots[i].node == n) return i;
+  for (int i = c.buckets[bucket_of(owner, n)]; i >= 0; i = c.slot(i).hash_next) {
+    if (c.slot(i).owner == owner && c.slot(i).node == n) return i;
   }
   return -1;
 }
 
 void lru_unlink(int i) {
   CacheState& c = g_cache;
-  Slot& s = c.slots[i];
-  if (s.lru_prev >= 0) c.slots[s.lru_prev].lru_next = s.lru_next; else c.lru_head = s.lru_next;
-  if (s.lru_next >= 0) c.slots[s.lru_next].lru_prev = s.lru_prev; else c.lru_tail = s.lru_prev;
+  Slot& s = c.slot(i);
+  if (s.lru_prev >= 0) c.slot(s.lru_prev).lru_next = s.lru_next; else c.lru_head = s.lru_next;
+  if (s.lru_next >= 0) c.slot(s.lru_next).lru_prev = s.lru_prev; else c.lru_tail = s.lru_prev;
   s.lru_prev = s.lru_next = -1;
 }
 
 void lru_push_front(int i) {
   CacheState& c = g_cache;
-  Slot& s = c.slots[i];
+  Slot& s = c.slot(i);
   s.lru_prev = -1;
   s.lru_next = c.lru_head;
-  if (c.lru_head >= 0) c.slots[c.lru_head].lru_prev = i;
+  if (c.lru_head >= 0) c.slot(c.lru_head).lru_prev = i;
   c.lru_head = i;
   if (c.lru_tail < 0) c.lru_tail = i;
 }
 
 void bucket_unlink(int i) {
   CacheState& c = g_cache;
-  Slot& s = c.slots[i];
+  Slot& s = c.slot(i);
   int* link = &c.buckets[bucket_of(s.owner, s.node)];
-  while (*link != i) link = &c.slots[*link].hash_next;
+  while (*link != i) link = &c.slot(*link).hash_next;
   *link = s.hash_next;
   s.hash_next = -1;
 }
@@ -111,7 +114,7 @@ void release(int i) {
   CacheState& c = g_cache;
   bucket_unlink(i);
   lru_unlink(i);
-  Slot& s = c.slots[i];
+  Slot& s = c.slot(i);
   s.owner = nullptr;
   s.dirty = false;
   s.hash_next = c.unused_head;
@@ -125,7 +128,7 @@ BTreeNode* NodeCache::find(const BTree& tree, int32_t n) {
   CacheState& c = g_cache;
   int& memo = c.recent[static_cast<uint32_t>(n) % c.recent.size()];
   int i = memo;
-  if (i < 0 || c.slots[i].owner != &tree || c.slots[i].node != n) {
+  if (i < 0 || c.slot(i).owner != &tree || c.slot(i).node != n) {
     i = find_slot(&tree, n);
     if (i < 0) return nullptr;
     memo = i;
@@ -142,7 +145,7 @@ BTreeNode* NodeCache::claim(BTree& tree, int32_t n, int line) {
   if (!reserve()) return nullptr;
   int i = c.unused_head;
   if (i >= 0) {
-    c.unused_head = c.slots[i].hash_next;
+    c.unused_head = c.slot(i).hash_next;
   } else if (static_cast<int>(c.slots.size()) < c.capacity) {
     c.slots.emplace_back();
     c.nodes.emplace_back();
@@ -150,7 +153,7 @@ BTreeNode* NodeCache::claim(BTree& tree, int32_t n, int line) {
   } else {
     i = c.lru_tail;
     if (i < 0) return nullptr;
-    Slot& victim = c.slots[i];
+    Slot& victim = c.slot(i);
     // The owner is a tree that is open: a tree gives its slots back when it
     // closes.
     BTree& owner = const_cast<BTree&>(*victim.owner);
@@ -158,9 +161,9 @@ BTreeNode* NodeCache::claim(BTree& tree, int32_t n, int line) {
       return nullptr;
     }
     release(i);
-    c.unused_head = c.slots[i].hash_next;
+    c.unused_head = c.slot(i).hash_next;
   }
-  Slot& s = c.slots[i];
+  Slot& s = c.slot(i);
   s.owner = &tree;
   s.node = n;
   s.dirty = false;
@@ -174,7 +177,7 @@ BTreeNode* NodeCache::claim(BTree& tree, int32_t n, int line) {
 
 void NodeCache::mark_dirty(const BTree& tree, int32_t n) {
   int i = find_slot(&tree, n);
-  if (i >= 0) g_cache.slots[i].dirty = true;
+  if (i >= 0) g_cache.slot(i).dirty = true;
 }
 
 void NodeCache::forget(const BTree& tree, int32_t n) {
@@ -187,13 +190,13 @@ bool NodeCache::write_back(BTree& tree, int line) {
   auto& order = c.order;
   order.clear();
   for (int i = 0; i < static_cast<int>(c.slots.size()); ++i) {
-    if (c.slots[i].owner == &tree && c.slots[i].dirty) order.emplace_back(c.slots[i].node, i);
+    if (c.slot(i).owner == &tree && c.slot(i).dirty) order.emplace_back(c.slot(i).node, i);
   }
   std::sort(order.begin(), order.end());
   bool ok = true;
   for (auto [node, i] : order) {
     if (tree.store(node, c.nodes[static_cast<size_t>(i)], line)) {
-      c.slots[i].dirty = false;
+      c.slot(i).dirty = false;
     } else {
       ok = false;
     }
@@ -205,7 +208,7 @@ bool NodeCache::drop(BTree& tree, bool write_back_dirty, int line) {
   CacheState& c = g_cache;
   bool ok = !write_back_dirty || write_back(tree, line);
   for (int i = 0; i < static_cast<int>(c.slots.size()); ++i) {
-    if (c.slots[i].owner == &tree) release(i);
+    if (c.slot(i).owner == &tree) release(i);
   }
   return ok;
 }

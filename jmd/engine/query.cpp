@@ -10,11 +10,11 @@ namespace px::engine {
 namespace {
 
 int take_query() {
-  auto& queries = engine().queries;
   for (int i = 0; i < kQueryPoolSize; ++i) {
-    if (!queries[i].in_use) {
-      queries[i] = QueryState{};
-      queries[i].in_use = true;
+    QueryState& query = engine().query(i);
+    if (!query.in_use) {
+      query = QueryState{};
+      query.in_use = true;
       return i;
     }
   }
@@ -24,7 +24,7 @@ int take_query() {
 // Releases query q and the rest of its chain.
 void release_chain(int q) {
   while (q >= 0) {
-    QueryState& state = engine().queries[q];
+    QueryState& state = engine().query(q);
     int next = state.next;
     state = QueryState{};
     q = next;
@@ -34,7 +34,7 @@ void release_chain(int q) {
 // The chain from q on, in order.
 std::vector<int> chain_of(int q) {
   std::vector<int> chain;
-  for (; q >= 0 && static_cast<int>(chain.size()) < kQueryPoolSize; q = engine().queries[q].next) {
+  for (; q >= 0 && static_cast<int>(chain.size()) < kQueryPoolSize; q = engine().query(q).next) {
     chain.push_back(q);
   }
   return chain;
@@ -57,15 +57,15 @@ void trace_bound(const TableState* t, int column, const std::optional<Value>& va
 // Starts one query; the slot, or -1.
 int start_query(TableState& t, int column, const std::optional<Value>& bound, bool exact) {
   if ((exact && !bound) || !t.valid_index_column(column)) return -1;
-  if (!t.indexes[column] && !add_index_traced(t, column, kOpenNew)) return -1;
+  if (!t.index(column) && !add_index_traced(t, column, kOpenNew)) return -1;
   int q = take_query();
   if (q < 0) return -1;
-  QueryState& state = engine().queries[q];
+  QueryState& state = engine().query(q);
   state.table_slot = static_cast<int>(&t - engine().tables.data());
   state.table_serial = t.serial;
   state.column = column;
   state.exact = exact;
-  BTree& index = *t.indexes[column];
+  BTree& index = *t.index(column);
   if (bound) {
     const ColumnDef& def = t.column(column);
     // Wide enough for the largest number type even when the width is less.
@@ -77,7 +77,7 @@ int start_query(TableState& t, int column, const std::optional<Value>& bound, bo
       return -1;
     }
     state.key = *key;
-    t.comparators[column]->set_bound(state.bound.data());
+    t.comparator(column)->set_bound(state.bound.data());
     bool found = false;
     state.cursor = index.search(state.key, 0, found);
   } else {
@@ -95,7 +95,7 @@ enum class Step { kNext, kPrevious, kCurrent };
 // One query's row after a step; 0 at the end, past an exact query's value, or
 // when its table is gone.
 long step_one(int q, Step step) {
-  QueryState& state = engine().queries[q];
+  QueryState& state = engine().query(q);
   TableState* t = table_at(state.table_slot, state.table_serial);
   if (t == nullptr) return 0;
   BTreeEntry e;
@@ -104,7 +104,7 @@ long step_one(int q, Step step) {
                                       : state.cursor.current(e);
   if (!ok) return 0;
   if (state.exact) {
-    IndexCompare* compare = t->comparators[state.column].get();
+    IndexCompare* compare = t->comparator(state.column).get();
     if (compare == nullptr) return 0;
     compare->set_bound(state.bound.data());
     if (compare->compare_values(BTreeEntry{state.key, 0, 0}, e) != 0) return 0;
@@ -191,8 +191,8 @@ Query Query::duplicate() const {
         head = -1;
         break;
       }
-      QueryState& from = engine().queries[q];
-      QueryState& to = engine().queries[copy];
+      QueryState& from = engine().query(q);
+      QueryState& to = engine().query(copy);
       to.table_slot = from.table_slot;
       to.table_serial = from.table_serial;
       to.column = from.column;
@@ -200,7 +200,7 @@ Query Query::duplicate() const {
       to.key = from.key;
       to.bound = from.bound;
       to.exact = from.exact;
-      if (tail >= 0) engine().queries[tail].next = copy;
+      if (tail >= 0) engine().query(tail).next = copy;
       else head = copy;
       tail = copy;
     }
@@ -217,7 +217,7 @@ bool Query::join(Table& table, int column, std::optional<Value> value, bool exac
     TraceSuspension quiet;
     joined = start_query(*t, column, value, exact);
   }
-  if (joined >= 0) engine().queries[chain_of(slot_).back()].next = joined;
+  if (joined >= 0) engine().query(chain_of(slot_).back()).next = joined;
   if (tracing()) {
     trace_printf("QueryJoin %d %s ", number(), t ? t->column(column).name : "");
     trace_bound(t, column, value);

@@ -61,9 +61,10 @@ bool open_table(TableState& t, std::string_view name, int record_size, int mode,
     return false;
   }
   try {
-    t.header.assign(record_size, std::byte{0});
-    t.work_a.assign(record_size, std::byte{0});
-    t.work_b.assign(record_size, std::byte{0});
+    size_t record_bytes = static_cast<size_t>(record_size);
+    t.header.assign(record_bytes, std::byte{0});
+    t.work_a.assign(record_bytes, std::byte{0});
+    t.work_b.assign(record_bytes, std::byte{0});
     t.indexes.resize(columns.size() + 1);
     t.comparators.resize(columns.size() + 1);
     t.values.resize(columns.size() + 1);
@@ -91,7 +92,7 @@ bool open_table(TableState& t, std::string_view name, int record_size, int mode,
     }
   }
   for (int c = 0; c < t.column_count(); ++c) {
-    if ((columns[c].flags & kIndexAtOpen) && !add_index_traced(t, c, mode)) {
+    if ((t.column(c).flags & kIndexAtOpen) && !add_index_traced(t, c, mode)) {
       release_table(t);
       return false;
     }
@@ -108,12 +109,12 @@ EngineState& engine() {
 
 TableState* table_at(int slot, uint32_t serial) {
   if (slot < 0 || slot >= kTablePoolSize) return nullptr;
-  TableState& t = engine().tables[slot];
+  TableState& t = engine().table(slot);
   return !t.name.empty() && t.serial == serial ? &t : nullptr;
 }
 
 const ColumnDef& TableState::column(int c) const {
-  return c >= 0 && c < column_count() ? columns[c] : kBlankColumn;
+  return c >= 0 && c < column_count() ? columns[static_cast<size_t>(c)] : kBlankColumn;
 }
 
 void set_engine_directory(std::string_view directory) { engine().directory = std::string(directory); }
@@ -202,7 +203,7 @@ int Table::find_column(std::string_view name) const {
   const TableState* t = table_at(slot_, serial_);
   if (t == nullptr) return -1;
   for (int c = 0; c < t->column_count(); ++c) {
-    if (name == t->columns[c].name) return c;
+    if (name == t->column(c).name) return c;
   }
   return -1;
 }
@@ -234,7 +235,7 @@ uint64_t Table::change_count() const {
 
 bool Table::has_index(int column) const {
   const TableState* t = table_at(slot_, serial_);
-  return t && t->valid_index_column(column) && t->indexes[column] != nullptr;
+  return t && t->valid_index_column(column) && t->index(column) != nullptr;
 }
 
 const std::string& Table::name() const {

@@ -162,6 +162,16 @@ struct TableState {
   // The definition of column c; a blank one for c == column_count().
   const ColumnDef& column(int c) const;
   bool valid_index_column(int c) const { return c >= 0 && c <= column_count(); }
+  // The index, comparator, value cache and kept-values mark of column c
+  // (0 to column_count()).
+  std::unique_ptr<BTree>& index(int c) { return indexes[slot(c)]; }
+  const std::unique_ptr<BTree>& index(int c) const { return indexes[slot(c)]; }
+  std::unique_ptr<IndexCompare>& comparator(int c) { return comparators[slot(c)]; }
+  ValueCache& value_cache(int c) { return values[slot(c)]; }
+  std::vector<bool>::reference keeps_values(int c) { return values_kept[slot(c)]; }
+
+ private:
+  static size_t slot(int c) { return static_cast<size_t>(c); }
 };
 
 struct QueryState {
@@ -181,6 +191,10 @@ struct EngineState {
   std::array<QueryState, kQueryPoolSize> queries;
   uint32_t next_serial = 0;
   std::string directory;
+
+  // The table of a slot and the query of a handle (both within their pool).
+  TableState& table(int slot) { return tables[static_cast<size_t>(slot)]; }
+  QueryState& query(int q) { return queries[static_cast<size_t>(q)]; }
 };
 
 EngineState& engine();

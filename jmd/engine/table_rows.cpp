@@ -14,7 +14,7 @@ namespace {
 // Stores a written record's values in every value cache.
 void remember_values(TableState& t, long row, const std::byte* record) {
   for (int c = 0; c < static_cast<int>(t.values.size()); ++c) {
-    if (t.values[c].active()) t.values[c].store(row, record + t.column(c).position);
+    if (t.value_cache(c).active()) t.value_cache(c).store(row, record + t.column(c).position);
   }
 }
 
@@ -24,9 +24,9 @@ bool fail(const TableState& t) {
 }
 
 bool add_index(TableState& t, int c, int mode) {
-  if (!t.valid_index_column(c) || t.indexes[c]) return fail(t);
+  if (!t.valid_index_column(c) || t.index(c)) return fail(t);
   if (!open_index(t, c, mode)) return fail(t);
-  if (t.values[c].active()) t.values[c].reserve(t.row_count);
+  if (t.value_cache(c).active()) t.value_cache(c).reserve(t.row_count);
   switch (add_index_in_key_order(t, c)) {
     case OrderedBuild::kBuilt:
       return true;
@@ -53,7 +53,7 @@ bool add_index(TableState& t, int c, int mode) {
 // Adds the index of every unique column that has none yet.
 bool add_unique_indexes(TableState& t) {
   for (int c = 0; c < t.column_count(); ++c) {
-    if ((t.columns[c].flags & kUniqueKey) && !t.indexes[c] && !add_index(t, c, kOpenNew)) {
+    if ((t.column(c).flags & kUniqueKey) && !t.index(c) && !add_index(t, c, kOpenNew)) {
       return false;
     }
   }
@@ -69,9 +69,9 @@ long append_row(TableState& t, std::span<const std::byte> record, int mode) {
   if (!t.records->put(row, record)) return fail(t);
   remember_values(t, row, record.data());
   for (int c = 0; c < static_cast<int>(t.indexes.size()); ++c) {
-    if (t.indexes[c] && !insert_row_entry(t, row, c, record.data())) {
+    if (t.index(c) && !insert_row_entry(t, row, c, record.data())) {
       for (int d = 0; d < c; ++d) {
-        if (t.indexes[d]) delete_row_entry(t, row, d, record.data());
+        if (t.index(d)) delete_row_entry(t, row, d, record.data());
       }
       return 0;
     }
@@ -107,7 +107,7 @@ bool replace_row(TableState& t, long row, std::span<const std::byte> record) {
   if (!add_unique_indexes(t)) return false;
   std::vector<int> changed;
   for (int c = 0; c < static_cast<int>(t.indexes.size()); ++c) {
-    if (!t.indexes[c]) continue;
+    if (!t.index(c)) continue;
     const ColumnDef& column = t.column(c);
     int r = compare_column_values(column, old.data() + column.position,
                                   record.data() + column.position);
@@ -135,7 +135,7 @@ bool replace_row(TableState& t, long row, std::span<const std::byte> record) {
 }  // namespace
 
 bool read_record(TableState& t, long row, std::vector<std::byte>& buffer) {
-  if (buffer.size() < static_cast<size_t>(t.record_size)) buffer.resize(t.record_size);
+  if (buffer.size() < static_cast<size_t>(t.record_size)) buffer.resize(static_cast<size_t>(t.record_size));
   return (row != 0 || store_header(t)) && t.records->get(row, buffer);
 }
 
@@ -156,40 +156,40 @@ bool record_key(const TableState& t, int c, const std::byte* record, int32_t& ke
 
 bool open_index(TableState& t, int c, int mode) {
   try {
-    t.comparators[c] = std::make_unique<IndexCompare>(t, c);
+    t.comparator(c) = std::make_unique<IndexCompare>(t, c);
   } catch (const std::bad_alloc&) {
     report_message(kMsgOutOfMemory, {t.name});
     return false;
   }
-  t.indexes[c] = BTree::open(index_name(t, c), mode | kOpenCreate, *t.comparators[c]);
-  if (!t.indexes[c]) {
-    t.comparators[c].reset();
+  t.index(c) = BTree::open(index_name(t, c), mode | kOpenCreate, *t.comparator(c));
+  if (!t.index(c)) {
+    t.comparator(c).reset();
     return false;
   }
   const ColumnDef& column = t.column(c);
-  if (compares_values(column.type) && column.width > 0 && !t.values_kept[c]) {
-    t.values[c].reset(column);
+  if (compares_values(column.type) && column.width > 0 && !t.keeps_values(c)) {
+    t.value_cache(c).reset(column);
   }
   return true;
 }
 
 void close_index(TableState& t, int c) {
-  if (t.indexes[c]) t.indexes[c]->close();
-  t.indexes[c].reset();
-  t.comparators[c].reset();
-  if (!t.values_kept[c]) t.values[c].clear();
+  if (t.index(c)) t.index(c)->close();
+  t.index(c).reset();
+  t.comparator(c).reset();
+  if (!t.keeps_values(c)) t.value_cache(c).clear();
 }
 
 bool insert_row_entry(TableState& t, long row, int c, const std::byte* record) {
-  if (!t.indexes[c]) return true;
+  if (!t.index(c)) return true;
   int32_t key = 0;
   if (!record_key(t, c, record, key)) return fail(t);
-  if (t.values[c].active()) t.values[c].store(row, record + t.column(c).position);
+  if (t.value_cache(c).active()) t.value_cache(c).store(row, record + t.column(c).position);
   return insert_entry(t, c, key, row, Placing::kSearch);
 }
 
 bool insert_entry(TableState& t, int c, int32_t key, long row, Placing placing) {
-  BTree& index = *t.indexes[c];
+  BTree& index = *t.index(c);
   int32_t row32 = static_cast<int32_t>(row);
   BTree::Insert inserted = placing == Placing::kSearch
                                ? index.insert(key, row32)
@@ -207,9 +207,9 @@ bool insert_entry(TableState& t, int c, int32_t key, long row, Placing placing) 
 }
 
 bool delete_row_entry(TableState& t, long row, int c, const std::byte* record) {
-  if (!t.indexes[c]) return true;
+  if (!t.index(c)) return true;
   int32_t key = 0;
-  if (!record_key(t, c, record, key) || !t.indexes[c]->remove(key, static_cast<int32_t>(row))) {
+  if (!record_key(t, c, record, key) || !t.index(c)->remove(key, static_cast<int32_t>(row))) {
     return fail(t);
   }
   return true;
@@ -268,8 +268,8 @@ bool Table::read_value(long row, int column, std::span<std::byte> out) {
   // Only case-sensitive texts are kept as they lie in the record; the other
   // types' copies are in a comparison form.
   bool copy_is_value = def.type == kTypeString || def.type == kTypeText;
-  if (copy_is_value && t->values[column].active()) {
-    const std::byte* value = t->values[column].value(row, t->work_b);
+  if (copy_is_value && t->value_cache(column).active()) {
+    const std::byte* value = t->value_cache(column).value(row, t->work_b);
     if (value != nullptr) {
       std::memcpy(out.data(), value, def.width);
       return true;
@@ -312,30 +312,30 @@ bool Table::add_index(int column, int mode) {
 bool Table::keep_values(int column) {
   TableState* t = table_at(slot_, serial_);
   if (t == nullptr || column < 0 || column >= t->column_count()) return false;
-  if (t->values_kept[column]) return true;
+  if (t->keeps_values(column)) return true;
   const ColumnDef& def = t->column(column);
   if (!compares_values(def.type) || def.width == 0) return false;
-  if (!t->values[column].active()) {
+  if (!t->value_cache(column).active()) {
     // No index keeps them yet: the present rows' values are read once.
-    t->values[column].reset(def);
-    t->values[column].reserve(t->row_count);
+    t->value_cache(column).reset(def);
+    t->value_cache(column).reserve(t->row_count);
     std::vector<std::byte> record;
     for (long row = 1; row <= t->row_count; ++row) {
       if (!read_record(*t, row, record)) {
-        t->values[column].clear();
+        t->value_cache(column).clear();
         return false;
       }
-      t->values[column].store(row, record.data() + def.position);
+      t->value_cache(column).store(row, record.data() + def.position);
     }
   }
-  t->values_kept[column] = true;
+  t->keeps_values(column) = true;
   return true;
 }
 
 bool Table::drop_index(int column) {
   TableState* t = table_at(slot_, serial_);
   if (t == nullptr) return false;
-  bool ok = t->valid_index_column(column) && t->indexes[column];
+  bool ok = t->valid_index_column(column) && t->index(column);
   if (ok) {
     close_index(*t, column);
   } else {
@@ -351,7 +351,7 @@ namespace {
 // Index row insert and delete: checks, reads the row and changes one entry.
 bool change_row_entry(TableState& t, long row, int c, bool insert) {
   if (!t.valid_index_column(c) || row < 1 || row > t.row_count) return fail(t);
-  if (!t.indexes[c]) return true;
+  if (!t.index(c)) return true;
   std::vector<std::byte> record;
   if (!read_record(t, row, record)) return fail(t);
   return insert ? insert_row_entry(t, row, c, record.data())

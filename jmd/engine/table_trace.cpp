@@ -98,7 +98,7 @@ void trace_value(const ColumnDef& column, const std::byte* value) {
 void trace_columns(const TableState& t, const std::byte* record) {
   if (!tracing()) return;
   for (int c = 0; c < t.column_count(); ++c) {
-    const ColumnDef& column = t.columns[c];
+    const ColumnDef& column = t.column(c);
     trace_printf("Column %s ", column.name);
     trace_value(column, record + column.position);
     trace_printf("\n");

@@ -213,23 +213,24 @@ bool VList::grow(long count) {
 }
 
 bool VList::transfer(long r, std::byte* buffer, bool write) {
+  size_t record_bytes = static_cast<size_t>(record_size_);
   if (blocks_per_record_ == 1) {
     long block = r / records_per_block_;
-    size_t offset = static_cast<size_t>(r % records_per_block_) * record_size_;
+    size_t offset = static_cast<size_t>(r % records_per_block_) * record_bytes;
     CacheEntry* e = BlockCache::fetch(*this, block, write && record_size_ == kBlockSize);
     if (!e) return false;
     if (write) {
-      std::memcpy(e->data.data() + offset, buffer, record_size_);
+      std::memcpy(e->data.data() + offset, buffer, record_bytes);
       e->dirty = true;
     } else {
-      std::memcpy(buffer, e->data.data() + offset, record_size_);
+      std::memcpy(buffer, e->data.data() + offset, record_bytes);
     }
     return true;
   }
   long first = r * blocks_per_record_;
   for (int k = 0; k < blocks_per_record_; ++k) {
     size_t done = static_cast<size_t>(k) * kBlockSize;
-    size_t piece = std::min<size_t>(kBlockSize, record_size_ - done);
+    size_t piece = std::min<size_t>(kBlockSize, record_bytes - done);
     CacheEntry* e = BlockCache::fetch(*this, first + k, write && piece == kBlockSize);
     if (!e) return false;
     if (write) {

@@ -18,14 +18,14 @@ namespace px::engine {
 namespace {
 
 std::vector<std::byte> record_of(int size, int seed) {
-  std::vector<std::byte> r(size);
-  for (int i = 0; i < size; ++i) r[i] = static_cast<std::byte>((seed * 31 + i * 7) & 0xff);
+  std::vector<std::byte> r(static_cast<size_t>(size));
+  for (size_t i = 0; i < r.size(); ++i) r[i] = static_cast<std::byte>((seed * 31 + static_cast<int>(i) * 7) & 0xff);
   return r;
 }
 
 uint32_t word_at(const std::string& file, size_t offset) {
   uint32_t v = 0;
-  for (int i = 0; i < 4; ++i) v |= static_cast<uint32_t>(static_cast<uint8_t>(file[offset + i])) << (8 * i);
+  for (size_t i = 0; i < 4; ++i) v |= static_cast<uint32_t>(static_cast<uint8_t>(file[offset + i])) << (8 * i);
   return v;
 }
 

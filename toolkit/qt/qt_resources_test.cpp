@@ -135,8 +135,9 @@ class QtBackEndTest : public QObject {
       QList<QAction*> menus = frame->menuBar()->actions();
       QCOMPARE(menus.size(), qsizetype(bar->menus.size()));
       for (size_t m = 0; m < bar->menus.size(); ++m) {
-        QCOMPARE(menus[m]->text(), to_qt(bar->menus[m].label));
-        compare_items(menus[m]->menu(), bar->menus[m].items);
+        QAction* menu = menus[qsizetype(m)];
+        QCOMPARE(menu->text(), to_qt(bar->menus[m].label));
+        compare_items(menu->menu(), bar->menus[m].items);
       }
       task.destroy();
     }
@@ -177,7 +178,7 @@ class QtBackEndTest : public QObject {
     for (auto [key, button] : {std::pair{Qt::Key_Return, kOk}, std::pair{Qt::Key_Escape, kCancel}}) {
       sample::Recorder rec;
       Handler record = rec.handler();
-      when_modal([key](QWidget* dialog) { QTest::keyClick(dialog, key); });
+      when_modal([key = key](QWidget* dialog) { QTest::keyClick(dialog, key); });
       QVERIFY(tk_->run_modal_dialog(kSelectInstanceDialog, [record](const Event& e) {
         record(e);
         if (e.type == EventType::kControl && e.notice == Notice::kClicked) e.window.destroy();
@@ -365,15 +366,16 @@ class QtBackEndTest : public QObject {
     QCOMPARE(actions.size(), qsizetype(items.size()));
     for (size_t i = 0; i < items.size(); ++i) {
       const MenuItemDef& item = items[i];
-      QCOMPARE(actions[i]->isSeparator(), item.kind == MenuItemKind::kSeparator);
+      QAction* action = actions[qsizetype(i)];
+      QCOMPARE(action->isSeparator(), item.kind == MenuItemKind::kSeparator);
       if (item.kind == MenuItemKind::kSeparator) continue;
-      QCOMPARE(actions[i]->text(), to_qt(item.label));
+      QCOMPARE(action->text(), to_qt(item.label));
       if (item.kind == MenuItemKind::kSubmenu) {
-        compare_items(actions[i]->menu(), item.submenu);
+        compare_items(action->menu(), item.submenu);
         continue;
       }
-      QCOMPARE(actions[i]->shortcut(), QKeySequence(to_qt(item.accelerator), QKeySequence::PortableText));
-      QCOMPARE(actions[i]->objectName(), QString("menu_%1").arg(item.id));
+      QCOMPARE(action->shortcut(), QKeySequence(to_qt(item.accelerator), QKeySequence::PortableText));
+      QCOMPARE(action->objectName(), QString("menu_%1").arg(item.id));
     }
   }
 };
