@@ -15,6 +15,8 @@ namespace {
 constexpr uint32_t kEntryEvents =
     IN_MODIFY | IN_ATTRIB | IN_CLOSE_WRITE | IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
 
+// Changed names a directory keeps, beyond the number of its known files,
+// before it counts every name as changed instead.
 constexpr size_t kChangedNamesKept = 4096;
 
 // File systems changed only through this machine's kernel, which therefore
