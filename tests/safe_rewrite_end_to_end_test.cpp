@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "tests/support/run_program.h"
+#include "tests/support/sanitizer.h"
 #include "tests/support/test_dir.h"
 
 namespace px {
@@ -101,9 +102,10 @@ class SafeRewriteEndToEnd : public ::testing::Test {
     int damaged = 0;
   };
 
-  // Runs pxctl with words over and over, killing each run at a random moment
-  // of up to a little more than a whole run takes; after each the target must
-  // hold exactly the old or the new text, and is set back to the old one.
+  // Runs pxctl with words runs times (a quarter of them under the sanitizer),
+  // killing each run at a random moment of up to what a whole run takes;
+  // after each the target must hold exactly the old or the new text, and is
+  // set back to the old one.
   KillFigures kill_loop(const std::vector<std::string>& words, const std::string& target,
                         const std::string& old_text, const std::string& new_text, int runs) {
     // How long a whole run takes: the shortest of three.
@@ -120,6 +122,7 @@ class SafeRewriteEndToEnd : public ::testing::Test {
     std::mt19937 random(20261124);
     std::uniform_int_distribution<long> moment(0, whole.count());
     KillFigures figures;
+    runs = repeated_runs(runs);
     for (int run = 0; run < runs; ++run) {
       write_file(target, old_text);
       pid_t pid = start_program(PXCTL_PATH, pxctl_args(words), dir_.path());
@@ -157,7 +160,7 @@ TEST_F(SafeRewriteEndToEnd, KilledJmdSavesLeaveTheOldOrTheNewFile) {
 
   KillFigures figures = kill_loop({"jmd", "save", in, out}, out, old_text, new_text, 120);
   EXPECT_EQ(figures.damaged, 0);
-  EXPECT_GT(figures.kills, 60);
+  EXPECT_GT(figures.kills, repeated_runs(120) / 2);
 
   // The killed loads left no table files: theirs had no names.
   int table_files = count_starting(tmp_, "");
@@ -192,7 +195,7 @@ TEST_F(SafeRewriteEndToEnd, KilledIniSetsLeaveTheOldOrTheNewFile) {
 
   KillFigures figures = kill_loop(words, ini, old_text, new_text, 150);
   EXPECT_EQ(figures.damaged, 0);
-  EXPECT_GT(figures.kills, 60);
+  EXPECT_GT(figures.kills, repeated_runs(150) * 2 / 5);
   ASSERT_EQ(pxctl(words).status, 0);
   EXPECT_EQ(count_starting(dir_.path(), ".agents.ini."), 0);
 }
@@ -212,7 +215,7 @@ TEST_F(SafeRewriteEndToEnd, KilledJmdEditsLeaveTheOldOrTheEditedFile) {
 
   KillFigures figures = kill_loop(words, jmd, old_text, new_text, 40);
   EXPECT_EQ(figures.damaged, 0);
-  EXPECT_GT(figures.kills, 20);
+  EXPECT_GT(figures.kills, repeated_runs(40) / 2);
 }
 
 // Two writers of different keys at the same moment, 100 times, then 40 at
