@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "common/ini_profile.h"
 #include "jmd/jmd_reader.h"
 #include "jmd/recording_reporter.h"
@@ -29,6 +31,21 @@ TEST(JmdWriterTest, ValuesAreMarkedQuotedOrWrittenAsTheyStand) {
   std::string fields;
   append_fields(fields, table_schema(kMemoryTable), memory);
   EXPECT_EQ(fields, " M1 2048 *");
+}
+
+// The longest line a record can make: every string field filled to its
+// whole width (no NUL) with quotes, each written doubled inside quotes.
+TEST(JmdWriterTest, FieldsOfWholeWidthAllQuotes) {
+  const TableSchema& task = table_schema(kTaskTable);
+  std::vector<char> record(task.record_size, '\0');
+  std::string expected(task.line_key);
+  for (size_t i = 1; i < task.fields.size(); ++i) {
+    const FieldDef& field = task.fields[i];
+    std::fill_n(record.begin() + static_cast<long>(field.position), field.width, '"');
+    expected += " \"" + std::string(2 * field.width, '"') + "\"";
+  }
+  EXPECT_EQ(record_line(task, record), expected + "\n");
+  EXPECT_GT(expected.size(), 2800u);
 }
 
 TEST(JmdWriterTest, WrittenLinesReadBackToTheSameRecord) {

@@ -3,7 +3,9 @@
 // over those indexes.
 //
 // Record 0 of a table's file is the header record; its first 32-bit word is
-// the row count. Rows are numbered from 1 in order of addition and are never
+// the row count. The file's copy is brought up to date when row 0 is read,
+// on flush and on close (of a table whose file stays), not with every row
+// added. Rows are numbered from 1 in order of addition and are never
 // removed or renumbered; a row is deleted by removing it from the index of
 // column 1, so no query over that column returns it again.
 //
