@@ -215,6 +215,11 @@ std::shared_ptr<jmd::JobNames> JmdService::job_names(Operator& op) {
   return job_names_;
 }
 
+std::shared_ptr<jmd::JobNames> JmdService::job_names_made() {
+  close_if_instance_changed();
+  return job_names_;
+}
+
 engine::Table* JmdService::clipboard(Operator& op) {
   close_if_instance_changed();
   if (clipboard_) return &clipboard_;
