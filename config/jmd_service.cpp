@@ -197,6 +197,8 @@ std::shared_ptr<jmd::JobNames> JmdService::job_names(Operator& op) {
     std::optional<jmd::JobNames> loaded = database->take_loaded_job_names();
     if (loaded) {
       job_names_ = std::make_shared<jmd::JobNames>(std::move(*loaded));
+      // Every job row was noted as it was loaded, and none has changed.
+      job_names_->set_rows_noted_at(database->table(jmd::kJobTable).change_count());
     } else {
       job_names_ = std::make_shared<jmd::JobNames>();
       failed = note_job_names(database->table(jmd::kJobTable), *job_names_);
@@ -209,8 +211,12 @@ std::shared_ptr<jmd::JobNames> JmdService::job_names(Operator& op) {
     op.show(msg::kJobNamesNotCreated);
     return nullptr;
   }
-  job_names_->set_noted_at(database->table(jmd::kJobTable).change_count());
   if (*failed > 0) op.show(msg::kJobNamesNotAdded, {std::to_string(*failed)});
+  return job_names_;
+}
+
+std::shared_ptr<jmd::JobNames> JmdService::job_names_made() {
+  close_if_instance_changed();
   return job_names_;
 }
 

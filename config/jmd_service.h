@@ -95,6 +95,8 @@ class JmdService {
   // message. 181 tells how many job rows could not be read; the list is
   // kept all the same. Closing drops the service's share of it.
   std::shared_ptr<jmd::JobNames> job_names(Operator& op);
+  // The "jobname" list when it was made already (nothing is made or shown).
+  std::shared_ptr<jmd::JobNames> job_names_made();
 
   // The "clipbrd" table, made empty on first use; nullptr after showing 182.
   engine::Table* clipboard(Operator& op);

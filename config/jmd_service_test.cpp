@@ -282,6 +282,12 @@ TEST_F(JmdServiceTest, JobNamesCompareOnlyNeighbouringRows) {
   EXPECT_EQ(job_names(), (std::vector<std::string>{"A", "B", "A", "C"}));
   EXPECT_EQ(service_.job_names(op_), service_.job_names(op_));
   EXPECT_TRUE(op_.shown().empty());
+  // Noted at the load: each name's rows are known.
+  std::shared_ptr<jmd::JobNames> loaded = service_.job_names(op_);
+  uint64_t changes = service_.jmd()->table(jmd::kJobTable).change_count();
+  EXPECT_TRUE(loaded->runs_hold(changes));
+  EXPECT_EQ(loaded->run(3), std::make_pair(4L, 5L));
+  EXPECT_FALSE(loaded->runs_hold(changes + 1));
 
   // A deleted row no longer separates its neighbours.
   service_.close();
@@ -291,6 +297,8 @@ TEST_F(JmdServiceTest, JobNamesCompareOnlyNeighbouringRows) {
   ASSERT_TRUE(jobs.add_index(1));            // FormName, as the editors' queries build it
   ASSERT_TRUE(jobs.delete_index_row(3, 1));  // the B row
   EXPECT_EQ(job_names(), (std::vector<std::string>{"A", "C"}));
+  // Walked past a deleted row: the rows of a name are not known.
+  EXPECT_FALSE(service_.job_names(op_)->runs_hold(jobs.change_count()));
 
   // Names come from the job table as it is now, long ones whole.
   service_.close();

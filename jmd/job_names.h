@@ -17,6 +17,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -46,12 +47,15 @@ class JobNames {
   // The entry's name; empty for no entry.
   std::string_view name(long id) const;
   // The job-table rows [first, end) the entry was made from; {0, 0} for a
-  // name added to the list since. They are the entry's rows only while the
-  // job table is as it was when they were noted: its change count is then
-  // still noted_at() (the maker of the list sets it).
+  // name added to the list since. They are the entry's rows only when every
+  // row of the job table was noted (none was deleted, as after a load) and
+  // the table has not changed since: the maker of the list says so with the
+  // table's change count then, runs_hold() compares it with the count now.
   std::pair<long, long> run(long id) const;
-  uint64_t noted_at() const { return noted_at_; }
-  void set_noted_at(uint64_t changes) { noted_at_ = changes; }
+  bool runs_hold(uint64_t changes_now) const {
+    return rows_noted_at_ && *rows_noted_at_ == changes_now;
+  }
+  void set_rows_noted_at(uint64_t changes) { rows_noted_at_ = changes; }
 
   // The listed entries at positions [first, first + count) of the list
   // order (cut to the list). Puts them in order first when they are not.
@@ -89,7 +93,7 @@ class JobNames {
   std::vector<uint32_t> starts_{0};  // entry id's name is [starts_[id-1], starts_[id])
   std::vector<long> first_rows_;  // of the noted entries, in entry order
   long run_end_ = 0;              // the end of the last noted entry's run
-  uint64_t noted_at_ = 0;
+  std::optional<uint64_t> rows_noted_at_;
   std::vector<bool> listed_;
   std::vector<uint32_t> order_;   // the listed entries
   // The parts of order_, by their first position: sorted (true) or only

@@ -157,6 +157,10 @@ class JmdEditor {
   OkResult refuse(int message, int focus, std::vector<std::string> args = {});
   bool delete_job(engine::Table& jobs, const std::string& name);
   long delete_job_names(const std::vector<long>& entries);
+  // A job's steps in table order from the rows the job-names list was made
+  // from, while the job table is as it was then (no query by job name, whose
+  // index a large table builds first); nullopt otherwise.
+  std::optional<std::vector<long>> steps_as_loaded(const std::string& job);
   void internal_error(const char* module, int line);
 
   // One operator's act: what it changes is one step of undo.

@@ -35,7 +35,30 @@ bool JmdEditor::reload(RowList& list) {
     return names != nullptr && list.reload(names);
   }
   engine::Table* rows = table(list.kind());
-  return rows != nullptr && list.reload(*rows);
+  if (rows == nullptr) return false;
+  if (list.kind() == ListKind::kSteps) {
+    if (std::optional<std::vector<long>> steps = steps_as_loaded(list.job())) {
+      list.reload(*rows, std::move(*steps));
+      return true;
+    }
+  }
+  return list.reload(*rows);
+}
+
+std::optional<std::vector<long>> JmdEditor::steps_as_loaded(const std::string& job) {
+  // Only a list made already is asked: making one walks the job table.
+  std::shared_ptr<jmd::JobNames> names = service_.job_names_made();
+  engine::Table* jobs = table(ListKind::kSteps);
+  if (names == nullptr || jobs == nullptr || !names->runs_hold(jobs->change_count())) {
+    return std::nullopt;
+  }
+  std::vector<long> steps;
+  for (long entry : names->find_all(job)) {
+    auto [first, end] = names->run(entry);
+    for (long row = first; row < end; ++row) steps.push_back(row);
+  }
+  std::sort(steps.begin(), steps.end());
+  return steps;
 }
 
 std::vector<std::string> JmdEditor::page_lines(const RowList& list) {

@@ -57,7 +57,7 @@ std::vector<bool> job_name_marks(JmdEditor& editor, std::span<const long> page) 
   std::shared_ptr<jmd::JobNames> names = editor.job_names();
   engine::Table* jobs = editor.table(ListKind::kSteps);
   if (names == nullptr || jobs == nullptr) return marks;
-  if (jobs->change_count() != names->noted_at()) {
+  if (!names->runs_hold(jobs->change_count())) {
     for (size_t i = 0; i < page.size(); ++i) {
       marks[i] = job_names_missing(editor, std::string(names->name(page[i])));
     }

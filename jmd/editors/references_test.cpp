@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "jmd/editors/editor_test_support.h"
+#include "jmd/jmd_schema.h"
 
 namespace px::editors {
 namespace {
@@ -67,6 +68,31 @@ TEST(PageMarks, AJobIsMarkedOnBothPagesFromTheRowsItWasListedFrom) {
   EXPECT_EQ(marked_page(editor, list).back(), "b !");
   list.next_page();
   EXPECT_EQ(marked_page(editor, list), (std::vector<std::string>{"B !", "C", "C"}));
+}
+
+// A job window opened on a JMD as loaded lists the steps of every run of its
+// job (any case) without a query, as the query lists them.
+TEST(JobWindowRows, AsLoadedTheyAreTheRowsOfEveryRunOfTheJob) {
+  EditorFixture jmd(jmd_across_pages());
+  ASSERT_TRUE(jmd.loaded());
+  JmdEditor& editor = jmd.editor();
+  RowList names(ListKind::kJobNames);
+  ASSERT_TRUE(editor.reload(names));
+  RowList steps(ListKind::kSteps, "b");
+  ASSERT_TRUE(editor.reload(steps));
+  EXPECT_EQ(steps.rows(), (std::vector<long>{1000, 1002, 1004}));
+  engine::Table& jobs = *editor.table(ListKind::kSteps);
+  EXPECT_FALSE(jobs.has_index(jobs.find_column("FormName")));
+  RowList queried(ListKind::kSteps, "b");
+  ASSERT_TRUE(queried.reload(jobs));
+  EXPECT_EQ(queried.rows(), steps.rows());
+  // Once a step is added, the query lists them.
+  Record added = blank_record(jobs);
+  set_text(jmd::kJobTable, added, "FormName", "b");
+  ASSERT_FALSE(editor.insert_steps(steps.rows(), 1, {added}).empty());
+  ASSERT_TRUE(editor.reload(steps));
+  EXPECT_EQ(steps.rows().size(), 4u);
+  EXPECT_EQ(steps.rows().front(), 1000);
 }
 
 TEST(PageMarks, StepsNamingAMissingTaskOrPrinterAreMarked) {

@@ -70,11 +70,18 @@ void RowList::read_page() {
 }
 
 bool RowList::reload(engine::Table& table) {
+  std::vector<long> rows;
+  bool listed = list_rows(table, kind_, job_, rows);
+  reload(table, std::move(rows));
+  return listed;
+}
+
+void RowList::reload(engine::Table& table, std::vector<long> rows) {
   paging_names_ = false;
   names_.reset();
   page_rows_.clear();
-  bool listed = list_rows(table, kind_, job_, rows_);
-  if (listed && !filter_.empty()) {
+  rows_ = std::move(rows);
+  if (!filter_.empty()) {
     Record record = blank_record(table);
     std::string line;
     std::vector<long> kept;
@@ -90,7 +97,6 @@ bool RowList::reload(engine::Table& table) {
     rows_ = std::move(kept);
   }
   if (page_first_ >= total()) page_first_ = std::max(0L, (total() - 1) / kPageSize * kPageSize);
-  return listed;
 }
 
 long RowList::shown() const {

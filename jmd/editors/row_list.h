@@ -39,6 +39,9 @@ class RowList {
   // there (a page of names gone is empty).
   bool reload(engine::Table& table);
   bool reload(const std::shared_ptr<jmd::JobNames>& names);
+  // The same with the rows of the list given (in list order) rather than
+  // queried.
+  void reload(engine::Table& table, std::vector<long> rows);
 
   // Rows listed (after the filter).
   long total() const { return paging_names_ ? names_total_ : static_cast<long>(rows_.size()); }
