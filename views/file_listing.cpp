@@ -9,6 +9,7 @@
 
 #include "common/file_pattern.h"
 #include "common/text.h"
+#include "views/time_readers.h"
 
 namespace px::views {
 
@@ -20,24 +21,13 @@ DirHandle open_directory(const std::string& directory) {
   return DirHandle(directory.empty() ? nullptr : opendir(directory.c_str()), closedir);
 }
 
-int64_t nanoseconds(const struct timespec& t) {
-  return static_cast<int64_t>(t.tv_sec) * 1000000000 + t.tv_nsec;
-}
+// Entries a batch holds: enough that handing one to a thread costs little
+// beside the stat calls it holds.
+constexpr size_t kBatchEntries = 1024;
 
-// The time of a plain file of the directory open as dir_fd; nullopt for
-// anything else. The directory entry's type and inode let the cache answer
-// for regular files; a symbolic link is always followed afresh.
-std::optional<int64_t> file_time(int dir_fd, const dirent& entry, ListingCache* cache) {
-  const bool cacheable = cache != nullptr && entry.d_type == DT_REG;
-  if (cacheable) {
-    if (auto known = cache->known_time(entry.d_name, entry.d_ino)) return known;
-  }
-  struct stat info {};
-  if (fstatat(dir_fd, entry.d_name, &info, 0) != 0 || !S_ISREG(info.st_mode)) return std::nullopt;
-  int64_t modified = nanoseconds(info.st_mtim);
-  if (cacheable) cache->remember(entry.d_name, entry.d_ino, modified);
-  return modified;
-}
+// Times to read before a listing starts threads: below this, starting them
+// costs more than they save.
+constexpr size_t kThreadsFrom = 4096;
 
 }  // namespace
 
@@ -46,14 +36,26 @@ void FileListing::add(std::string_view name, int64_t modified_ns) {
   names_.append(name);
 }
 
+// The directory is read in batches of entries. The time of a plain file the
+// cache knows is taken from it at once; the others are read by the batch,
+// on threads once there are enough of them (a batch is given away as soon
+// as it is full, so the times are read while the directory still is). The
+// listings are then made from the batches in the directory's order.
 std::optional<std::vector<FileListing>> list_files(const std::string& directory,
                                                    std::span<const std::string_view> patterns,
-                                                   ListingCache* cache) {
+                                                   ListingCache* cache, unsigned threads) {
   DirHandle dir = open_directory(directory);
   if (!dir) return std::nullopt;
   const int dir_fd = dirfd(dir.get());
   if (cache != nullptr && !cache->begin(dir_fd)) cache = nullptr;
-  std::vector<FileListing> listings(patterns.size());
+  if (threads == 0) threads = default_time_readers();
+  std::vector<std::unique_ptr<EntryBatch>> batches;
+  std::optional<TimeReaders> readers;  // after batches: ends before them
+  size_t given = 0;
+  size_t to_read = 0;
+  auto give_full_batches = [&] {
+    for (; given + 1 < batches.size(); ++given) readers->give(*batches[given]);
+  };
   std::vector<bool> matched(patterns.size());
   while (const dirent* entry = readdir(dir.get())) {
     // The entry's type, where the file system gives it, spares a stat of
@@ -66,10 +68,43 @@ std::optional<std::vector<FileListing>> list_files(const std::string& directory,
       any = any || matched[k];
     }
     if (!any) continue;
-    auto modified = file_time(dir_fd, *entry, cache);
-    if (!modified) continue;
-    for (size_t k = 0; k < patterns.size(); ++k) {
-      if (matched[k]) listings[k].add(name, *modified);
+    if (batches.empty() || batches.back()->size() == kBatchEntries) {
+      batches.push_back(std::make_unique<EntryBatch>(patterns.size()));
+      if (readers) give_full_batches();
+    }
+    EntryBatch::Entry& added = batches.back()->add(name, entry->d_ino, matched);
+    // A symbolic link is always followed afresh.
+    added.cacheable = cache != nullptr && entry->d_type == DT_REG;
+    std::optional<int64_t> known;
+    if (added.cacheable) known = cache->known_time(name, entry->d_ino);
+    if (known) {
+      added.is_file = true;
+      added.modified_ns = *known;
+    } else {
+      added.to_read = true;
+      if (++to_read == kThreadsFrom && threads > 1) {
+        readers.emplace(dir_fd, threads);
+        give_full_batches();
+      }
+    }
+  }
+  if (readers) {
+    for (; given < batches.size(); ++given) readers->give(*batches[given]);
+    readers->finish();
+  } else {
+    for (auto& batch : batches) batch->read_times(dir_fd);
+  }
+  std::vector<FileListing> listings(patterns.size());
+  for (const auto& batch : batches) {
+    for (size_t i = 0; i < batch->size(); ++i) {
+      const EntryBatch::Entry& entry = batch->entry(i);
+      if (!entry.is_file) continue;
+      if (entry.to_read && entry.cacheable) {
+        cache->remember(batch->name(i), entry.inode, entry.modified_ns);
+      }
+      for (size_t k = 0; k < patterns.size(); ++k) {
+        if (batch->matches(i, k)) listings[k].add(batch->name(i), entry.modified_ns);
+      }
     }
   }
   if (cache != nullptr) cache->end();
