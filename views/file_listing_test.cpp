@@ -90,6 +90,34 @@ TEST(FileListingTest, EqualAgesKeepListingOrderInABigListing) {
   for (size_t i = 0; i < out.size(); ++i) ASSERT_EQ(out[i], expected[i].second) << i;
 }
 
+// Times that differ in any of their bytes, before 1970 too, and repeat:
+// the order is the one a stable sort by time gives.
+TEST(FileListingTest, SortsTimesOfEveryRangeAndSign) {
+  const int64_t times[] = {int64_t{1700000000} * 1000000000 + 1,
+                           int64_t{1700000000} * 1000000000,
+                           -int64_t{86400} * 1000000000,
+                           0,
+                           int64_t{1700000000} * 1000000000 + 256,
+                           -1,
+                           INT64_MAX,
+                           INT64_MIN,
+                           int64_t{1} << 40};
+  FileListing listing;
+  std::vector<std::pair<int64_t, std::string>> expected;
+  for (int i = 0; i < 300; ++i) {
+    std::string name = "f" + std::to_string(i);
+    int64_t age = times[(i * 5) % std::size(times)];
+    listing.add(name, age);
+    expected.emplace_back(age, name);
+  }
+  std::stable_sort(expected.begin(), expected.end(),
+                   [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::vector<std::string> out;
+  sort_by_age(listing, kServerStopFile, out);
+  ASSERT_EQ(out.size(), expected.size());
+  for (size_t i = 0; i < out.size(); ++i) ASSERT_EQ(out[i], expected[i].second) << i;
+}
+
 TEST(FileListingTest, PinsTheStopRequestWhateverItsAgeOrCase) {
   for (const char* stop : {"stopserv.msg", "STOPSERV.MSG", "StopServ.Msg"}) {
     FileListing listing = listing_of({{"px03.msg", 30}, {"px01.msg", 10}, {stop, 50},
