@@ -38,6 +38,11 @@ void FileListing::add(std::string_view name, int64_t modified_ns) {
   names_.append(name);
 }
 
+void FileListing::reserve(size_t files, size_t name_bytes) {
+  files_.reserve(files);
+  names_.reserve(name_bytes);
+}
+
 // The directory is read in batches of entries. The time of a plain file the
 // cache knows is taken from it at once; the others are read by the batch,
 // on threads once there are enough of them (a batch is given away as soon
@@ -58,7 +63,9 @@ std::optional<std::vector<FileListing>> list_files(const std::string& directory,
   auto give_full_batches = [&] {
     for (; given + 1 < batches.size(); ++given) readers->give(*batches[given]);
   };
-  std::vector<bool> matched(patterns.size());
+  std::vector<char> matched(patterns.size());
+  // What each listing will hold at most, to make room for it once.
+  std::vector<std::pair<size_t, size_t>> sizes(patterns.size());
   while (const dirent* entry = readdir(dir.get())) {
     // The entry's type, where the file system gives it, spares a stat of
     // every subdirectory.
@@ -67,7 +74,11 @@ std::optional<std::vector<FileListing>> list_files(const std::string& directory,
     bool any = false;
     for (size_t k = 0; k < patterns.size(); ++k) {
       matched[k] = matches_file_pattern(name, patterns[k]);
-      any = any || matched[k];
+      if (matched[k]) {
+        ++sizes[k].first;
+        sizes[k].second += name.size();
+        any = true;
+      }
     }
     if (!any) continue;
     if (batches.empty() || batches.back()->size() == kBatchEntries) {
@@ -97,6 +108,7 @@ std::optional<std::vector<FileListing>> list_files(const std::string& directory,
     for (auto& batch : batches) batch->read_times(dir_fd);
   }
   std::vector<FileListing> listings(patterns.size());
+  for (size_t k = 0; k < patterns.size(); ++k) listings[k].reserve(sizes[k].first, sizes[k].second);
   for (const auto& batch : batches) {
     for (size_t i = 0; i < batch->size(); ++i) {
       const EntryBatch::Entry& entry = batch->entry(i);

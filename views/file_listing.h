@@ -35,6 +35,8 @@ class FileListing {
   int64_t modified_ns(size_t i) const { return files_[i].modified_ns; }
 
   void add(std::string_view name, int64_t modified_ns);
+  // Makes room for files whose names take name_bytes in all.
+  void reserve(size_t files, size_t name_bytes);
 
  private:
   struct File {

@@ -9,7 +9,7 @@
 namespace px::views {
 
 EntryBatch::Entry& EntryBatch::add(std::string_view name, ino_t inode,
-                                   const std::vector<bool>& matched) {
+                                   const std::vector<char>& matched) {
   Entry entry;
   entry.name_at = names_.size();
   entry.name_size = name.size();

@@ -45,11 +45,11 @@ class EntryBatch {
   std::string_view name(size_t i) const {
     return std::string_view(names_).substr(entries_[i].name_at, entries_[i].name_size);
   }
-  bool matches(size_t i, size_t pattern) const { return matched_[i * patterns_ + pattern]; }
+  bool matches(size_t i, size_t pattern) const { return matched_[i * patterns_ + pattern] != 0; }
 
   // Adds an entry that matches the patterns marked in matched (one flag a
   // pattern); returns it.
-  Entry& add(std::string_view name, ino_t inode, const std::vector<bool>& matched);
+  Entry& add(std::string_view name, ino_t inode, const std::vector<char>& matched);
 
   // Reads the time of each entry to read, relative to the directory open
   // as dir_fd. An entry gone meanwhile, or not a plain file, is no file.
@@ -59,7 +59,7 @@ class EntryBatch {
   size_t patterns_;
   std::string names_;
   std::vector<Entry> entries_;
-  std::vector<bool> matched_;  // patterns_ flags an entry
+  std::vector<char> matched_;  // patterns_ flags an entry
 };
 
 // Threads that read the times of the batches given to them. The thread that
