@@ -44,7 +44,8 @@ views::ViewHost view_host(Console& console) {
           [&console](tk::WindowId w) { console.help().forget(w); },
           [&console](tk::WindowId w, bool open) {
             console.overview().view_open(console.task(), w, open);
-          }};
+          },
+          console.overview().listing_cache()};
 }
 
 // The JMD list a File > Job Management Database item opens.

@@ -4,14 +4,17 @@
 
 namespace px::views {
 
+std::shared_ptr<SharedListingCache> BackgroundListing::cache() {
+  if (!cache_) cache_ = std::make_shared<SharedListingCache>();
+  return cache_;
+}
+
 bool BackgroundListing::start(std::vector<BlockPlan> plans) {
   if (busy()) return false;
   state_ = std::make_shared<State>();
-  // One listing at a time uses the cache: a new one starts only after the
-  // last was taken, that is, after its thread was done with the cache.
-  if (!cache_) cache_ = std::make_shared<ListingCache>();
-  std::thread([state = state_, cache = cache_, plans = std::move(plans)] {
-    std::vector<ListedBlock> blocks = list_blocks(plans, cache.get());
+  std::thread([state = state_, cache = cache(), plans = std::move(plans)] {
+    std::vector<ListedBlock> blocks =
+        cache->use([&](ListingCache* known) { return list_blocks(plans, known); });
     std::lock_guard lock(state->mutex);
     state->blocks = std::move(blocks);
     state->done = true;

@@ -74,5 +74,47 @@ TEST_F(BackgroundListingTest, EveryListingSeesTheChangesSinceTheLast) {
   EXPECT_EQ(files(), (std::vector<std::string>{"c.dat", "a.dat"}));
 }
 
+// The task window's overview and the status view share one cache: the
+// view's first listing reads no time the overview's listing read. A listing
+// that finds the cache in use lists without it, and right.
+TEST_F(BackgroundListingTest, ListingsOfTwoWindowsShareOneCache) {
+  std::string data = dir_.file("data");
+  ::mkdir(data.c_str(), 0755);
+  std::string config = dir_.write(
+      "a.ini", "[Plexar]\nWindowTitle=A\n[Options]\nFileSpec=*.dat\n[Paths]\nDataPath=" + data + "\n");
+  dir_.write("install.ini", "[Configuration]\na=" + config + "\n");
+  for (int i = 0; i < 50; ++i) {
+    set_modified(dir_.write("data/f" + std::to_string(i) + ".dat", "x"), 1000 - i);
+  }
+  auto waiting = [&](BackgroundListing& listing) {
+    if (!listing.start(plan_status_queue())) return -1;
+    auto blocks = listing.take(std::chrono::seconds(5));
+    return blocks && blocks->size() == 1 ? blocks->front().waiting : -1;
+  };
+  BackgroundListing overview;
+  BackgroundListing status;
+  status.share_cache(overview.cache());
+  auto times_read = [&] {
+    return overview.cache()->use([](ListingCache* cache) { return cache->times_read(); });
+  };
+
+  EXPECT_EQ(waiting(overview), 50);
+  const uint64_t read_by_overview = times_read();
+  EXPECT_GE(read_by_overview, 50u);
+  EXPECT_EQ(waiting(status), 50);
+  EXPECT_EQ(times_read(), read_by_overview);
+  set_modified(dir_.file("data/f3.dat"), 5000);  // read again, into the shared cache
+  EXPECT_EQ(waiting(status), 50);
+  EXPECT_EQ(times_read(), read_by_overview + 1);
+
+  ::unlink(dir_.file("data/f7.dat").c_str());
+  overview.cache()->use([&](ListingCache* cache) {
+    EXPECT_NE(cache, nullptr);
+    EXPECT_EQ(waiting(status), 49);  // the cache in use: listed without it
+    return 0;
+  });
+  EXPECT_EQ(times_read(), read_by_overview + 1);
+}
+
 }  // namespace
 }  // namespace px::views

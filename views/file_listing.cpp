@@ -5,10 +5,13 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <array>
+#include <utility>
 #include <memory>
 
 #include "common/file_pattern.h"
 #include "common/text.h"
+#include "views/time_readers.h"
 
 namespace px::views {
 
@@ -20,24 +23,13 @@ DirHandle open_directory(const std::string& directory) {
   return DirHandle(directory.empty() ? nullptr : opendir(directory.c_str()), closedir);
 }
 
-int64_t nanoseconds(const struct timespec& t) {
-  return static_cast<int64_t>(t.tv_sec) * 1000000000 + t.tv_nsec;
-}
+// Entries a batch holds: enough that handing one to a thread costs little
+// beside the stat calls it holds.
+constexpr size_t kBatchEntries = 1024;
 
-// The time of a plain file of the directory open as dir_fd; nullopt for
-// anything else. The directory entry's type and inode let the cache answer
-// for regular files; a symbolic link is always followed afresh.
-std::optional<int64_t> file_time(int dir_fd, const dirent& entry, ListingCache* cache) {
-  const bool cacheable = cache != nullptr && entry.d_type == DT_REG;
-  if (cacheable) {
-    if (auto known = cache->known_time(entry.d_name, entry.d_ino)) return known;
-  }
-  struct stat info {};
-  if (fstatat(dir_fd, entry.d_name, &info, 0) != 0 || !S_ISREG(info.st_mode)) return std::nullopt;
-  int64_t modified = nanoseconds(info.st_mtim);
-  if (cacheable) cache->remember(entry.d_name, entry.d_ino, modified);
-  return modified;
-}
+// Times to read before a listing starts threads: below this, starting them
+// costs more than they save.
+constexpr size_t kThreadsFrom = 4096;
 
 }  // namespace
 
@@ -46,15 +38,34 @@ void FileListing::add(std::string_view name, int64_t modified_ns) {
   names_.append(name);
 }
 
+void FileListing::reserve(size_t files, size_t name_bytes) {
+  files_.reserve(files);
+  names_.reserve(name_bytes);
+}
+
+// The directory is read in batches of entries. The time of a plain file the
+// cache knows is taken from it at once; the others are read by the batch,
+// on threads once there are enough of them (a batch is given away as soon
+// as it is full, so the times are read while the directory still is). The
+// listings are then made from the batches in the directory's order.
 std::optional<std::vector<FileListing>> list_files(const std::string& directory,
                                                    std::span<const std::string_view> patterns,
-                                                   ListingCache* cache) {
+                                                   ListingCache* cache, unsigned threads) {
   DirHandle dir = open_directory(directory);
   if (!dir) return std::nullopt;
   const int dir_fd = dirfd(dir.get());
   if (cache != nullptr && !cache->begin(dir_fd)) cache = nullptr;
-  std::vector<FileListing> listings(patterns.size());
-  std::vector<bool> matched(patterns.size());
+  if (threads == 0) threads = default_time_readers();
+  std::vector<std::unique_ptr<EntryBatch>> batches;
+  std::optional<TimeReaders> readers;  // after batches: ends before them
+  size_t given = 0;
+  size_t to_read = 0;
+  auto give_full_batches = [&] {
+    for (; given + 1 < batches.size(); ++given) readers->give(*batches[given]);
+  };
+  std::vector<char> matched(patterns.size());
+  // What each listing will hold at most, to make room for it once.
+  std::vector<std::pair<size_t, size_t>> sizes(patterns.size());
   while (const dirent* entry = readdir(dir.get())) {
     // The entry's type, where the file system gives it, spares a stat of
     // every subdirectory.
@@ -63,13 +74,51 @@ std::optional<std::vector<FileListing>> list_files(const std::string& directory,
     bool any = false;
     for (size_t k = 0; k < patterns.size(); ++k) {
       matched[k] = matches_file_pattern(name, patterns[k]);
-      any = any || matched[k];
+      if (matched[k]) {
+        ++sizes[k].first;
+        sizes[k].second += name.size();
+        any = true;
+      }
     }
     if (!any) continue;
-    auto modified = file_time(dir_fd, *entry, cache);
-    if (!modified) continue;
-    for (size_t k = 0; k < patterns.size(); ++k) {
-      if (matched[k]) listings[k].add(name, *modified);
+    if (batches.empty() || batches.back()->size() == kBatchEntries) {
+      batches.push_back(std::make_unique<EntryBatch>(patterns.size()));
+      if (readers) give_full_batches();
+    }
+    EntryBatch::Entry& added = batches.back()->add(name, entry->d_ino, matched);
+    // A symbolic link is always followed afresh.
+    added.cacheable = cache != nullptr && entry->d_type == DT_REG;
+    std::optional<int64_t> known;
+    if (added.cacheable) known = cache->known_time(name, entry->d_ino);
+    if (known) {
+      added.is_file = true;
+      added.modified_ns = *known;
+    } else {
+      added.to_read = true;
+      if (++to_read == kThreadsFrom && threads > 1) {
+        readers.emplace(dir_fd, threads);
+        give_full_batches();
+      }
+    }
+  }
+  if (readers) {
+    for (; given < batches.size(); ++given) readers->give(*batches[given]);
+    readers->finish();
+  } else {
+    for (auto& batch : batches) batch->read_times(dir_fd);
+  }
+  std::vector<FileListing> listings(patterns.size());
+  for (size_t k = 0; k < patterns.size(); ++k) listings[k].reserve(sizes[k].first, sizes[k].second);
+  for (const auto& batch : batches) {
+    for (size_t i = 0; i < batch->size(); ++i) {
+      const EntryBatch::Entry& entry = batch->entry(i);
+      if (!entry.is_file) continue;
+      if (entry.to_read && entry.cacheable) {
+        cache->remember(batch->name(i), entry.inode, entry.modified_ns);
+      }
+      for (size_t k = 0; k < patterns.size(); ++k) {
+        if (batch->matches(i, k)) listings[k].add(batch->name(i), entry.modified_ns);
+      }
     }
   }
   if (cache != nullptr) cache->end();
@@ -115,6 +164,35 @@ size_t count_pinned(const FileListing& listing, std::string_view pinned) {
   return count;
 }
 
+// A file's age as a key and its position in the listing.
+struct AgeKey {
+  uint64_t age;
+  size_t at;
+};
+
+// Puts keys in order of age, keys of the same age in their given order: a
+// stable radix sort a byte a pass, lowest first, that skips the bytes every
+// key shares (the high bytes of times close together). Over a big listing
+// it costs a few passes instead of the comparisons of a sort.
+void sort_by_age(std::vector<AgeKey>& keys) {
+  if (keys.size() < 2) return;
+  constexpr int kBytes = sizeof(uint64_t);
+  std::vector<std::array<size_t, 256>> counts(kBytes);
+  uint64_t differing = 0;
+  for (const AgeKey& key : keys) {
+    differing |= key.age ^ keys.front().age;
+    for (int b = 0; b < kBytes; ++b) ++counts[b][(key.age >> (8 * b)) & 0xFF];
+  }
+  std::vector<AgeKey> sorted(keys.size());
+  for (int b = 0; b < kBytes; ++b) {
+    if (((differing >> (8 * b)) & 0xFF) == 0) continue;
+    size_t next = 0;
+    for (size_t& count : counts[b]) next += std::exchange(count, next);
+    for (const AgeKey& key : keys) sorted[counts[b][(key.age >> (8 * b)) & 0xFF]++] = key;
+    keys.swap(sorted);
+  }
+}
+
 }  // namespace
 
 void sort_by_age(const FileListing& listing, std::string_view pinned,
@@ -124,27 +202,19 @@ void sort_by_age(const FileListing& listing, std::string_view pinned,
     insert_by_age(listing, pinned, out);
     return;
   }
-  // Sorted as (time, position) pairs: small to move, and the position
-  // keeps files of the same age in listing order without a stable sort.
-  struct Key {
-    int64_t modified_ns;
-    size_t at;
-    bool operator<(const Key& other) const {
-      return modified_ns != other.modified_ns ? modified_ns < other.modified_ns : at < other.at;
-    }
-  };
-  std::vector<Key> keys;
+  std::vector<AgeKey> keys;
   keys.reserve(listing.size());
   out.reserve(out.size() + listing.size());
   for (size_t i = 0; i < listing.size(); ++i) {
     if (iequals(listing.name(i), pinned)) {
       out.emplace_back(listing.name(i));
     } else {
-      keys.push_back({listing.modified_ns(i), i});
+      // The sign bit flipped, times before 1970 sort before those after.
+      keys.push_back({static_cast<uint64_t>(listing.modified_ns(i)) ^ (uint64_t{1} << 63), i});
     }
   }
-  std::sort(keys.begin(), keys.end());
-  for (const Key& key : keys) out.emplace_back(listing.name(key.at));
+  sort_by_age(keys);
+  for (const AgeKey& key : keys) out.emplace_back(listing.name(key.at));
 }
 
 }  // namespace px::views

@@ -4,8 +4,9 @@
 //
 // A listing reads the directory once, whatever the number of patterns, and
 // the time of each matching file with one stat relative to the open
-// directory; through a ListingCache, only the times of files changed since
-// the last listing are read.
+// directory, spread over a few threads in a big directory; through a
+// ListingCache, only the times of files changed since the last listing are
+// read.
 //
 // Views only read: nothing here creates, changes or locks a file.
 #pragma once
@@ -34,6 +35,8 @@ class FileListing {
   int64_t modified_ns(size_t i) const { return files_[i].modified_ns; }
 
   void add(std::string_view name, int64_t modified_ns);
+  // Makes room for files whose names take name_bytes in all.
+  void reserve(size_t files, size_t name_bytes);
 
  private:
   struct File {
@@ -55,9 +58,13 @@ std::optional<FileListing> list_files(const std::string& directory, std::string_
 
 // The same for several patterns in one read of the directory: listing k
 // holds the files that match patterns[k] (a file may be in more than one).
+// Past a few thousand times to read, they are read on up to threads threads
+// (0: one a processor core, at most 4; 1: only the calling one); the
+// listings are the same whatever the number.
 std::optional<std::vector<FileListing>> list_files(const std::string& directory,
                                                    std::span<const std::string_view> patterns,
-                                                   ListingCache* cache = nullptr);
+                                                   ListingCache* cache = nullptr,
+                                                   unsigned threads = 0);
 
 // True when directory can be searched for entries, which is how the views
 // tell an existing collector or error directory.

@@ -1,7 +1,10 @@
 #include "views/file_listing.h"
 
+#include <dirent.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 
@@ -87,6 +90,34 @@ TEST(FileListingTest, EqualAgesKeepListingOrderInABigListing) {
   for (size_t i = 0; i < out.size(); ++i) ASSERT_EQ(out[i], expected[i].second) << i;
 }
 
+// Times that differ in any of their bytes, before 1970 too, and repeat:
+// the order is the one a stable sort by time gives.
+TEST(FileListingTest, SortsTimesOfEveryRangeAndSign) {
+  const int64_t times[] = {int64_t{1700000000} * 1000000000 + 1,
+                           int64_t{1700000000} * 1000000000,
+                           -int64_t{86400} * 1000000000,
+                           0,
+                           int64_t{1700000000} * 1000000000 + 256,
+                           -1,
+                           INT64_MAX,
+                           INT64_MIN,
+                           int64_t{1} << 40};
+  FileListing listing;
+  std::vector<std::pair<int64_t, std::string>> expected;
+  for (int i = 0; i < 300; ++i) {
+    std::string name = "f" + std::to_string(i);
+    int64_t age = times[(i * 5) % std::size(times)];
+    listing.add(name, age);
+    expected.emplace_back(age, name);
+  }
+  std::stable_sort(expected.begin(), expected.end(),
+                   [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::vector<std::string> out;
+  sort_by_age(listing, kServerStopFile, out);
+  ASSERT_EQ(out.size(), expected.size());
+  for (size_t i = 0; i < out.size(); ++i) ASSERT_EQ(out[i], expected[i].second) << i;
+}
+
 TEST(FileListingTest, PinsTheStopRequestWhateverItsAgeOrCase) {
   for (const char* stop : {"stopserv.msg", "STOPSERV.MSG", "StopServ.Msg"}) {
     FileListing listing = listing_of({{"px03.msg", 30}, {"px01.msg", 10}, {stop, 50},
@@ -109,6 +140,101 @@ TEST(FileListingTest, ASecondStopRequestIsPlacedAfterTheFirst) {
   sort_by_age(listing, kServerStopFile, out);
   EXPECT_EQ(out, (std::vector<std::string>{"STOPSERV.MSG", "px00.msg", "px03.msg", "stopserv.msg",
                                            "px01.msg", "px02.msg", "px05.msg"}));
+}
+
+// The names and times of a listing, in its order.
+std::vector<std::pair<std::string, int64_t>> entries_of(const FileListing& files) {
+  std::vector<std::pair<std::string, int64_t>> entries;
+  for (size_t i = 0; i < files.size(); ++i) entries.emplace_back(files.name(i), files.modified_ns(i));
+  return entries;
+}
+
+// A directory big enough for the times to be read on several threads, with
+// few distinct ages (so that equal ages must keep the directory's order)
+// and entries that are not plain files among the names that match.
+class BigDirectoryTest : public ::testing::Test {
+ protected:
+  static constexpr int kFiles = 12000;
+
+  void SetUp() override {
+    for (int i = 0; i < kFiles; ++i) {
+      std::string name = "ORD" + std::to_string(100000 + i) + ".DAT";
+      int fd = ::open(dir_.file(name).c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0644);
+      ASSERT_GE(fd, 0);
+      const struct timespec when = {1700000000 + (i * 7919) % 13, 0};
+      const struct timespec times[2] = {when, when};
+      ::futimens(fd, times);
+      ::close(fd);
+    }
+    ::mkdir(dir_.file("SUB.DAT").c_str(), 0755);
+    ASSERT_EQ(::symlink("ORD100007.DAT", dir_.file("LINK.DAT").c_str()), 0);
+    ASSERT_EQ(::symlink("missing", dir_.file("DANGLING.DAT").c_str()), 0);
+    ASSERT_EQ(::symlink("SUB.DAT", dir_.file("LINKDIR.DAT").c_str()), 0);
+    dir_.write("px01.msg", "job");
+  }
+
+  // The names of the directory's entries in the order it gives them.
+  std::vector<std::string> directory_order() {
+    std::vector<std::string> names;
+    DIR* dir = ::opendir(dir_.path().c_str());
+    while (const dirent* entry = ::readdir(dir)) names.emplace_back(entry->d_name);
+    ::closedir(dir);
+    return names;
+  }
+
+  TestDir dir_;
+};
+
+TEST_F(BigDirectoryTest, ThreadsGiveTheListingOfOneThreadAndTheCacheKeepsIt) {
+  const std::string_view patterns[] = {"px*.msg", "*.DAT"};
+  auto alone = list_files(dir_.path(), patterns, nullptr, 1);
+  auto shared = list_files(dir_.path(), patterns, nullptr, 4);
+  ASSERT_TRUE(alone && shared);
+  ASSERT_EQ((*shared)[1].size(), size_t{kFiles} + 1);  // the files and the link to one
+  for (size_t k = 0; k < 2; ++k) EXPECT_EQ(entries_of((*shared)[k]), entries_of((*alone)[k]));
+  EXPECT_EQ(entries_of((*shared)[0]), entries_of(*list_files(dir_.path(), "px*.msg")));
+
+  // In the directory's order, each with its own time.
+  std::vector<std::string> expected;
+  for (const std::string& name : directory_order()) {
+    if (name.starts_with("ORD") || name == "LINK.DAT") expected.push_back(name);
+  }
+  const FileListing& files = (*shared)[1];
+  for (size_t i = 0; i < files.size(); ++i) {
+    ASSERT_EQ(files.name(i), expected[i]) << i;
+    std::string_view number = files.name(i) == "LINK.DAT" ? "100007" : files.name(i).substr(3, 6);
+    int64_t seconds = 1700000000 + (std::stoi(std::string(number)) - 100000) * 7919 % 13;
+    ASSERT_EQ(files.modified_ns(i), seconds * 1000000000) << files.name(i);
+  }
+
+  // Sorted, equal ages keep that order.
+  std::vector<std::string> by_age;
+  sort_by_age(files, kServerStopFile, by_age);
+  std::vector<std::pair<int64_t, std::string>> stable;
+  for (size_t i = 0; i < files.size(); ++i) stable.emplace_back(files.modified_ns(i), files.name(i));
+  std::stable_sort(stable.begin(), stable.end(),
+                   [](const auto& a, const auto& b) { return a.first < b.first; });
+  for (size_t i = 0; i < stable.size(); ++i) ASSERT_EQ(by_age[i], stable[i].second) << i;
+
+  // Times read on threads are remembered by the cache like those read
+  // alone: a refresh after changes gives what a fresh listing gives.
+  ListingCache cache;
+  auto first = list_files(dir_.path(), patterns, &cache, 4);
+  ASSERT_TRUE(first);
+  EXPECT_EQ(entries_of((*first)[1]), entries_of((*alone)[1]));
+  const uint64_t read_first = cache.times_read();
+  EXPECT_GE(read_first, uint64_t{kFiles});
+
+  set_modified(dir_.file("ORD100005.DAT"), 1600000000);
+  set_modified(dir_.file("ORD111999.DAT"), 1800000000);
+  ASSERT_EQ(::unlink(dir_.file("ORD100011.DAT").c_str()), 0);
+  auto refreshed = list_files(dir_.path(), patterns, &cache, 4);
+  auto fresh = list_files(dir_.path(), patterns, nullptr, 1);
+  ASSERT_TRUE(refreshed && fresh);
+  for (size_t k = 0; k < 2; ++k) EXPECT_EQ(entries_of((*refreshed)[k]), entries_of((*fresh)[k]));
+  // Only the two changed files were read again (the link is followed
+  // afresh, outside the cache).
+  EXPECT_EQ(cache.times_read() - read_first, 2u);
 }
 
 }  // namespace

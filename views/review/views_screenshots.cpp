@@ -112,7 +112,7 @@ int main(int argc, char** argv) {
 
   auto toolkit = px::tk::make_qt_toolkit(argc, argv);
   px::SystemClock clock;
-  px::views::ViewHost host{*toolkit, op, clock, {}, {}, {}};
+  px::views::ViewHost host{*toolkit, op, clock, {}, {}, {}, {}};
   bool ok = true;
   auto shoot = [&](px::tk::Window w, const std::string& name) {
     px::tk::run_events_for(200);

@@ -213,6 +213,9 @@ tk::Window status_queue_window(tk::Toolkit& toolkit) {
 }
 
 tk::Window show_status_queue(const ViewHost& host) {
+  if (host.listing_cache && !the_view().listing.busy()) {
+    the_view().listing.share_cache(host.listing_cache);
+  }
   tk::Window open = status_queue_window(host.toolkit);
   if (open.exists()) {
     fill(open, true, host.clock);

@@ -27,6 +27,9 @@ class TaskOverview {
   // A view window opened (open true) or is going.
   void view_open(tk::Window task, tk::WindowId view, bool open);
 
+  // The cache of the overview's listings, for the status view to share.
+  std::shared_ptr<SharedListingCache> listing_cache() { return listing_.cache(); }
+
   bool shown() const { return views_.empty(); }
   const std::vector<std::string>& lines() const { return lines_; }
 

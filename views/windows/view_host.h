@@ -7,11 +7,13 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "config/operator.h"
 #include "control/clock.h"
 #include "toolkit/toolkit.h"
+#include "views/background_listing.h"
 
 namespace px::views {
 
@@ -29,6 +31,9 @@ struct ViewHost {
   // Told that a view window opened (true) or is being destroyed (false);
   // nothing when not set.
   std::function<void(tk::WindowId, bool)> view_open;
+  // The listing cache the status view shares with the task window's
+  // overview; the view keeps its own when not set.
+  std::shared_ptr<SharedListingCache> listing_cache;
 
   void help_on(tk::Window w, const std::string& topic) const {
     if (register_help) register_help(w.id(), topic);

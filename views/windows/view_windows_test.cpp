@@ -123,7 +123,7 @@ class ViewWindowsTest : public ::testing::Test {
   tk::HeadlessToolkit tk;
   RecordingOperator op;
   FixedClock clock{clock_time(14, 41, 9)};
-  ViewHost host{tk, op, clock, {}, {}, {}};
+  ViewHost host{tk, op, clock, {}, {}, {}, {}};
   std::vector<std::string> failures;
 };
 
