@@ -24,8 +24,13 @@ namespace {
 using px::editors::FormMode;
 using px::editors::ListKind;
 
+// The editor's operator; what it was shown is forgotten after every input.
+px::RecordingOperator& op() {
+  static px::RecordingOperator recorder;
+  return recorder;
+}
+
 px::editors::JmdFile& jmd() {
-  static px::RecordingOperator op;
   static std::unique_ptr<px::editors::JmdFile> file = [] {
     char name[] = "/tmp/jmd_edit_fuzz.XXXXXX";
     int fd = mkstemp(name);
@@ -38,7 +43,7 @@ px::editors::JmdFile& jmd() {
         "!m HP4 4096 *\n";
     if (write(fd, text.data(), text.size()) != static_cast<ssize_t>(text.size())) std::abort();
     close(fd);
-    auto loaded = std::make_unique<px::editors::JmdFile>(name, op);
+    auto loaded = std::make_unique<px::editors::JmdFile>(name, op());
     if (!loaded->load()) std::abort();
     unlink(name);
     return loaded;
@@ -101,5 +106,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     size_t widest = kLineWidth[k] + (list == ListKind::kMemory ? kWidestAmount - 9 : 0);
     if (width < kLineWidth[k] || width > widest) std::abort();
   }
+  op().clear();
   return 0;
 }
