@@ -33,7 +33,8 @@ class LiveDispatchTest : public ShellTest {
   void SetUp() override {
     ASSERT_TRUE(live.start_simulator({"--port", "0", "--stopped", "south", "north", "south"}))
         << live.simulator_log();
-    ASSERT_EQ(live.state(), "3\trunning");
+    // The simulator listens before it has started its servers.
+    ASSERT_TRUE(eventually([&] { return live.state() == "3\trunning"; })) << live.state();
     use_console_ini(live.path("pxcntrl.ini"));
     start();
     live.signal_simulator(SIGSTOP);

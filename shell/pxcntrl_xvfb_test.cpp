@@ -45,7 +45,8 @@ class PxcntrlUnderX : public ::testing::Test {
     ASSERT_NE(std::getenv("DISPLAY"), nullptr) << "run under xvfb-run";
     ASSERT_TRUE(live.start_simulator({"--port", "0", "--stopped", "south", "north", "south"}))
         << live.simulator_log();
-    ASSERT_EQ(live.state(), "3\trunning");
+    // The simulator listens before it has started its servers.
+    ASSERT_TRUE(eventually([&] { return live.state() == "3\trunning"; })) << live.state();
   }
 
   void TearDown() override {
