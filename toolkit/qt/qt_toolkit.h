@@ -183,7 +183,7 @@ class QtToolkit final : public Toolkit {
   void raise(WindowId w) override;
   void destroy(WindowId w) override;
   Rect frame(WindowId w) override;
-  void set_frame(WindowId w, const Rect& frame) override;
+  void set_frame(WindowId w, const Rect& rect) override;
   Size client_size(WindowId w) override;
   void invalidate(WindowId w) override;
   void clear(WindowId w, Color color) override;
