@@ -140,7 +140,7 @@ class JmdEditor {
   OkResult ok_task(const RowForm& form, long row);
   OkResult ok_printer(const RowForm& form, long row);
   OkResult ok_memory(const RowForm& form, long row);
-  OkResult refuse(int message, int focus, std::vector<std::string> args = {});
+  OkResult refuse(int message, int focus, const std::vector<std::string>& args = {});
   bool delete_job(engine::Table& jobs, const std::string& name);
   void internal_error(const char* module, int line);
 
