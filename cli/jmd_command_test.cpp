@@ -77,7 +77,7 @@ TEST_F(PxctlJmdTest, FailuresShowTheirMessage) {
   std::string big = dir_.write("big.jmd", jobs);
   ProgramResult limited;
   {
-    FileSizeLimit limit(256 * 1024);
+    FileSizeLimit limit(uint64_t{256} * 1024);
     ASSERT_TRUE(limit.set());
     limited = pxctl({"jmd", "save", big, dir_.file("big-out.jmd")});
   }

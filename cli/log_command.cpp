@@ -104,7 +104,7 @@ int follow(views::LogIndex& index, std::optional<int64_t> from, Operator& op) {
   } else {
     print_lines(follower.last_lines(views::kPageLines));
   }
-  const struct timespec pause = {0, 200 * 1000 * 1000};
+  const struct timespec pause = {0, 200L * 1000 * 1000};
   while (!g_interrupted) {
     nanosleep(&pause, nullptr);
     auto poll = follower.poll();

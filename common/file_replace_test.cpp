@@ -212,7 +212,7 @@ TEST_F(FileReplaceTest, RewriteRefusesWhatIsNotARegularFile) {
   std::filesystem::create_directory(dir_.file("dir.ini"));
   ASSERT_EQ(mkfifo(dir_.file("fifo.ini").c_str(), 0600), 0);
   auto change = [](const std::optional<std::string>&) { return std::optional<std::string>("x"); };
-  for (std::string path : {dir_.file("dir.ini"), dir_.file("fifo.ini"), std::string("/dev/null")}) {
+  for (const std::string& path : {dir_.file("dir.ini"), dir_.file("fifo.ini"), std::string("/dev/null")}) {
     SCOPED_TRACE(path);
     FileResult result = rewrite_file(path, change);
     EXPECT_EQ(result.failed, FileStep::kLock);

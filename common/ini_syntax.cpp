@@ -253,12 +253,10 @@ std::string rewrite_text(std::string_view old_text, const IniChange& change,
       out += piece;
     } else {
       flush_blanks();
-      if (!in_target) {
-        out += piece;
-      } else if (change.key && iequals(writer_key(piece, delims), *change.key)) {
+      if (in_target && change.key && iequals(writer_key(piece, delims), *change.key)) {
         if (change.value) out += entry_line(*change.key, *change.value, delims);
         done = true;
-      } else if (change.key) {
+      } else if (!in_target || change.key) {
         out += piece;
       }  // with no key every entry of the section is dropped
     }

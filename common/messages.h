@@ -65,8 +65,9 @@ std::string message_label(int n);
 // The level of the message most recently looked up.
 int current_level();
 
-// Logs text, already looked up for message n, at the current level.
-void emit(int n, std::string_view text);
+// Logs raw, the text already looked up for message n, expanded, at the
+// current level.
+void emit(int n, std::string_view raw);
 // Logs a text that is not a numbered message when level reaches the
 // verbosity.
 void log_line(int level, std::string_view text);

@@ -25,7 +25,7 @@ class NotifySocket {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     std::snprintf(address.sun_path, sizeof address.sun_path, "%s", path.c_str());
-    ::bind(fd_.get(), reinterpret_cast<sockaddr*>(&address), sizeof address);
+    EXPECT_EQ(::bind(fd_.get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0) << path;
     ::setenv("NOTIFY_SOCKET", path.c_str(), 1);
   }
   ~NotifySocket() { ::unsetenv("NOTIFY_SOCKET"); }

@@ -183,7 +183,7 @@ TEST(JmdReaderTest, WholeFileWithSkippedLinesAndBothKeyCases) {
 
 TEST(JmdReaderTest, BadHeaderAndRefusedRecord) {
   auto accept = [](int, std::span<const char>) { return true; };
-  for (std::string text : {std::string(), std::string("# Plexar Job Management Database\n!f A\n"),
+  for (const std::string& text : {std::string(), std::string("# Plexar Job Management Database\n!f A\n"),
                            "\n" + std::string(kHeader)}) {
     LineSource source(text);
     RecordingReporter reporter;

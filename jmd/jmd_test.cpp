@@ -192,7 +192,7 @@ TEST_F(JmdTest, ARecordThatCannotBeWrittenIsRefusedAsAWriteFailure) {
   for (int k = 0; k < 3000; ++k) text += "!f FORM" + std::to_string(k) + " LASER m.mdf * 0 Y T1 N N N *\n";
   std::string path = dir_.write("big.jmd", text);
   {
-    FileSizeLimit limit(256 * 1024);  // the job table needs 1.5 MB
+    FileSizeLimit limit(uint64_t{256} * 1024);  // the job table needs 1.5 MB
     ASSERT_TRUE(limit.set());
     EXPECT_FALSE(load_jmd(path, reporter_));
   }

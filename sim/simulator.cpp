@@ -256,7 +256,7 @@ int Simulator::wait_milliseconds() const {
         0, std::chrono::ceil<std::chrono::milliseconds>(next - now).count());
   }
   if (events && (wait < 0 || wait > kEventPollMilliseconds)) wait = kEventPollMilliseconds;
-  return static_cast<int>(std::min<long long>(wait, 60 * 60 * 1000));
+  return static_cast<int>(std::min<long long>(wait, 60LL * 60 * 1000));
 }
 
 void Simulator::run(const sigset_t& wait_mask) {

@@ -13,7 +13,6 @@
 namespace px {
 namespace {
 
-using editors::FormMode;
 using editors::JmdEditor;
 using editors::ListKind;
 using editors::RowForm;

@@ -108,9 +108,11 @@ Size Window::client_size() const { return tk_ ? tk_->client_size(id_) : Size{}; 
 void Window::invalidate() const { if (tk_) tk_->invalidate(id_); }
 void Window::clear(Color color) const { if (tk_) tk_->clear(id_, color); }
 void Window::set_draw_font(const Font& font) const { if (tk_) tk_->set_draw_font(id_, font); }
-void Window::draw_text(Point at, std::string_view text) const { if (tk_) tk_->draw_text(id_, at, text); }
-bool Window::draw_image(Point at, std::string_view path) const {
-  return tk_ && tk_->draw_image(id_, at, path);
+void Window::draw_text(Point baseline_start, std::string_view text) const {
+  if (tk_) tk_->draw_text(id_, baseline_start, text);
+}
+bool Window::draw_image(Point top_left, std::string_view path) const {
+  return tk_ && tk_->draw_image(id_, top_left, path);
 }
 bool Window::has_menu_item(int item) const { return tk_ && tk_->has_menu_item(id_, item); }
 bool Window::menu_enabled(int item) const { return tk_ && tk_->menu_enabled(id_, item); }

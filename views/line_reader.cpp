@@ -8,7 +8,7 @@
 namespace px::views {
 
 namespace {
-constexpr size_t kBufferSize = 32 * 1024;
+constexpr size_t kBufferSize = size_t{32} * 1024;
 }
 
 LineReader::LineReader(const std::string& path, uint64_t offset)

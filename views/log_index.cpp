@@ -43,7 +43,7 @@ std::string read_head(int fd, size_t size) {
 inline uint64_t line_feed_mask_sse2(const char* data) {
   const __m128i feed = _mm_set1_epi8('\n');
   uint64_t mask = 0;
-  for (int part = 0; part < 4; ++part) {
+  for (size_t part = 0; part < 4; ++part) {
     __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(data + 16 * part));
     uint64_t bits = static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, feed)));
     mask |= bits << (16 * part);

@@ -90,7 +90,8 @@ std::vector<Drive> drives_from_mount_table(std::string_view text) {
     }
     if (one_of(type, kNetworkTypes)) {
       drive.listed = !source.empty() && source != "none";
-      drive.row = point + "  " + source;
+      drive.row = point;
+      drive.row.append("  ").append(source);
     } else if (!one_of(type, kDiskTypes)) {
       continue;
     }

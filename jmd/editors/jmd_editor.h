@@ -154,7 +154,7 @@ class JmdEditor {
   OkResult ok_task(const RowForm& form, long row);
   OkResult ok_printer(const RowForm& form, long row);
   OkResult ok_memory(const RowForm& form, long row);
-  OkResult refuse(int message, int focus, std::vector<std::string> args = {});
+  OkResult refuse(int message, int focus, const std::vector<std::string>& args = {});
   bool delete_job(engine::Table& jobs, const std::string& name);
   long delete_job_names(const std::vector<long>& entries);
   // A job's steps in table order from the rows the job-names list was made

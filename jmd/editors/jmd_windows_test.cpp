@@ -431,7 +431,7 @@ class ReadOnlyJmdWindowsTest : public JmdWindowsTest {
     common_init(args);  // forgets -aro
     JmdWindowsTest::TearDown();
   }
-  void expect_off_with_reason(tk::Window window, std::vector<int> ids) {
+  void expect_off_with_reason(tk::Window window, const std::vector<int>& ids) {
     for (int id : ids) {
       EXPECT_FALSE(window.control(id).enabled()) << id;
       EXPECT_EQ(window.control(id).tip(), read_only_reason()) << id;

@@ -72,7 +72,7 @@ std::optional<RowForm> JmdEditor::paste_form(ListKind kind) {
   return form;
 }
 
-OkResult JmdEditor::refuse(int message, int focus, std::vector<std::string> args) {
+OkResult JmdEditor::refuse(int message, int focus, const std::vector<std::string>& args) {
   op_->show(message, args);
   OkResult result;
   result.message = message;

@@ -434,7 +434,7 @@ TEST_F(BTreeTest, ANodeThatCannotBeWrittenBackFailsAsANodeWrite) {
   {
     // The block cache takes 90 nodes before it writes any; the file may
     // grow by 64 more.
-    FileSizeLimit limit(64 * 1024);
+    FileSizeLimit limit(uint64_t{64} * 1024);
     ASSERT_TRUE(limit.set());
     for (int k = 0; k < 100000 && result == BTree::Insert::kInserted; ++k) {
       result = tree->insert(k, k);
@@ -469,7 +469,7 @@ TEST_F(BTreeTest, DamagedNodesFailWithTheirReport) {
   file = dir_.read("kept.i01");
   file[root + 16 + 12 + 8] = 3;
   file[root + 16 + 12 + 9] = 0;
-  std::fill(file.begin() + 512 + 3 * kNodeSize, file.begin() + 512 + 4 * kNodeSize, 'F');
+  std::fill(file.begin() + 512 + 3L * kNodeSize, file.begin() + 512 + 4L * kNodeSize, 'F');
   dir_.write("kept.i01", file);
   tree = BTree::open(path, kVListCreateIfMissing, compare_);
   ASSERT_TRUE(tree);
@@ -496,7 +496,7 @@ TEST_F(BTreeTest, NodeNumbersFarBeyondTheFileCostOnlyWhatIsUsed) {
   std::string file = dir_.read("sparse.i01");
   ASSERT_GE(file.size(), 104u);
   const uint32_t claimed = 40'000'000;  // nodes of 1024 bytes: 40 GB if kept flat
-  for (int i = 0; i < 4; ++i) file[static_cast<size_t>(48 + i)] = static_cast<char>(claimed >> (8 * i));
+  for (size_t i = 0; i < 4; ++i) file[48 + i] = static_cast<char>(claimed >> (8 * i));
   dir_.write("sparse.i01", file);
   auto tree = BTree::open(path, kVListCreateIfMissing, compare_);
   ASSERT_TRUE(tree);

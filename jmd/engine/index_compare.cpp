@@ -35,7 +35,7 @@ int compare_text(const std::byte* a, const std::byte* b, uint32_t width, bool no
 // memcmp() of 16 bytes as two big-endian words: the bytes in order, without
 // a call.
 int compare_16(const std::byte* a, const std::byte* b) {
-  for (int half = 0; half < 2; ++half) {
+  for (size_t half = 0; half < 2; ++half) {
     uint64_t x = load<uint64_t>(a + 8 * half);
     uint64_t y = load<uint64_t>(b + 8 * half);
     if (x != y) {

@@ -55,7 +55,7 @@ size_t bucket_of(const BTree* owner, int32_t n) {
 // for them cannot be had (no node can be had then: tree operations fail).
 bool reserve() {
   CacheState& c = g_cache;
-  if (c.reserved) return c.buckets.size() > 0;
+  if (c.reserved) return !c.buckets.empty();
   c.reserved = true;
   try {
     c.slots.reserve(static_cast<size_t>(c.capacity));

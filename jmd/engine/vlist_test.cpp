@@ -68,7 +68,7 @@ TEST(VListGeometry, FileLayoutOfHeaderAndRecords) {
   EXPECT_EQ(word_at(file, 60), 1u);
   // Record 6 is the second record of block 1; nothing crosses a block edge.
   auto expected = record_of(100, 6);
-  EXPECT_EQ(std::memcmp(file.data() + 2 * 512 + 100, expected.data(), 100), 0);
+  EXPECT_EQ(std::memcmp(file.data() + 2L * 512 + 100, expected.data(), 100), 0);
 
   std::string big_path = dir.file("big.vl");
   {
@@ -81,7 +81,7 @@ TEST(VListGeometry, FileLayoutOfHeaderAndRecords) {
   expected = record_of(1405, 1);
   ASSERT_GE(file.size(), 4u * 512 + 1405);
   // Record 1 starts at block 3, in 512-byte pieces.
-  EXPECT_EQ(std::memcmp(file.data() + 4 * 512, expected.data(), 1405), 0);
+  EXPECT_EQ(std::memcmp(file.data() + 4L * 512, expected.data(), 1405), 0);
 }
 
 TEST(VListAccess, ReadBeyondEndFailsAndWriteBeyondEndGrows) {
@@ -287,7 +287,7 @@ TEST(VListCache, FlushWritesDirtyBlocksSoAnotherOpenSeesThem) {
   EXPECT_EQ(file.size(), 9u * 512);
   EXPECT_EQ(word_at(file, 48), 40u);
   auto expected = record_of(100, 39);
-  EXPECT_EQ(std::memcmp(file.data() + 8 * 512 + 4 * 100, expected.data(), 100), 0);
+  EXPECT_EQ(std::memcmp(file.data() + 8L * 512 + 4L * 100, expected.data(), 100), 0);
 }
 
 TEST(VListCache, BucketMixesBlockWithReversedSequence) {
@@ -359,7 +359,7 @@ TEST(VListMapping, AFileCutShortBehindTheListsBackReadsZerosAndKeepsWorking) {
   // Reading every block in order maps the file and leaves the first ones
   // uncached.
   for (int r = 0; r < 400; ++r) ASSERT_TRUE(list->get(r, out));
-  ASSERT_EQ(truncate(path.c_str(), 11 * 512), 0);  // header and blocks 0 to 9
+  ASSERT_EQ(truncate(path.c_str(), 11L * 512), 0);  // header and blocks 0 to 9
   ASSERT_TRUE(list->get(5, out));
   EXPECT_EQ(out, record_of(512, 5));
   for (int r : {12, 100, 150}) {
@@ -405,7 +405,7 @@ TEST(VListMapping, WithoutRoomForAMappingBlocksAreRead) {
     std::vector<std::byte> out(512);
     std::vector<std::byte> expected = record_of(512, 250);
     long in_use = address_space_in_use();
-    rlimit limit{static_cast<rlim_t>(in_use + 256 * 1024), static_cast<rlim_t>(in_use + 256 * 1024)};
+    rlimit limit{static_cast<rlim_t>(in_use + 256L * 1024), static_cast<rlim_t>(in_use + 256L * 1024)};
     if (!list || in_use < 0 || setrlimit(RLIMIT_AS, &limit) != 0) _exit(2);
     block_cache::reset_counters();
     bool ok = list->get(250, out) && out == expected && list->get(249, out) &&

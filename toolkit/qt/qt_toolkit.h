@@ -112,8 +112,8 @@ class DialogFrame : public QDialog {
 };
 
 // Builds the canvas's controls from the resource (qt_build.cpp).
-void build_controls(QtToolkit& toolkit, QtWindow& win);
-void build_menu_bar(QtToolkit& toolkit, QtWindow& win, QMainWindow& frame, const MenuBarDef& bar);
+void build_controls(QtToolkit& tk, QtWindow& win);
+void build_menu_bar(QtToolkit& tk, QtWindow& win, QMainWindow& frame, const MenuBarDef& bar);
 QFont make_qfont(const Font& font);
 QString to_qt(std::string_view text);
 std::string from_qt(const QString& text);
@@ -183,7 +183,7 @@ class QtToolkit final : public Toolkit {
   void raise(WindowId w) override;
   void destroy(WindowId w) override;
   Rect frame(WindowId w) override;
-  void set_frame(WindowId w, const Rect& frame) override;
+  void set_frame(WindowId w, const Rect& rect) override;
   Size client_size(WindowId w) override;
   void invalidate(WindowId w) override;
   void clear(WindowId w, Color color) override;

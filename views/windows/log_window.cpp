@@ -345,7 +345,7 @@ void handle_text(TextView& view, const tk::Event& e) {
   }
 }
 
-tk::Window open_text_window(std::shared_ptr<TextView> view, long app_value) {
+tk::Window open_text_window(const std::shared_ptr<TextView>& view, long app_value) {
   const ViewHost& host = view->host;
   tk::Window w = host.toolkit.create_window(
       tk::kLogWindow, [view](const tk::Event& e) { handle_text(*view, e); }, app_value);
