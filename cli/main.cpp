@@ -1,6 +1,7 @@
 // pxctl: the console's commands for scripts and terminals.
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
 #include <new>
 #include <string>
@@ -106,6 +107,9 @@ int run(int argc, char** argv) {
   // A script must not stall on a log file it cannot write, nor find the
   // fallback notice mixed into the command's output.
   px::messages::set_quick_log_fallback(true);
+  // Under a file size limit (`ulimit -f`) a write past it must fail and be
+  // reported, with the old file left whole, rather than kill pxctl.
+  std::signal(SIGXFSZ, SIG_IGN);
   std::vector<std::string> args(argv, argv + argc);
   int status = px::common_init(args, own_words_start(args));
   if (status != 0) {

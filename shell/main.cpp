@@ -1,4 +1,5 @@
 // pxcntrl: the operator's console for the Nexa output server.
+#include <csignal>
 #include <new>
 #include <string>
 #include <vector>
@@ -8,6 +9,9 @@
 #include "toolkit/qt/qt_backend.h"
 
 int main(int argc, char** argv) {
+  // Under a file size limit a save past it must fail with a message and
+  // keep the operator's edits, not end the console.
+  std::signal(SIGXFSZ, SIG_IGN);
   try {
     // Qt takes out the options it knows (-platform, -display...) first.
     std::unique_ptr<px::tk::Toolkit> toolkit = px::tk::make_qt_toolkit(argc, argv);
