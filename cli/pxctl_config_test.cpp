@@ -81,7 +81,7 @@ TEST_F(PxctlConfigTest, SetTypesConvertsAndWritesOnlyTheFormsKeys) {
             "PXMERGE=Plexar Print Agent\n[Options]\nPauseTime=59940\nBackupFiles=Yes\n"
             "FileSpec=*.DAT\nDeleteExt=DA*\n[PXEMIO]\nIniFileName=" +
                 email_ + "\n[PXMERGE]\nIniFileName= \n");
-  for (std::string untouched :
+  for (const std::string& untouched :
        {std::string("; north\r\n[Plexar]\r\nWindowTitle=North\r\nNode=here\r\n"),
         std::string("[Processes]\r\nPXSERVER=Plexar Nexa Server\r\nPXEMIO=Plexar E-Mail Agent\r\n"
                     "PXMERGE=Plexar Print Agent\r\n[Options]\r\n"),

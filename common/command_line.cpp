@@ -8,7 +8,7 @@ namespace {
 
 // Bounds that stop an indirect file that names itself, directly or not.
 constexpr int kMaxExpansions = 1000;
-constexpr size_t kMaxLineLength = 16 * 1024 * 1024;
+constexpr size_t kMaxLineLength = size_t{16} * 1024 * 1024;
 
 bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\n'; }
 

@@ -30,6 +30,6 @@ int expand_indirect_files(std::string& line);
 // first collapsed into one; white space separates arguments; a quote inside
 // an argument opens a run in which white space does not separate, the quote
 // itself is dropped, and the same quote character ends the argument.
-std::vector<std::string> split_arguments(std::string_view line);
+std::vector<std::string> split_arguments(std::string_view raw);
 
 }  // namespace px

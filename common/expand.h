@@ -22,6 +22,6 @@ void set_named_value(std::string_view name, std::string_view value);
 void set_message_arguments(const std::vector<std::string>& args);
 void clear_named_values();
 
-std::string expand(std::string_view text);
+std::string expand(std::string_view input);
 
 }  // namespace px

@@ -140,7 +140,7 @@ bool JobLineReader::include(const std::string& line) {
 
 JobFile::JobFile(std::string default_name) : default_name_(std::move(default_name)) {}
 
-void JobFile::open(std::string name) {
+void JobFile::open(const std::string& name) {
   name_ = cut_to_buffer(name, kJobFileNameLimit + 1);
   reader_.close();
   state_ = State::kFresh;

@@ -112,7 +112,7 @@ class JobFile {
   // Selects the job file (cut to kJobFileNameLimit characters; an empty name
   // selects the default again), closes the iteration's files, forgets the
   // pending line and the cached names.
-  void open(std::string name);
+  void open(const std::string& name);
 
   // The name of the file in use.
   const std::string& name() const;
@@ -123,9 +123,9 @@ class JobFile {
   std::optional<std::string> job_name();
   std::optional<std::string> form_name();
 
-  // The value of the first field whose name equals name without regard to
+  // The value of the first field whose name equals wanted without regard to
   // case, or nullopt (see last_error).
-  std::optional<std::string> field_value(std::string_view name);
+  std::optional<std::string> field_value(std::string_view wanted);
 
   // Outcome of the last job_name, form_name or field_value: 0, or
   // kJobFileMissing when the job file or one of its includes could not be

@@ -24,7 +24,7 @@ class UnixListener {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     std::snprintf(address.sun_path, sizeof address.sun_path, "%s", path.c_str());
-    ::bind(fd_, reinterpret_cast<sockaddr*>(&address), sizeof address);
+    EXPECT_EQ(::bind(fd_, reinterpret_cast<sockaddr*>(&address), sizeof address), 0) << path;
   }
   ~UnixListener() {
     ::close(fd_);

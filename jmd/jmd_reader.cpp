@@ -62,7 +62,8 @@ std::string first_four_values(const TableSchema& schema, std::span<const char> r
 }  // namespace
 
 LineSource::LineSource(std::FILE* file) : file_(file), buffer_(kReadChunk) {
-  data_ = std::string_view(buffer_.data(), 0);
+  // Empty, but at the buffer: a refill moves what is left from there.
+  data_ = std::string_view(buffer_.data(), buffer_.data());
 }
 
 LineSource::LineSource(std::string_view text) : data_(text), at_end_(true) {}

@@ -122,7 +122,9 @@ void LiveInstallation::add_instance(const std::string& name, const std::string& 
 
 void LiveInstallation::write_install_file() const {
   std::string text = "[Plexar]\nNode=localhost\n\n[Configuration]\n";
-  for (const auto& [name, config] : instances_) text += name + "=" + config + "\n";
+  for (const auto& [name, config] : instances_) {
+    text.append(name).append("=").append(config).append("\n");
+  }
   dir_.write("plexar.ini", text);
 }
 

@@ -25,7 +25,7 @@ int free_udp_port() {
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  bind(probe.get(), reinterpret_cast<sockaddr*>(&address), sizeof address);
+  EXPECT_EQ(bind(probe.get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
   socklen_t size = sizeof address;
   getsockname(probe.get(), reinterpret_cast<sockaddr*>(&address), &size);
   return ntohs(address.sin_port);

@@ -14,6 +14,7 @@
 namespace px::engine {
 namespace {
 
+constexpr int64_t kKiB = 1024;
 constexpr int64_t kMiB = int64_t{1} << 20;
 
 // An open file descriptor, closed at the end of the scope.
@@ -61,8 +62,8 @@ TEST(MappedFile, SeesWritesAndMapsAgainWhenTheFileOutgrowsIt) {
   write_pattern(fd.get(), 1024, 512, 'q');
   ASSERT_EQ(map.copy(fd.get(), 1024, out.data(), out.size(), 8192), MappedFile::Copy::kDone);
   EXPECT_TRUE(has_pattern(out, 'q'));
-  write_pattern(fd.get(), 100 * 1024, 512, 'r');  // still inside the first mapping
-  ASSERT_EQ(map.copy(fd.get(), 100 * 1024, out.data(), out.size(), 101 * 1024),
+  write_pattern(fd.get(), 100 * kKiB, 512, 'r');  // still inside the first mapping
+  ASSERT_EQ(map.copy(fd.get(), 100 * kKiB, out.data(), out.size(), 101 * kKiB),
             MappedFile::Copy::kDone);
   EXPECT_TRUE(has_pattern(out, 'r'));
   EXPECT_EQ(map.length(), first);
@@ -81,17 +82,17 @@ TEST(MappedFile, BytesTheFileLostAreGoneAndTheGuardHoldsForTheNextOnes) {
   TestDir dir;
   Fd fd(open(dir.file("cut.bin").c_str(), O_RDWR | O_CREAT, 0666));
   ASSERT_GE(fd.get(), 0);
-  write_pattern(fd.get(), 0, 64 * 1024, 'c');
+  write_pattern(fd.get(), 0, 64 * 1024u, 'c');
   MappedFile map;
   std::vector<std::byte> out(512);
-  ASSERT_EQ(map.copy(fd.get(), 0, out.data(), out.size(), 64 * 1024), MappedFile::Copy::kDone);
+  ASSERT_EQ(map.copy(fd.get(), 0, out.data(), out.size(), 64 * kKiB), MappedFile::Copy::kDone);
   // Someone else cuts the file to one page.
   ASSERT_EQ(ftruncate(fd.get(), 4096), 0);
   for (int round = 0; round < 3; ++round) {
-    EXPECT_EQ(map.copy(fd.get(), 32 * 1024, out.data(), out.size(), 64 * 1024),
+    EXPECT_EQ(map.copy(fd.get(), 32 * kKiB, out.data(), out.size(), 64 * kKiB),
               MappedFile::Copy::kGone)
         << round;
-    ASSERT_EQ(map.copy(fd.get(), 512, out.data(), out.size(), 64 * 1024),
+    ASSERT_EQ(map.copy(fd.get(), 512, out.data(), out.size(), 64 * kKiB),
               MappedFile::Copy::kDone);
   }
 }

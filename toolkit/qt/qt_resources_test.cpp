@@ -59,7 +59,7 @@ QString label_of(QWidget* w) {
 }
 
 // Runs act on the active modal widget as soon as it is shown.
-void when_modal(std::function<void(QWidget*)> act) {
+void when_modal(const std::function<void(QWidget*)>& act) {
   auto* timer = new QTimer(qApp);
   QObject::connect(timer, &QTimer::timeout, qApp, [timer, act] {
     QWidget* modal = QApplication::activeModalWidget();

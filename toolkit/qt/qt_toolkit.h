@@ -207,7 +207,7 @@ class QtToolkit final : public Toolkit {
   bool has_control(WindowId w, int id) override;
   ControlKind control_kind(WindowId w, int id) override;
   std::string text(WindowId w, int id) override;
-  void set_text(WindowId w, int id, std::string_view text) override;
+  void set_text(WindowId w, int id, std::string_view value) override;
   bool enabled(WindowId w, int id) override;
   void set_enabled(WindowId w, int id, bool on) override;
   std::string tip(WindowId w, int id) override;
