@@ -200,6 +200,8 @@ TEST(ClassicBranch, ControlSignalIsTheNamedSemaphore) {
   ASSERT_TRUE(live.start_simulator({"--port", "0", name}, {"PLEXAR_PLATFORM=classic"}))
       << live.simulator_log();
   ASSERT_TRUE(eventually([&] { return exists("/dev/shm/sem." + name + ".ctr"); }));
+  // The semaphore is made before the server runs: a pause must find it running.
+  ASSERT_TRUE(eventually([&] { return live.state(name) == "3\trunning"; })) << live.state(name);
   std::vector<std::string> classic{"PLEXAR_PLATFORM=classic"};
   ProgramResult pause = live.run_pxctl({"--instance", name, "pause"}, classic);
   EXPECT_EQ(pause.status, 0) << pause.err;
