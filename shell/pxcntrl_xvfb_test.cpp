@@ -1,8 +1,9 @@
 // pxcntrl as an operator meets it: started on a private demo installation
 // with pxserver-sim serving it, under the X server of xvfb-run. The test
 // finds the console's window by its title, pauses Nexa through the Control
-// menu's mnemonics, opens the help with F1, and leaves through File, Exit. Screenshots of the
-// console go to PX_SCREENSHOT_DIR for people to look at.
+// menu's mnemonics, opens the help with F1, opens and closes About and Select
+// Instance, and leaves through File, Exit. Screenshots of the console go to
+// PX_SCREENSHOT_DIR for people to look at.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -94,6 +95,22 @@ class PxcntrlUnderX : public ::testing::Test {
     }
   }
 
+  // The first visible window whose title matches pattern, once one shows
+  // within a few seconds; "" if none does.
+  std::string shown_window(const std::string& pattern) {
+    std::string found;
+    eventually([&] {
+      found = xdotool({"search", "--onlyvisible", "--name", pattern});
+      return !found.empty();
+    });
+    return found.substr(0, found.find('\n'));
+  }
+
+  // True once no visible window's title matches pattern.
+  bool window_gone(const std::string& pattern) {
+    return eventually([&] { return xdotool({"search", "--onlyvisible", "--name", pattern}).empty(); });
+  }
+
   LiveInstallation live;
   pid_t console_ = -1;
 };
@@ -165,6 +182,41 @@ TEST_F(PxcntrlUnderX, ReadOnlyConsoleShowsControlItemsDisabled) {
   usleep(500 * 1000);
   EXPECT_EQ(live.state(), "3\trunning");
   EXPECT_EQ(live.read("north/data/pxctrl00.msg"), "");
+  keys(window, {"alt+f", "x"});
+  EXPECT_EQ(wait_for_end(), 0);
+}
+
+// About and Select Instance on the Qt back end: Escape presses About's OK;
+// in Select Instance Escape cancels and Enter chooses the selected row.
+TEST_F(PxcntrlUnderX, AboutAndSelectInstanceCloseAsTheOperatorExpects) {
+  start_console();
+  std::string window = shown_window(std::string("^") + kTitleStart);
+  ASSERT_FALSE(window.empty()) << "no console window";
+  usleep(500 * 1000);
+
+  keys(window, {"alt+h", "a"});
+  std::string about = shown_window("^About Nexa Control$");
+  ASSERT_FALSE(about.empty()) << "no About dialog";
+  EXPECT_TRUE(screenshot("pxcntrl-about.png"));
+  keys(about, {"Escape"});
+  EXPECT_TRUE(window_gone("^About Nexa Control$"));
+
+  keys(window, {"alt+f", "Return"});
+  std::string select = shown_window("^Select Instance of Nexa$");
+  ASSERT_FALSE(select.empty()) << "no Select Instance dialog";
+  EXPECT_TRUE(screenshot("pxcntrl-select-instance.png"));
+  keys(select, {"Down", "Escape"});
+  EXPECT_TRUE(window_gone("^Select Instance of Nexa$"));
+  EXPECT_NE(xdotool({"getwindowname", window}).find("Nexa North"), std::string::npos);
+
+  keys(window, {"alt+f", "Return"});
+  select = shown_window("^Select Instance of Nexa$");
+  ASSERT_FALSE(select.empty()) << "Select Instance did not open again";
+  keys(select, {"Down", "Return"});
+  EXPECT_TRUE(window_gone("^Select Instance of Nexa$"));
+  EXPECT_NE(xdotool({"getwindowname", window}).find("Nexa South"), std::string::npos)
+      << xdotool({"getwindowname", window});
+
   keys(window, {"alt+f", "x"});
   EXPECT_EQ(wait_for_end(), 0);
 }
