@@ -96,14 +96,20 @@ class PxcntrlUnderX : public ::testing::Test {
   }
 
   // The first visible window whose title matches pattern, once one shows
-  // within a few seconds; "" if none does.
-  std::string shown_window(const std::string& pattern) {
+  // within limit; "" if none does.
+  std::string shown_window(const std::string& pattern,
+                           std::chrono::milliseconds limit = std::chrono::seconds(5)) {
     std::string found;
     eventually([&] {
       found = xdotool({"search", "--onlyvisible", "--name", pattern});
       return !found.empty();
-    });
+    }, limit);
     return found.substr(0, found.find('\n'));
+  }
+
+  // The console's task window, given the time pxcntrl takes to start.
+  std::string console_window() {
+    return shown_window(std::string("^") + kTitleStart, std::chrono::seconds(15));
   }
 
   // True once no visible window's title matches pattern.
@@ -117,12 +123,8 @@ class PxcntrlUnderX : public ::testing::Test {
 
 TEST_F(PxcntrlUnderX, ShowsTheInstanceInItsTitleAndPausesNexaFromTheMenu) {
   start_console();
-  std::string window;
-  ASSERT_TRUE(eventually([&] {
-    window = xdotool({"search", "--onlyvisible", "--name", std::string("^") + kTitleStart});
-    return !window.empty();
-  }, std::chrono::seconds(15))) << "no console window";
-  window = window.substr(0, window.find('\n'));
+  std::string window = console_window();
+  ASSERT_FALSE(window.empty()) << "no console window";
   EXPECT_EQ(xdotool({"getwindowname", window}),
             std::string(kTitleStart) + "Nexa Control-Nexa North - orders and invoices");
   usleep(500 * 1000);  // let it draw before the first picture
@@ -139,22 +141,15 @@ TEST_F(PxcntrlUnderX, ShowsTheInstanceInItsTitleAndPausesNexaFromTheMenu) {
   })) << "the server never read the control job";
 
   // The note "Pause Server was sent" is up; a picture, then Enter closes it.
-  std::string box;
-  EXPECT_TRUE(eventually([&] {
-    box = xdotool({"search", "--onlyvisible", "--name", "^Nexa Control$"});
-    return !box.empty();
-  })) << "no message box";
+  std::string box = shown_window("^Nexa Control$");
+  EXPECT_FALSE(box.empty()) << "no message box";
   EXPECT_TRUE(screenshot("pxcntrl-pause.png"));
-  if (!box.empty()) keys(box.substr(0, box.find('\n')), {"Return"});
-  EXPECT_TRUE(eventually([&] {
-    return xdotool({"search", "--onlyvisible", "--name", "^Nexa Control$"}).empty();
-  })) << "Enter did not close the message box";
+  if (!box.empty()) keys(box, {"Return"});
+  EXPECT_TRUE(window_gone("^Nexa Control$")) << "Enter did not close the message box";
 
   // F1 opens the help file of the console's directory.
   keys(window, {"F1"});
-  EXPECT_TRUE(eventually([&] {
-    return !xdotool({"search", "--onlyvisible", "--name", "^Nexa Control$"}).empty();
-  })) << "no help window";
+  EXPECT_FALSE(shown_window("^Nexa Control$").empty()) << "no help window";
   usleep(300 * 1000);
   EXPECT_TRUE(screenshot("pxcntrl-help.png"));
 
@@ -167,12 +162,8 @@ TEST_F(PxcntrlUnderX, ShowsTheInstanceInItsTitleAndPausesNexaFromTheMenu) {
 // accelerators do nothing.
 TEST_F(PxcntrlUnderX, ReadOnlyConsoleShowsControlItemsDisabled) {
   start_console("-aro");
-  std::string window;
-  ASSERT_TRUE(eventually([&] {
-    window = xdotool({"search", "--onlyvisible", "--name", std::string("^") + kTitleStart});
-    return !window.empty();
-  }, std::chrono::seconds(15))) << "no console window";
-  window = window.substr(0, window.find('\n'));
+  std::string window = console_window();
+  ASSERT_FALSE(window.empty()) << "no console window";
   usleep(500 * 1000);
   keys(window, {"alt+c"});
   xdotool({"mousemove", "200", "97"});  // resting on Pause Nexa shows why it is disabled
@@ -190,7 +181,7 @@ TEST_F(PxcntrlUnderX, ReadOnlyConsoleShowsControlItemsDisabled) {
 // in Select Instance Escape cancels and Enter chooses the selected row.
 TEST_F(PxcntrlUnderX, AboutAndSelectInstanceCloseAsTheOperatorExpects) {
   start_console();
-  std::string window = shown_window(std::string("^") + kTitleStart);
+  std::string window = console_window();
   ASSERT_FALSE(window.empty()) << "no console window";
   usleep(500 * 1000);
 
