@@ -190,6 +190,18 @@ TEST_F(ViewsEndToEnd, RejectsAndTheAgentQueue) {
   EXPECT_EQ(live.run_pxctl({"queue"}).status, 2);
   EXPECT_EQ(live.run_pxctl({"rejects", "--mail"}).status, 2);
   EXPECT_EQ(live.run_pxctl({"reject-file"}).status, 2);
+  // --email without the NAME it comes with is a usage error, not a file name.
+  ProgramResult no_name = live.run_pxctl({"reject-file", "--email"});
+  EXPECT_EQ(no_name.status, 2);
+  EXPECT_TRUE(no_name.err.starts_with("[901]")) << no_name.err;
+  EXPECT_EQ(live.run_pxctl({"reject-file", "ORD9.DAT", "NONE.DAT"}).status, 2);
+  EXPECT_EQ(live.run_pxctl({"reject-file", "ORD9.DAT", "--email"}).status, 1);  // not an agent reject
+  // A directory in the error directory is no rejected file to show.
+  ASSERT_EQ(::mkdir(live.path("north/errors/HELD.DAT").c_str(), 0755), 0);
+  ProgramResult directory = live.run_pxctl({"reject-file", "HELD.DAT"});
+  EXPECT_EQ(directory.status, 1);
+  EXPECT_TRUE(directory.err.starts_with("[177]")) << directory.err;
+  EXPECT_TRUE(directory.out.empty());
 }
 
 TEST_F(ViewsEndToEnd, ViewsReportWhatWouldCloseTheirWindow) {

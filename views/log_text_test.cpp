@@ -1,6 +1,7 @@
 #include "views/log_text.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "views/log_source.h"
 #include "views/view_messages.h"
@@ -98,6 +99,17 @@ TEST_F(LogSourceTest, WholeLogsAndFilesReadEveryLine) {
   EXPECT_FALSE(file_lines(dir_.file("none.dat"), op_));
   EXPECT_EQ(op_.last(), msg::kFileNotOpened);
   LogIndex index(dir_.file("none.log"));
+  EXPECT_FALSE(index_log(index, op_));
+  EXPECT_EQ(op_.numbers().size(), 2u);
+}
+
+TEST_F(LogSourceTest, ADirectoryIsAFileThatDoesNotOpen) {
+  std::string directory = dir_.file("sub.dat");
+  ASSERT_EQ(::mkdir(directory.c_str(), 0755), 0);
+  EXPECT_FALSE(file_lines(directory, op_));
+  EXPECT_EQ(op_.shown().back(), (ShownMessage{msg::kFileNotOpened, {directory}}));
+  EXPECT_FALSE(whole_log(directory, {}));
+  LogIndex index(directory);
   EXPECT_FALSE(index_log(index, op_));
   EXPECT_EQ(op_.numbers().size(), 2u);
 }
