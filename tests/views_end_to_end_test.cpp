@@ -273,6 +273,38 @@ TEST_F(ViewsEndToEnd, FollowPrintsAppendedLinesAndSurvivesRotation) {
   EXPECT_EQ(follow.interrupt(), 0);
 }
 
+// With SIGPIPE ignored (as some callers leave it), a follow whose reader has
+// gone sees its writes fail and ends instead of running on unseen.
+TEST_F(ViewsEndToEnd, FollowEndsWhenItsOutputCannotBeWritten) {
+  write_log("north/logs/pxserver.log", numbered(0, 100));
+  int out[2];
+  ASSERT_EQ(pipe(out), 0);
+  std::vector<std::string> words{PXCTL_PATH, "-aii" + live.path("pxcntrl.ini"), "log", "--follow"};
+  pid_t pid = fork();
+  if (pid == 0) {
+    signal(SIGPIPE, SIG_IGN);
+    dup2(out[1], 1);
+    close(out[0]);
+    std::vector<char*> argv;
+    for (std::string& w : words) argv.push_back(w.data());
+    argv.push_back(nullptr);
+    execv(argv[0], argv.data());
+    _exit(127);
+  }
+  close(out[0]);
+  close(out[1]);
+  std::ofstream(live.path("north/logs/pxserver.log"), std::ios::app) << numbered(100, 103);
+  int status = 0;
+  bool ended = eventually([&] { return waitpid(pid, &status, WNOHANG) == pid; });
+  if (!ended) {
+    kill(pid, SIGKILL);
+    waitpid(pid, nullptr, 0);
+  }
+  ASSERT_TRUE(ended);
+  EXPECT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 1);
+}
+
 }  // namespace
 }  // namespace px
 
