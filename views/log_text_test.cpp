@@ -72,6 +72,20 @@ TEST_F(LogSourceTest, ProcessesWithoutTheirOwnLogShowTheServers) {
   EXPECT_TRUE(op_.shown().empty());
 }
 
+TEST_F(LogSourceTest, AProcessListLongerThanItsRoomOffersTheProcessesThatFit) {
+  std::string processes;
+  for (int i = 0; i < 80; ++i) processes += "PXPROCESSNUMBER" + std::to_string(10000 + i) + "=P\n";
+  std::string config = dir_.write(
+      "many.ini", "[Plexar]\nLogFile=/logs/server.log\n[Processes]\n" + processes);
+  auto logs = log_processes(config, op_);
+  ASSERT_TRUE(logs);
+  // 21 characters a key with its NUL: 48 of them fit in 1023.
+  ASSERT_EQ(logs->processes.size(), 48u);
+  EXPECT_EQ(logs->processes.front().section, "PXPROCESSNUMBER10000");
+  EXPECT_EQ(logs->processes.back().log, "/logs/server.log");
+  EXPECT_TRUE(op_.shown().empty());
+}
+
 TEST_F(LogSourceTest, MissingSettingsAreShown) {
   std::string config = dir_.write("bare.ini", "[Processes]\nPXMERGE=Print\n");
   auto logs = log_processes(config, op_);
