@@ -16,6 +16,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "bench/jmd_bench_data.h"
 #include "config/operator.h"
@@ -78,6 +79,32 @@ Loaded& loaded() {
   return jmd;
 }
 
+px::editors::JmdEditor& editor() { return loaded().file->editor(); }
+
+// The setup of the first-open benchmarks, run with the timing paused: the
+// JMD loaded afresh and its jobs list opened as the jobs window opens it.
+RowList jobs_list_on_fresh_load() {
+  loaded().reload_file();
+  RowList list(ListKind::kJobNames);
+  editor().reload(list);
+  return list;
+}
+
+// What a list window does to show its list: the rows read again, the page
+// put in order and formatted.
+std::vector<std::string> shown_page(RowList& list) {
+  editor().reload(list);
+  return editor().page_lines(list);
+}
+
+// The job-names list made from names with filter; the rows it kept.
+double rows_kept(const std::shared_ptr<px::jmd::JobNames>& names, const std::string& filter) {
+  RowList list(ListKind::kJobNames);
+  list.set_filter(filter);
+  list.reload(names);
+  return static_cast<double>(list.total());
+}
+
 void BM_JobNamesList(benchmark::State& state) {
   for (auto _ : state) {
     state.PauseTiming();
@@ -92,10 +119,8 @@ void BM_JobListFirstOpen(benchmark::State& state) {
     state.PauseTiming();
     loaded().reload_file();
     state.ResumeTiming();
-    px::editors::JmdEditor& editor = loaded().file->editor();
     RowList list(ListKind::kJobNames);
-    editor.reload(list);
-    benchmark::DoNotOptimize(editor.page_lines(list));
+    benchmark::DoNotOptimize(shown_page(list));
   }
 }
 
@@ -103,12 +128,9 @@ void BM_JobListFirstOpen(benchmark::State& state) {
 void BM_JobListFirstMarks(benchmark::State& state) {
   for (auto _ : state) {
     state.PauseTiming();
-    loaded().reload_file();
-    px::editors::JmdEditor& editor = loaded().file->editor();
-    RowList list(ListKind::kJobNames);
-    editor.reload(list);
+    RowList list = jobs_list_on_fresh_load();
     state.ResumeTiming();
-    benchmark::DoNotOptimize(px::editors::page_marks(editor, list));
+    benchmark::DoNotOptimize(px::editors::page_marks(editor(), list));
   }
 }
 
@@ -117,14 +139,10 @@ void BM_JobListFirstMarks(benchmark::State& state) {
 void BM_JobNamesFirstChange(benchmark::State& state) {
   for (auto _ : state) {
     state.PauseTiming();
-    loaded().reload_file();
-    px::editors::JmdEditor& editor = loaded().file->editor();
-    RowList list(ListKind::kJobNames);
-    editor.reload(list);
+    RowList list = jobs_list_on_fresh_load();
     state.ResumeTiming();
-    editor.add_job_name("NEWJOB");
-    editor.reload(list);
-    benchmark::DoNotOptimize(editor.page_lines(list));
+    editor().add_job_name("NEWJOB");
+    benchmark::DoNotOptimize(shown_page(list));
   }
 }
 
@@ -133,14 +151,11 @@ void BM_JobNamesFirstChange(benchmark::State& state) {
 void BM_JobListMarksAfterAChange(benchmark::State& state) {
   for (auto _ : state) {
     state.PauseTiming();
-    loaded().reload_file();
-    px::editors::JmdEditor& editor = loaded().file->editor();
-    RowList list(ListKind::kJobNames);
-    editor.reload(list);
-    editor.delete_rows(ListKind::kJobNames, {list.page()[0]});
-    editor.reload(list);
+    RowList list = jobs_list_on_fresh_load();
+    editor().delete_rows(ListKind::kJobNames, {list.page()[0]});
+    editor().reload(list);
     state.ResumeTiming();
-    benchmark::DoNotOptimize(px::editors::page_marks(editor, list));
+    benchmark::DoNotOptimize(px::editors::page_marks(editor(), list));
   }
 }
 
@@ -171,12 +186,7 @@ void BM_JobListLastPage(benchmark::State& state) {
 
 void BM_JobListFilter(benchmark::State& state) {
   std::shared_ptr<px::jmd::JobNames> names = loaded().names();
-  for (auto _ : state) {
-    RowList list(ListKind::kJobNames);
-    list.set_filter("m00012");
-    list.reload(names);
-    state.counters["kept"] = static_cast<double>(list.total());
-  }
+  for (auto _ : state) state.counters["kept"] = rows_kept(names, "m00012");
 }
 
 // A filter that keeps every name, on a list just made (in no order yet).
@@ -186,15 +196,12 @@ void BM_JobListFilterKeepingAll(benchmark::State& state) {
     loaded().reload_file();
     std::shared_ptr<px::jmd::JobNames> names = loaded().names();
     state.ResumeTiming();
-    RowList list(ListKind::kJobNames);
-    list.set_filter("form");
-    list.reload(names);
-    state.counters["kept"] = static_cast<double>(list.total());
+    state.counters["kept"] = rows_kept(names, "form");
   }
 }
 
 void BM_JobWindowOpen(benchmark::State& state) {
-  px::engine::Table& jobs = loaded().file->editor().service().jmd()->table(0);
+  px::engine::Table& jobs = editor().service().jmd()->table(0);
   for (auto _ : state) {
     RowList list(ListKind::kSteps, "FORM0000003");
     list.reload(jobs);
@@ -208,13 +215,10 @@ void BM_JobWindowOpen(benchmark::State& state) {
 void BM_JobWindowFirstOpen(benchmark::State& state) {
   for (auto _ : state) {
     state.PauseTiming();
-    loaded().reload_file();
-    RowList names(ListKind::kJobNames);
-    loaded().file->editor().reload(names);
+    RowList jobs = jobs_list_on_fresh_load();  // stays open, as the jobs window does
     state.ResumeTiming();
-    RowList list(ListKind::kSteps, "FORM0000003");
-    loaded().file->editor().reload(list);
-    benchmark::DoNotOptimize(loaded().file->editor().page_lines(list));
+    RowList steps(ListKind::kSteps, "FORM0000003");
+    benchmark::DoNotOptimize(shown_page(steps));
   }
 }
 

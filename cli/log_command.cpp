@@ -11,6 +11,7 @@
 #include <time.h>
 
 #include <cstdint>
+#include <cstdio>
 #include <optional>
 #include <string>
 
@@ -105,14 +106,16 @@ int follow(views::LogIndex& index, std::optional<int64_t> from, Operator& op) {
     print_lines(follower.last_lines(views::kPageLines));
   }
   const struct timespec pause = {0, 200L * 1000 * 1000};
-  while (!g_interrupted) {
+  // Output that can no longer be written (its reader has gone and SIGPIPE
+  // is ignored) ends the follow rather than leaving it running unseen.
+  while (!g_interrupted && !std::ferror(stdout)) {
     nanosleep(&pause, nullptr);
     auto poll = follower.poll();
     if (!poll) continue;
     if (poll->restarted) op.show(views::msg::kLogStartedAgain, {display_path(index.path())});
     print_lines(poll->lines);
   }
-  return kExitOk;
+  return std::ferror(stdout) ? kExitFailed : kExitOk;
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "shell/about_dialog.h"
 
 #include "shell/shell_messages.h"
+#include "toolkit/dialog_base.h"
 #include "toolkit/resources/resource_ids.h"
 
 #ifndef PX_VERSION
@@ -9,29 +10,33 @@
 
 namespace px::shell {
 
+namespace {
+
+class About : public tk::DialogBase {
+ public:
+  explicit About(Console& console) : console_(console) {}
+
+ private:
+  void create(tk::Window dialog) override {
+    dialog.control(tk::kAboutVersion).set_text(version_line());
+  }
+
+  void control(tk::Window dialog, const tk::Event& e) override {
+    if (e.is_control(tk::kOk, tk::Notice::kClicked)) dialog.destroy();
+  }
+
+  void destroyed(tk::Window dialog) override { console_.help().forget(dialog.id()); }
+
+  Console& console_;
+};
+
+}  // namespace
+
 std::string version_line() { return std::string("Version ") + PX_VERSION; }
 
 void run_about_dialog(Console& console) {
-  auto handler = [&console](const tk::Event& e) {
-    tk::Window dialog = e.window;
-    switch (e.type) {
-      case tk::EventType::kCreate:
-        dialog.control(tk::kAboutVersion).set_text(version_line());
-        break;
-      case tk::EventType::kDestroy:
-        console.help().forget(dialog.id());
-        break;
-      case tk::EventType::kClose:
-        dialog.destroy();
-        break;
-      case tk::EventType::kControl:
-        if (e.is_control(tk::kOk, tk::Notice::kClicked)) dialog.destroy();
-        break;
-      default:
-        break;
-    }
-  };
-  if (!console.toolkit().run_modal_dialog(tk::kAboutDialog, handler)) {
+  About dialog(console);
+  if (!dialog.run_modal(console.toolkit(), tk::kAboutDialog)) {
     console.op().show(msg::kDialogNotCreated);
   }
 }

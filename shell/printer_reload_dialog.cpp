@@ -3,19 +3,23 @@
 #include "control/printer_reload.h"
 #include "shell/shell_messages.h"
 #include "shell/title.h"
+#include "toolkit/dialog_base.h"
 #include "toolkit/resources/resource_ids.h"
 
 namespace px::shell {
 
 namespace {
 
-struct ReloadDialog {
+struct ReloadDialog : tk::DialogBase {
+  ReloadDialog(Operator& op, std::string_view title, const std::vector<std::string>& printers)
+      : op(op), title(title), printers(printers) {}
+
   Operator& op;
   std::string_view title;
   const std::vector<std::string>& printers;
-  PrinterReloadChoice choice;
+  PrinterReloadChoice choice{};
 
-  void fill(tk::Window dialog) {
+  void create(tk::Window dialog) override {
     set_child_title(dialog, title);
     tk::Control list = dialog.control(tk::kReloadPrinterList);
     list.suspend();
@@ -46,31 +50,17 @@ struct ReloadDialog {
     dialog.destroy();
   }
 
-  void handle(const tk::Event& e) {
-    tk::Window dialog = e.window;
-    switch (e.type) {
-      case tk::EventType::kCreate:
-        fill(dialog);
-        break;
-      case tk::EventType::kClose:
-        dialog.destroy();
-        break;
-      case tk::EventType::kControl:
-        if (e.notice != tk::Notice::kClicked) break;
-        if (e.control == tk::kOk) {
-          accept(dialog);
-        } else if (e.control == tk::kCancel) {
-          dialog.destroy();
-        } else if (e.control == tk::kReloadAllPrinters) {
-          dialog.control(tk::kReloadPrinterList)
-              .set_enabled(!dialog.control(tk::kReloadAllPrinters).checked());
-        } else if (e.control == tk::kReloadAllForms) {
-          dialog.control(tk::kReloadPrinterForm)
-              .set_enabled(!dialog.control(tk::kReloadAllForms).checked());
-        }
-        break;
-      default:
-        break;
+  // OK chooses; each "all" check box disables what it stands for.
+  void control(tk::Window dialog, const tk::Event& e) override {
+    if (e.notice != tk::Notice::kClicked) return;
+    if (e.control == tk::kOk) {
+      accept(dialog);
+    } else if (e.control == tk::kReloadAllPrinters) {
+      dialog.control(tk::kReloadPrinterList)
+          .set_enabled(!dialog.control(tk::kReloadAllPrinters).checked());
+    } else if (e.control == tk::kReloadAllForms) {
+      dialog.control(tk::kReloadPrinterForm)
+          .set_enabled(!dialog.control(tk::kReloadAllForms).checked());
     }
   }
 };
@@ -80,9 +70,8 @@ struct ReloadDialog {
 PrinterReloadChoice run_printer_reload_dialog(tk::Toolkit& toolkit, Operator& op,
                                               std::string_view instance_title,
                                               const std::vector<std::string>& printers) {
-  ReloadDialog state{op, instance_title, printers, {}};
-  if (!toolkit.run_modal_dialog(tk::kReloadPrinterDialog,
-                                [&state](const tk::Event& e) { state.handle(e); })) {
+  ReloadDialog state(op, instance_title, printers);
+  if (!state.run_modal(toolkit, tk::kReloadPrinterDialog)) {
     op.show(msg::kDialogNotCreated);
     return {};
   }

@@ -1,8 +1,9 @@
 // pxcntrl as an operator meets it: started on a private demo installation
 // with pxserver-sim serving it, under the X server of xvfb-run. The test
 // finds the console's window by its title, pauses Nexa through the Control
-// menu's mnemonics, opens the help with F1, and leaves through File, Exit. Screenshots of the
-// console go to PX_SCREENSHOT_DIR for people to look at.
+// menu's mnemonics, opens the help with F1, opens and closes About and Select
+// Instance, and leaves through File, Exit. Screenshots of the console go to
+// PX_SCREENSHOT_DIR for people to look at.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -94,18 +95,36 @@ class PxcntrlUnderX : public ::testing::Test {
     }
   }
 
+  // The first visible window whose title matches pattern, once one shows
+  // within limit; "" if none does.
+  std::string shown_window(const std::string& pattern,
+                           std::chrono::milliseconds limit = std::chrono::seconds(5)) {
+    std::string found;
+    eventually([&] {
+      found = xdotool({"search", "--onlyvisible", "--name", pattern});
+      return !found.empty();
+    }, limit);
+    return found.substr(0, found.find('\n'));
+  }
+
+  // The console's task window, given the time pxcntrl takes to start.
+  std::string console_window() {
+    return shown_window(std::string("^") + kTitleStart, std::chrono::seconds(15));
+  }
+
+  // True once no visible window's title matches pattern.
+  bool window_gone(const std::string& pattern) {
+    return eventually([&] { return xdotool({"search", "--onlyvisible", "--name", pattern}).empty(); });
+  }
+
   LiveInstallation live;
   pid_t console_ = -1;
 };
 
 TEST_F(PxcntrlUnderX, ShowsTheInstanceInItsTitleAndPausesNexaFromTheMenu) {
   start_console();
-  std::string window;
-  ASSERT_TRUE(eventually([&] {
-    window = xdotool({"search", "--onlyvisible", "--name", std::string("^") + kTitleStart});
-    return !window.empty();
-  }, std::chrono::seconds(15))) << "no console window";
-  window = window.substr(0, window.find('\n'));
+  std::string window = console_window();
+  ASSERT_FALSE(window.empty()) << "no console window";
   EXPECT_EQ(xdotool({"getwindowname", window}),
             std::string(kTitleStart) + "Nexa Control-Nexa North - orders and invoices");
   usleep(500 * 1000);  // let it draw before the first picture
@@ -122,22 +141,15 @@ TEST_F(PxcntrlUnderX, ShowsTheInstanceInItsTitleAndPausesNexaFromTheMenu) {
   })) << "the server never read the control job";
 
   // The note "Pause Server was sent" is up; a picture, then Enter closes it.
-  std::string box;
-  EXPECT_TRUE(eventually([&] {
-    box = xdotool({"search", "--onlyvisible", "--name", "^Nexa Control$"});
-    return !box.empty();
-  })) << "no message box";
+  std::string box = shown_window("^Nexa Control$");
+  EXPECT_FALSE(box.empty()) << "no message box";
   EXPECT_TRUE(screenshot("pxcntrl-pause.png"));
-  if (!box.empty()) keys(box.substr(0, box.find('\n')), {"Return"});
-  EXPECT_TRUE(eventually([&] {
-    return xdotool({"search", "--onlyvisible", "--name", "^Nexa Control$"}).empty();
-  })) << "Enter did not close the message box";
+  if (!box.empty()) keys(box, {"Return"});
+  EXPECT_TRUE(window_gone("^Nexa Control$")) << "Enter did not close the message box";
 
   // F1 opens the help file of the console's directory.
   keys(window, {"F1"});
-  EXPECT_TRUE(eventually([&] {
-    return !xdotool({"search", "--onlyvisible", "--name", "^Nexa Control$"}).empty();
-  })) << "no help window";
+  EXPECT_FALSE(shown_window("^Nexa Control$").empty()) << "no help window";
   usleep(300 * 1000);
   EXPECT_TRUE(screenshot("pxcntrl-help.png"));
 
@@ -150,12 +162,8 @@ TEST_F(PxcntrlUnderX, ShowsTheInstanceInItsTitleAndPausesNexaFromTheMenu) {
 // accelerators do nothing.
 TEST_F(PxcntrlUnderX, ReadOnlyConsoleShowsControlItemsDisabled) {
   start_console("-aro");
-  std::string window;
-  ASSERT_TRUE(eventually([&] {
-    window = xdotool({"search", "--onlyvisible", "--name", std::string("^") + kTitleStart});
-    return !window.empty();
-  }, std::chrono::seconds(15))) << "no console window";
-  window = window.substr(0, window.find('\n'));
+  std::string window = console_window();
+  ASSERT_FALSE(window.empty()) << "no console window";
   usleep(500 * 1000);
   keys(window, {"alt+c"});
   xdotool({"mousemove", "200", "97"});  // resting on Pause Nexa shows why it is disabled
@@ -165,6 +173,41 @@ TEST_F(PxcntrlUnderX, ReadOnlyConsoleShowsControlItemsDisabled) {
   usleep(500 * 1000);
   EXPECT_EQ(live.state(), "3\trunning");
   EXPECT_EQ(live.read("north/data/pxctrl00.msg"), "");
+  keys(window, {"alt+f", "x"});
+  EXPECT_EQ(wait_for_end(), 0);
+}
+
+// About and Select Instance on the Qt back end: Escape presses About's OK;
+// in Select Instance Escape cancels and Enter chooses the selected row.
+TEST_F(PxcntrlUnderX, AboutAndSelectInstanceCloseAsTheOperatorExpects) {
+  start_console();
+  std::string window = console_window();
+  ASSERT_FALSE(window.empty()) << "no console window";
+  usleep(500 * 1000);
+
+  keys(window, {"alt+h", "a"});
+  std::string about = shown_window("^About Nexa Control$");
+  ASSERT_FALSE(about.empty()) << "no About dialog";
+  EXPECT_TRUE(screenshot("pxcntrl-about.png"));
+  keys(about, {"Escape"});
+  EXPECT_TRUE(window_gone("^About Nexa Control$"));
+
+  keys(window, {"alt+f", "Return"});
+  std::string select = shown_window("^Select Instance of Nexa$");
+  ASSERT_FALSE(select.empty()) << "no Select Instance dialog";
+  EXPECT_TRUE(screenshot("pxcntrl-select-instance.png"));
+  keys(select, {"Down", "Escape"});
+  EXPECT_TRUE(window_gone("^Select Instance of Nexa$"));
+  EXPECT_NE(xdotool({"getwindowname", window}).find("Nexa North"), std::string::npos);
+
+  keys(window, {"alt+f", "Return"});
+  select = shown_window("^Select Instance of Nexa$");
+  ASSERT_FALSE(select.empty()) << "Select Instance did not open again";
+  keys(select, {"Down", "Return"});
+  EXPECT_TRUE(window_gone("^Select Instance of Nexa$"));
+  EXPECT_NE(xdotool({"getwindowname", window}).find("Nexa South"), std::string::npos)
+      << xdotool({"getwindowname", window});
+
   keys(window, {"alt+f", "x"});
   EXPECT_EQ(wait_for_end(), 0);
 }

@@ -8,43 +8,20 @@
 #include "shell/menu_state.h"
 #include "shell/shell_messages.h"
 #include "shell/title.h"
+#include "toolkit/dialog_base.h"
 #include "toolkit/resources/resource_ids.h"
 
 namespace px::shell {
 
 namespace {
 
-class SelectInstance {
+class SelectInstance : public tk::DialogBase {
  public:
   explicit SelectInstance(Console& console) : console_(console) {}
 
-  void handle(const tk::Event& e) {
-    tk::Window dialog = e.window;
-    switch (e.type) {
-      case tk::EventType::kCreate:
-        fill(dialog);
-        break;
-      case tk::EventType::kDestroy:
-        console_.help().forget(dialog.id());
-        break;
-      case tk::EventType::kClose:
-        dialog.destroy();
-        break;
-      case tk::EventType::kControl:
-        if (e.is_control(tk::kOk, tk::Notice::kClicked) ||
-            (e.control == tk::kSelectInstanceList && e.double_click())) {
-          choose(dialog);
-        } else if (e.is_control(tk::kCancel, tk::Notice::kClicked)) {
-          dialog.destroy();
-        }
-        break;
-      default:
-        break;
-    }
-  }
-
  private:
-  void fill(tk::Window dialog) {
+  // Lists every instance with the current one selected.
+  void create(tk::Window dialog) override {
     InstanceEnumerator enumerator;
     if (!enumerator.begin()) {
       console_.op().show(msg::kNoInstanceToSelect, {display_path(ini::default_file())});
@@ -62,6 +39,16 @@ class SelectInstance {
     list.resume();
     list.focus();
   }
+
+  // OK or a double click on a row chooses.
+  void control(tk::Window dialog, const tk::Event& e) override {
+    if (e.is_control(tk::kOk, tk::Notice::kClicked) ||
+        (e.control == tk::kSelectInstanceList && e.double_click())) {
+      choose(dialog);
+    }
+  }
+
+  void destroyed(tk::Window dialog) override { console_.help().forget(dialog.id()); }
 
   // Makes the selected row's instance current and closes.
   void choose(tk::Window dialog) {
@@ -86,8 +73,7 @@ class SelectInstance {
 
 void run_select_instance_dialog(Console& console) {
   SelectInstance dialog(console);
-  if (!console.toolkit().run_modal_dialog(tk::kSelectInstanceDialog,
-                                          [&dialog](const tk::Event& e) { dialog.handle(e); })) {
+  if (!dialog.run_modal(console.toolkit(), tk::kSelectInstanceDialog)) {
     console.op().show(msg::kDialogNotCreated);
   }
 }

@@ -190,6 +190,18 @@ TEST_F(ViewsEndToEnd, RejectsAndTheAgentQueue) {
   EXPECT_EQ(live.run_pxctl({"queue"}).status, 2);
   EXPECT_EQ(live.run_pxctl({"rejects", "--mail"}).status, 2);
   EXPECT_EQ(live.run_pxctl({"reject-file"}).status, 2);
+  // --email without the NAME it comes with is a usage error, not a file name.
+  ProgramResult no_name = live.run_pxctl({"reject-file", "--email"});
+  EXPECT_EQ(no_name.status, 2);
+  EXPECT_TRUE(no_name.err.starts_with("[901]")) << no_name.err;
+  EXPECT_EQ(live.run_pxctl({"reject-file", "ORD9.DAT", "NONE.DAT"}).status, 2);
+  EXPECT_EQ(live.run_pxctl({"reject-file", "ORD9.DAT", "--email"}).status, 1);  // not an agent reject
+  // A directory in the error directory is no rejected file to show.
+  ASSERT_EQ(::mkdir(live.path("north/errors/HELD.DAT").c_str(), 0755), 0);
+  ProgramResult directory = live.run_pxctl({"reject-file", "HELD.DAT"});
+  EXPECT_EQ(directory.status, 1);
+  EXPECT_TRUE(directory.err.starts_with("[177]")) << directory.err;
+  EXPECT_TRUE(directory.out.empty());
 }
 
 TEST_F(ViewsEndToEnd, ViewsReportWhatWouldCloseTheirWindow) {
@@ -259,6 +271,38 @@ TEST_F(ViewsEndToEnd, FollowPrintsAppendedLinesAndSurvivesRotation) {
   ASSERT_TRUE(follow.wait_for("new 1\n", "[1400]")) << follow.out << follow.err;
   EXPECT_EQ(follow.out, numbered(70, 103) + numbered(0, 2, "new "));
   EXPECT_EQ(follow.interrupt(), 0);
+}
+
+// With SIGPIPE ignored (as some callers leave it), a follow whose reader has
+// gone sees its writes fail and ends instead of running on unseen.
+TEST_F(ViewsEndToEnd, FollowEndsWhenItsOutputCannotBeWritten) {
+  write_log("north/logs/pxserver.log", numbered(0, 100));
+  int out[2];
+  ASSERT_EQ(pipe(out), 0);
+  std::vector<std::string> words{PXCTL_PATH, "-aii" + live.path("pxcntrl.ini"), "log", "--follow"};
+  pid_t pid = fork();
+  if (pid == 0) {
+    signal(SIGPIPE, SIG_IGN);
+    dup2(out[1], 1);
+    close(out[0]);
+    std::vector<char*> argv;
+    for (std::string& w : words) argv.push_back(w.data());
+    argv.push_back(nullptr);
+    execv(argv[0], argv.data());
+    _exit(127);
+  }
+  close(out[0]);
+  close(out[1]);
+  std::ofstream(live.path("north/logs/pxserver.log"), std::ios::app) << numbered(100, 103);
+  int status = 0;
+  bool ended = eventually([&] { return waitpid(pid, &status, WNOHANG) == pid; });
+  if (!ended) {
+    kill(pid, SIGKILL);
+    waitpid(pid, nullptr, 0);
+  }
+  ASSERT_TRUE(ended);
+  EXPECT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 1);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "views/line_reader.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstring>
@@ -12,7 +13,12 @@ constexpr size_t kBufferSize = size_t{32} * 1024;
 }
 
 LineReader::LineReader(const std::string& path, uint64_t offset)
-    : fd_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)), buffer_(kBufferSize), offset_(offset) {}
+    : fd_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)), buffer_(kBufferSize), offset_(offset) {
+  // A directory opens for reading on Linux but has no lines to read: it is
+  // a file that does not open, as where directories cannot be opened.
+  struct stat info {};
+  if (fd_.valid() && (::fstat(fd_.get(), &info) != 0 || S_ISDIR(info.st_mode))) fd_.reset();
+}
 
 bool LineReader::fill() {
   offset_ += end_;

@@ -21,8 +21,10 @@ bool config_readable(const std::string& file, Operator& op) {
 
 std::optional<ProcessLogs> log_processes(const std::string& config_file, Operator& op) {
   if (!config_readable(config_file, op)) return std::nullopt;
+  // A list too long for the names' room is full, not empty: the processes
+  // whose names fit are offered.
   KeyList keys = ini::get_key_list("Processes", kProcessNamesSize, config_file);
-  if (keys.used < 2) {
+  if (!keys.overflow && keys.used < 2) {
     op.show(msg::kNoProcesses, {"Processes", display_path(config_file)});
     return std::nullopt;
   }

@@ -30,7 +30,8 @@ struct ProcessLogs {
 };
 
 // The processes with a log: those with their own LogFile, and, when the
-// server's LogFile is set, the others with that. Shows 144 (configuration
+// server's LogFile is set, the others with that. Only the processes whose
+// keys fit in the first 1024 characters of the key list are looked at. Shows 144 (configuration
 // does not open) or 175 (no Processes section) and gives nullopt.
 std::optional<ProcessLogs> log_processes(const std::string& config_file, Operator& op);
 

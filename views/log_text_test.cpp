@@ -1,6 +1,7 @@
 #include "views/log_text.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "views/log_source.h"
 #include "views/view_messages.h"
@@ -71,6 +72,20 @@ TEST_F(LogSourceTest, ProcessesWithoutTheirOwnLogShowTheServers) {
   EXPECT_TRUE(op_.shown().empty());
 }
 
+TEST_F(LogSourceTest, AProcessListLongerThanItsRoomOffersTheProcessesThatFit) {
+  std::string processes;
+  for (int i = 0; i < 80; ++i) processes += "PXPROCESSNUMBER" + std::to_string(10000 + i) + "=P\n";
+  std::string config = dir_.write(
+      "many.ini", "[Plexar]\nLogFile=/logs/server.log\n[Processes]\n" + processes);
+  auto logs = log_processes(config, op_);
+  ASSERT_TRUE(logs);
+  // 21 characters a key with its NUL: 48 of them fit in 1023.
+  ASSERT_EQ(logs->processes.size(), 48u);
+  EXPECT_EQ(logs->processes.front().section, "PXPROCESSNUMBER10000");
+  EXPECT_EQ(logs->processes.back().log, "/logs/server.log");
+  EXPECT_TRUE(op_.shown().empty());
+}
+
 TEST_F(LogSourceTest, MissingSettingsAreShown) {
   std::string config = dir_.write("bare.ini", "[Processes]\nPXMERGE=Print\n");
   auto logs = log_processes(config, op_);
@@ -98,6 +113,17 @@ TEST_F(LogSourceTest, WholeLogsAndFilesReadEveryLine) {
   EXPECT_FALSE(file_lines(dir_.file("none.dat"), op_));
   EXPECT_EQ(op_.last(), msg::kFileNotOpened);
   LogIndex index(dir_.file("none.log"));
+  EXPECT_FALSE(index_log(index, op_));
+  EXPECT_EQ(op_.numbers().size(), 2u);
+}
+
+TEST_F(LogSourceTest, ADirectoryIsAFileThatDoesNotOpen) {
+  std::string directory = dir_.file("sub.dat");
+  ASSERT_EQ(::mkdir(directory.c_str(), 0755), 0);
+  EXPECT_FALSE(file_lines(directory, op_));
+  EXPECT_EQ(op_.shown().back(), (ShownMessage{msg::kFileNotOpened, {directory}}));
+  EXPECT_FALSE(whole_log(directory, {}));
+  LogIndex index(directory);
   EXPECT_FALSE(index_log(index, op_));
   EXPECT_EQ(op_.numbers().size(), 2u);
 }

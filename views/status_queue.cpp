@@ -1,5 +1,7 @@
 #include "views/status_queue.h"
 
+#include <sys/stat.h>
+
 #include <cstdio>
 #include <memory>
 
@@ -45,7 +47,11 @@ void append_file_rows(const std::string& directory, const std::vector<std::strin
 std::optional<std::string> read_status_line(const std::string& status_file) {
   std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(status_file.c_str(), "r"),
                                                        std::fclose);
-  if (!file) return std::nullopt;
+  // A directory opens for reading here but is no status file.
+  struct stat info {};
+  if (!file || ::fstat(fileno(file.get()), &info) != 0 || S_ISDIR(info.st_mode)) {
+    return std::nullopt;
+  }
   std::string line;
   for (int c; line.size() < kStatusLineLength && (c = std::fgetc(file.get())) != EOF;) {
     line.push_back(static_cast<char>(c));

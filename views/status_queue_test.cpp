@@ -102,6 +102,11 @@ TEST_F(StatusQueueTest, StatusLineIsTheFirstLineCutTo339Characters) {
   dir_.write("crlf.sts", "Paused\r\nmore\r\n");
   EXPECT_EQ(status_line(dir_.file("long.sts")), std::string(339, 'x'));
   EXPECT_EQ(status_line(dir_.file("crlf.sts")), "Paused");
+  // A status file that names a directory does not open (173), it is not
+  // an empty one (196).
+  std::string directory = queue("status.d");
+  EXPECT_FALSE(read_status_line(directory));
+  EXPECT_TRUE(status_line(directory).starts_with("[173]")) << status_line(directory);
 }
 
 TEST_F(StatusQueueTest, RefreshPeriodDefaultsToTenSeconds) {

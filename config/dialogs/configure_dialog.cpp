@@ -4,12 +4,12 @@
 
 #include "common/messages.h"
 #include "config/dialogs/agent_dialogs.h"
-#include "config/dialogs/dialog_base.h"
 #include "config/dialogs/form_dialog.h"
 #include "config/dialogs/instance_dialogs.h"
 #include "config/dialogs/server_dialogs.h"
 #include "config/forms/process_list.h"
 #include "config/operator_action.h"
+#include "toolkit/dialog_base.h"
 
 namespace px::dialogs {
 
@@ -19,7 +19,7 @@ constexpr int kDialog = 123;
 constexpr int kList = 3;
 constexpr int kEditFile = 1;
 
-class Configure : public DialogBase {
+class Configure : public tk::DialogBase {
  public:
   Configure(const ConfigContext& context, const Instance& instance, bool other_node)
       : context_(context), instance_(instance), other_node_(other_node) {}

@@ -28,7 +28,7 @@ FormDialog::FormDialog(forms::Form& form, Operator& op, std::string instance_nam
 
 void FormDialog::handle(const tk::Event& e) {
   if (extra_ && e.type != tk::EventType::kCreate && extra_(e, form_)) return;
-  DialogBase::handle(e);
+  tk::DialogBase::handle(e);
   if (extra_ && e.type == tk::EventType::kCreate) extra_(e, form_);
 }
 

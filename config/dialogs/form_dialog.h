@@ -26,9 +26,9 @@
 #include <vector>
 
 #include "config/dialogs/config_context.h"
-#include "config/dialogs/dialog_base.h"
 #include "config/forms/form.h"
 #include "config/operator.h"
+#include "toolkit/dialog_base.h"
 #include "toolkit/toolkit.h"
 
 namespace px::dialogs {
@@ -52,7 +52,7 @@ using ExtraHandler = std::function<bool(const tk::Event&, forms::Form&)>;
 // The binding: run it with run_modal(), or call handle() from the dialog's
 // event handler. The extra handler sees every event first (but creation,
 // which it sees after the form's fields are filled).
-class FormDialog : public DialogBase {
+class FormDialog : public tk::DialogBase {
  public:
   FormDialog(forms::Form& form, Operator& op, std::string instance_name, FormControls controls,
              ExtraHandler extra = {}, FileSystem* files = nullptr);

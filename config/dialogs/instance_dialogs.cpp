@@ -1,11 +1,11 @@
 #include "config/dialogs/instance_dialogs.h"
 
-#include "config/dialogs/dialog_base.h"
 #include "config/dialogs/form_dialog.h"
 #include "config/forms/form_messages.h"
 #include "config/forms/instance_list.h"
 #include "config/forms/process_list.h"
 #include "config/operator_action.h"
+#include "toolkit/dialog_base.h"
 
 namespace px::dialogs {
 
@@ -24,7 +24,7 @@ constexpr int kOk = 1;
 
 // The record dialog: OK refuses a name that cannot be a key, or that
 // another row has.
-class InstanceRecord : public DialogBase {
+class InstanceRecord : public tk::DialogBase {
  public:
   InstanceRecord(const ConfigContext& context, const forms::InstanceList& list, std::size_t row)
       : context_(context), list_(list), row_(row), instance_(list.rows()[row]) {}
@@ -95,7 +95,7 @@ class InstanceRecord : public DialogBase {
   bool accepted_ = false;
 };
 
-class InstanceConfig : public DialogBase {
+class InstanceConfig : public tk::DialogBase {
  public:
   explicit InstanceConfig(const ConfigContext& context) : context_(context) {}
 

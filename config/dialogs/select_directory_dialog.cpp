@@ -4,8 +4,8 @@
 #include <system_error>
 
 #include "common/file_util.h"
-#include "config/dialogs/dialog_base.h"
 #include "config/dialogs/form_dialog.h"
+#include "toolkit/dialog_base.h"
 
 namespace px::dialogs {
 
@@ -23,7 +23,7 @@ std::string current_directory() {
   return error ? std::string("/") : cwd.string();
 }
 
-class SelectDirectory : public DialogBase {
+class SelectDirectory : public tk::DialogBase {
  public:
   SelectDirectory(const std::string& start, std::vector<forms::Drive> drives)
       : browser_(std::move(drives), start, current_directory()) {}

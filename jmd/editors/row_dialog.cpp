@@ -5,6 +5,7 @@
 #include "jmd/editors/editor_messages.h"
 #include "jmd/editors/row_list.h"
 #include "jmd/jmd_schema.h"
+#include "toolkit/dialog_base.h"
 #include "toolkit/resources/resource_ids.h"
 
 namespace px::editors {
@@ -37,7 +38,10 @@ std::vector<std::string> keys_of(JmdEditor& editor, ListKind kind) {
   return keys;
 }
 
-struct RowDialog {
+struct RowDialog : tk::DialogBase {
+  RowDialog(tk::Toolkit& toolkit, JmdEditor& editor, RowRequest request, const RowAdded& added)
+      : toolkit(toolkit), editor(editor), request(std::move(request)), added(added) {}
+
   tk::Toolkit& toolkit;
   JmdEditor& editor;
   RowRequest request;
@@ -51,7 +55,7 @@ struct RowDialog {
     for (const std::string& row : rows) combo.add(row);
   }
 
-  void create(tk::Window dialog) {
+  void create(tk::Window dialog) override {
     ListKind kind = form().kind();
     FormMode mode = form().mode();
     if (mode != FormMode::kEdit) {
@@ -122,49 +126,57 @@ struct RowDialog {
     if (added) added(kind);
   }
 
-  void handle(const tk::Event& e);
+  // Typing runs the field's rules; OK stores the row; the "Add ..." buttons
+  // open their nested dialog.
+  void control(tk::Window dialog, const tk::Event& e) override {
+    if (e.notice == tk::Notice::kChanged) {
+      changed(dialog, e.control);
+      return;
+    }
+    if (e.notice != tk::Notice::kClicked) return;
+    if (e.control == tk::kOk) {
+      ok(dialog);
+    } else if (form().kind() == ListKind::kPrinters && e.control == tk::kPrinterAddMemory) {
+      add_nested(dialog, ListKind::kMemory, tk::kPrinterId);
+    } else if (form().kind() == ListKind::kSteps && e.control == tk::kStepAddTask) {
+      add_nested(dialog, ListKind::kTasks, tk::kStepTaskId);
+    } else if (form().kind() == ListKind::kSteps && e.control == tk::kStepAddPrinter) {
+      add_nested(dialog, ListKind::kPrinters, tk::kStepPrinterName);
+    }
+  }
 };
 
-void RowDialog::handle(const tk::Event& e) {
-  tk::Window dialog = e.window;
-  switch (e.type) {
-    case tk::EventType::kCreate:
-      create(dialog);
-      break;
-    case tk::EventType::kClose:
+// "New Job Name": OK closes with the name accept made of the typed text, or
+// keeps the dialog open on the field when accept refused it.
+class JobNameDialog : public tk::DialogBase {
+ public:
+  using Accept = std::function<int(const std::string& typed, std::string& name)>;
+  explicit JobNameDialog(const Accept& accept) : accept_(accept) {}
+  std::optional<std::string> chosen;
+
+ private:
+  void create(tk::Window dialog) override { dialog.control(tk::kJobNameEdit).focus(); }
+
+  void control(tk::Window dialog, const tk::Event& e) override {
+    if (!e.is_control(tk::kOk, tk::Notice::kClicked)) return;
+    std::string name;
+    if (accept_(dialog.control(tk::kJobNameEdit).text(), name) == 0) {
+      chosen = name;
       dialog.destroy();
-      break;
-    case tk::EventType::kControl: {
-      if (e.notice == tk::Notice::kChanged) {
-        changed(dialog, e.control);
-        break;
-      }
-      if (e.notice != tk::Notice::kClicked) break;
-      if (e.control == tk::kOk) {
-        ok(dialog);
-      } else if (e.control == tk::kCancel) {
-        dialog.destroy();
-      } else if (form().kind() == ListKind::kPrinters && e.control == tk::kPrinterAddMemory) {
-        add_nested(dialog, ListKind::kMemory, tk::kPrinterId);
-      } else if (form().kind() == ListKind::kSteps && e.control == tk::kStepAddTask) {
-        add_nested(dialog, ListKind::kTasks, tk::kStepTaskId);
-      } else if (form().kind() == ListKind::kSteps && e.control == tk::kStepAddPrinter) {
-        add_nested(dialog, ListKind::kPrinters, tk::kStepPrinterName);
-      }
-      break;
+    } else {
+      dialog.control(tk::kJobNameEdit).focus();
     }
-    default:
-      break;
   }
-}
+
+  const Accept& accept_;
+};
 
 }  // namespace
 
 std::optional<OkResult> run_row_dialog(tk::Toolkit& toolkit, JmdEditor& editor,
                                        RowRequest request, const RowAdded& added) {
-  RowDialog state{toolkit, editor, std::move(request), added, std::nullopt};
-  if (!toolkit.run_modal_dialog(resource_of(state.form().kind()),
-                                [&state](const tk::Event& e) { state.handle(e); })) {
+  RowDialog state(toolkit, editor, std::move(request), added);
+  if (!state.run_modal(toolkit, resource_of(state.form().kind()))) {
     editor.op().show(msg::kDialogNotCreated);
     return std::nullopt;
   }
@@ -174,32 +186,12 @@ std::optional<OkResult> run_row_dialog(tk::Toolkit& toolkit, JmdEditor& editor,
 std::optional<std::string> run_job_name_dialog(
     tk::Toolkit& toolkit, Operator& op,
     const std::function<int(const std::string& typed, std::string& name)>& accept) {
-  std::optional<std::string> chosen;
-  auto handle = [&](const tk::Event& e) {
-    tk::Window dialog = e.window;
-    if (e.type == tk::EventType::kCreate) {
-      dialog.control(tk::kJobNameEdit).focus();
-    } else if (e.type == tk::EventType::kClose) {
-      dialog.destroy();
-    } else if (e.type == tk::EventType::kControl && e.notice == tk::Notice::kClicked) {
-      if (e.control == tk::kCancel) {
-        dialog.destroy();
-      } else if (e.control == tk::kOk) {
-        std::string name;
-        if (accept(dialog.control(tk::kJobNameEdit).text(), name) == 0) {
-          chosen = name;
-          dialog.destroy();
-        } else {
-          dialog.control(tk::kJobNameEdit).focus();
-        }
-      }
-    }
-  };
-  if (!toolkit.run_modal_dialog(tk::kJobNameDialog, handle)) {
+  JobNameDialog dialog(accept);
+  if (!dialog.run_modal(toolkit, tk::kJobNameDialog)) {
     op.show(msg::kDialogNotCreated);
     return std::nullopt;
   }
-  return chosen;
+  return dialog.chosen;
 }
 
 }  // namespace px::editors

@@ -8,6 +8,7 @@
 
 #include "common/file_util.h"
 #include "config/instances.h"
+#include "toolkit/dialog_base.h"
 #include "toolkit/resources/resource_ids.h"
 #include "views/file_lists.h"
 #include "common/text.h"
@@ -355,44 +356,45 @@ tk::Window open_text_window(const std::shared_ptr<TextView>& view, long app_valu
 
 // Dialog 113: the processes by name, the first selected; OK or a double
 // click chooses one.
+class ChooseProcess : public tk::DialogBase {
+ public:
+  ChooseProcess(const ViewHost& host, const std::vector<LogProcess>& processes)
+      : host_(host), processes_(processes) {}
+  std::optional<std::string> chosen;
+
+ private:
+  void create(tk::Window dialog) override {
+    host_.help_on(dialog, kViewsHelpTopic);
+    tk::Control list = dialog.control(tk::kLogProcessList);
+    for (const LogProcess& p : processes_) list.add(p.name);
+    list.select(0);
+    list.focus();
+  }
+
+  void control(tk::Window dialog, const tk::Event& e) override {
+    if (!e.is_control(tk::kOk, tk::Notice::kClicked) &&
+        !(e.control == tk::kLogProcessList && e.double_click())) {
+      return;
+    }
+    int row = dialog.control(tk::kLogProcessList).selected();
+    if (row < 0) return;
+    chosen = processes_[static_cast<size_t>(row)].section;
+    dialog.destroy();
+  }
+
+  void destroyed(tk::Window dialog) override { host_.help_off(dialog); }
+
+  const ViewHost& host_;
+  const std::vector<LogProcess>& processes_;
+};
+
 std::optional<std::string> choose_process(const ViewHost& host,
                                           const std::vector<LogProcess>& processes) {
-  std::optional<std::string> chosen;
-  auto handler = [&](const tk::Event& e) {
-    tk::Window dialog = e.window;
-    tk::Control list = dialog.control(tk::kLogProcessList);
-    switch (e.type) {
-      case tk::EventType::kCreate:
-        host.help_on(dialog, kViewsHelpTopic);
-        for (const LogProcess& p : processes) list.add(p.name);
-        list.select(0);
-        list.focus();
-        break;
-      case tk::EventType::kDestroy:
-        host.help_off(dialog);
-        break;
-      case tk::EventType::kClose:
-        dialog.destroy();
-        break;
-      case tk::EventType::kControl:
-        if (e.is_control(tk::kOk, tk::Notice::kClicked) ||
-            (e.control == tk::kLogProcessList && e.double_click())) {
-          int row = list.selected();
-          if (row < 0) break;
-          chosen = processes[static_cast<size_t>(row)].section;
-          dialog.destroy();
-        } else if (e.is_control(tk::kCancel, tk::Notice::kClicked)) {
-          dialog.destroy();
-        }
-        break;
-      default:
-        break;
-    }
-  };
-  if (!host.toolkit.run_modal_dialog(tk::kLogProcessDialog, handler)) {
+  ChooseProcess dialog(host, processes);
+  if (!dialog.run_modal(host.toolkit, tk::kLogProcessDialog)) {
     host.op.show(msg::kDialogNotOpened);
   }
-  return chosen;
+  return dialog.chosen;
 }
 
 }  // namespace
