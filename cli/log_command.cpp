@@ -100,7 +100,7 @@ int follow(views::LogIndex& index, std::optional<int64_t> from, Operator& op) {
   sigaction(SIGTERM, &action, nullptr);
   views::LogFollower follower(index);
   if (from) {
-    int64_t count = index.complete_lines() - *from;
+    int64_t count = index.line_count() - *from;
     print_lines(index.read_lines(*from, count).value_or(std::vector<std::string>{}));
   } else {
     print_lines(follower.last_lines(views::kPageLines));

@@ -273,6 +273,26 @@ TEST_F(ViewsEndToEnd, FollowPrintsAppendedLinesAndSurvivesRotation) {
   EXPECT_EQ(follow.interrupt(), 0);
 }
 
+// A log whose last line has no line end yet: the first page holds it, as
+// the window's does, and its line end arriving does not print it again.
+TEST_F(ViewsEndToEnd, FollowShowsAnUnfinishedLastLineOnce) {
+  std::string text = numbered(0, 100);
+  text.pop_back();
+  write_log("north/logs/pxserver.log", text);
+  Background follow(live, {"log", "--follow"});
+  ASSERT_TRUE(follow.wait_for("line 99\n")) << follow.out << follow.err;
+  EXPECT_EQ(follow.out, numbered(70, 100));
+  std::ofstream(live.path("north/logs/pxserver.log"), std::ios::app) << "\nline 100\n";
+  ASSERT_TRUE(follow.wait_for("line 100\n")) << follow.out;
+  EXPECT_EQ(follow.out, numbered(70, 101));
+  EXPECT_EQ(follow.interrupt(), 0);
+
+  Background from(live, {"log", "--follow", "--line", "98"});
+  ASSERT_TRUE(from.wait_for("line 100\n")) << from.out << from.err;
+  EXPECT_EQ(from.out, numbered(98, 101));
+  EXPECT_EQ(from.interrupt(), 0);
+}
+
 // With SIGPIPE ignored (as some callers leave it), a follow whose reader has
 // gone sees its writes fail and ends instead of running on unseen.
 TEST_F(ViewsEndToEnd, FollowEndsWhenItsOutputCannotBeWritten) {
