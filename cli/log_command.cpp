@@ -52,7 +52,8 @@ bool parse_request(const std::vector<std::string>& words, LogRequest& request) {
       request.email = true;
     } else if (w == "--follow" && !request.follow) {
       request.follow = true;
-    } else if (w == "--process" && !request.process && i + 1 < words.size()) {
+    } else if (w == "--process" && !request.process && i + 1 < words.size() &&
+               !words[i + 1].starts_with("--")) {
       request.process = words[++i];
     } else if (w == "--line" && !request.line && i + 1 < words.size()) {
       int64_t n = 0;

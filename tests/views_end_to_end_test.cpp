@@ -236,6 +236,10 @@ TEST_F(ViewsEndToEnd, SmallLogsAreWholeAndWrappedLargeOnesOpenOnTheirLastPage) {
   EXPECT_EQ(live.run_pxctl({"log", "--line", "9990"}).out, numbered(9990, 10000));
   EXPECT_EQ(live.run_pxctl({"log", "--line", "x"}).status, 2);
   EXPECT_EQ(live.run_pxctl({"log", "--email", "--process", "PXMERGE"}).status, 2);
+  EXPECT_EQ(live.run_pxctl({"log", "--process", "--email"}).status, 2);  // SECTION missing
+  EXPECT_EQ(live.run_pxctl({"log", "--process"}).status, 2);
+  EXPECT_EQ(live.run_pxctl({"log", "--line"}).status, 2);
+  EXPECT_EQ(live.run_pxctl({"log", "--line", "-1"}).status, 2);
 }
 
 TEST_F(ViewsEndToEnd, ProcessAndAgentLogs) {
