@@ -187,6 +187,18 @@ TEST_F(ViewsEndToEnd, RejectsAndTheAgentQueue) {
   EXPECT_TRUE(missing.err.starts_with("[177]")) << missing.err;
   ProgramResult south = live.run_pxctl({"--instance", "south", "queue", "--email"});
   EXPECT_EQ(south.status, 0) << south.err;
+  // --instance NAME may also follow the command word.
+  ProgramResult after = live.run_pxctl({"queue", "--email", "--instance", "south"});
+  EXPECT_EQ(after.status, 0) << after.err;
+  EXPECT_EQ(after.out, south.out);
+  EXPECT_EQ(live.run_pxctl({"rejects", "--instance", "south"}).out,
+            live.run_pxctl({"--instance", "south", "rejects"}).out);
+  EXPECT_EQ(live.run_pxctl({"rejects", "--instance", "nowhere"}).status, 1);
+  EXPECT_EQ(live.run_pxctl({"rejects", "--instance"}).status, 2);
+  EXPECT_EQ(live.run_pxctl({"--instance", "south", "rejects", "--instance", "north"}).status, 2);
+  // A message argument is the message's, not an option.
+  EXPECT_NE(live.run_pxctl({"msg", "901", "--instance", "south"}).out.find("Usage: south"),
+            std::string::npos);
   EXPECT_EQ(live.run_pxctl({"queue"}).status, 2);
   EXPECT_EQ(live.run_pxctl({"rejects", "--mail"}).status, 2);
   EXPECT_EQ(live.run_pxctl({"reject-file"}).status, 2);
