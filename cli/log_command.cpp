@@ -52,7 +52,8 @@ bool parse_request(const std::vector<std::string>& words, LogRequest& request) {
       request.email = true;
     } else if (w == "--follow" && !request.follow) {
       request.follow = true;
-    } else if (w == "--process" && !request.process && i + 1 < words.size()) {
+    } else if (w == "--process" && !request.process && i + 1 < words.size() &&
+               !words[i + 1].starts_with("--")) {
       request.process = words[++i];
     } else if (w == "--line" && !request.line && i + 1 < words.size()) {
       int64_t n = 0;
@@ -100,7 +101,7 @@ int follow(views::LogIndex& index, std::optional<int64_t> from, Operator& op) {
   sigaction(SIGTERM, &action, nullptr);
   views::LogFollower follower(index);
   if (from) {
-    int64_t count = index.complete_lines() - *from;
+    int64_t count = index.line_count() - *from;
     print_lines(index.read_lines(*from, count).value_or(std::vector<std::string>{}));
   } else {
     print_lines(follower.last_lines(views::kPageLines));

@@ -26,13 +26,25 @@ void use_console_ini() {
   px::ini::set_program_path(directory + "pxcntrl");
 }
 
+// Commands whose words are free text (file names, sections, keys, values,
+// message arguments): a word "--instance" is theirs.
+bool takes_free_words(const std::string& command) {
+  return command == "ini" || command == "msg" || command == "args" || command == "jmd";
+}
+
 // Splits the initialised arguments into the command and its words. False
-// when --instance lacks its name.
+// when --instance lacks its name. --instance NAME may also follow the command
+// word (once, and not for commands whose words are free text).
 bool parse_invocation(const std::vector<std::string>& args, Invocation& call) {
   bool seen_command = false;
   for (size_t i = 1; i < args.size(); ++i) {
     const std::string& arg = args[i];
     if (seen_command) {
+      if (arg == "--instance" && call.instance.empty() && i + 1 < args.size() &&
+          !takes_free_words(call.command)) {
+        call.instance = args[++i];
+        continue;
+      }
       call.raw.push_back(arg);
       if (!px::is_common_option(arg)) call.words.push_back(arg);
     } else if (px::is_common_option(arg)) {

@@ -75,4 +75,26 @@ std::string cut_to_buffer(std::string_view text, size_t size) {
   return std::string(text.substr(0, size - 1));
 }
 
+std::string fill_percent_s(std::string_view format, std::string_view value) {
+  std::string out;
+  bool filled = false;
+  for (size_t i = 0; i < format.size(); ++i) {
+    if (format[i] == '%' && i + 1 < format.size()) {
+      if (format[i + 1] == '%') {
+        out += '%';
+        ++i;
+        continue;
+      }
+      if (format[i + 1] == 's' && !filled) {
+        out += value;
+        filled = true;
+        ++i;
+        continue;
+      }
+    }
+    out += format[i];
+  }
+  return out;
+}
+
 }  // namespace px

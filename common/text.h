@@ -33,4 +33,9 @@ long parse_long(std::string_view text);
 // characters leaves for text.
 std::string cut_to_buffer(std::string_view text, size_t size);
 
+// format with its first "%s" replaced by value, "%%" giving "%" and any
+// other "%" (a later "%s" too) kept as it stands: what a C formatting call
+// with one string argument makes of a title or command template.
+std::string fill_percent_s(std::string_view format, std::string_view value);
+
 }  // namespace px

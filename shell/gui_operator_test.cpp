@@ -41,10 +41,8 @@ TEST_F(GuiOperatorTest, AQuestionIsAnsweredByTheIndexOfItsButton) {
   EXPECT_THAT(tk.boxes()[1].buttons, ElementsAre("Save", "Cancel"));
 }
 
-TEST(TitleTest, AResourceTitleTakesTheInstancesTitle) {
+TEST(TitleTest, AResourceTitleTakesTheInstancesTitleCutToTheLongestTitle) {
   EXPECT_EQ(fill_title("Reload Printer for %s", "North"), "Reload Printer for North");
-  EXPECT_EQ(fill_title("100%% of %s, not %s or %d", "North"), "100% of North, not %s or %d");
-  EXPECT_EQ(fill_title("No place", "North"), "No place");
   EXPECT_EQ(fill_title("%s", std::string(2000, 'x')).size(), kTitleLength - 1);
 }
 

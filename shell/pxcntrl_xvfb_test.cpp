@@ -114,7 +114,8 @@ class PxcntrlUnderX : public ::testing::Test {
 
   // True once no visible window's title matches pattern.
   bool window_gone(const std::string& pattern) {
-    return eventually([&] { return xdotool({"search", "--onlyvisible", "--name", pattern}).empty(); });
+    return eventually(
+        [&] { return xdotool({"search", "--onlyvisible", "--name", pattern}).empty(); });
   }
 
   LiveInstallation live;

@@ -1,5 +1,6 @@
 #include "shell/title.h"
 
+#include "common/text.h"
 #include "toolkit/caption.h"
 
 namespace px::shell {
@@ -13,24 +14,7 @@ void set_task_title(tk::Window window, std::string_view window_title) {
 }
 
 std::string fill_title(std::string_view format, std::string_view value) {
-  std::string out;
-  bool filled = false;
-  for (size_t i = 0; i < format.size(); ++i) {
-    if (format[i] == '%' && i + 1 < format.size()) {
-      if (format[i + 1] == '%') {
-        out += '%';
-        ++i;
-        continue;
-      }
-      if (format[i + 1] == 's' && !filled) {
-        out += value;
-        filled = true;
-        ++i;
-        continue;
-      }
-    }
-    out += format[i];
-  }
+  std::string out = fill_percent_s(format, value);
   if (out.size() > kTitleLength - 1) out.resize(kTitleLength - 1);
   return out;
 }

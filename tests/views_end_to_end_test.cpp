@@ -187,6 +187,18 @@ TEST_F(ViewsEndToEnd, RejectsAndTheAgentQueue) {
   EXPECT_TRUE(missing.err.starts_with("[177]")) << missing.err;
   ProgramResult south = live.run_pxctl({"--instance", "south", "queue", "--email"});
   EXPECT_EQ(south.status, 0) << south.err;
+  // --instance NAME may also follow the command word.
+  ProgramResult after = live.run_pxctl({"queue", "--email", "--instance", "south"});
+  EXPECT_EQ(after.status, 0) << after.err;
+  EXPECT_EQ(after.out, south.out);
+  EXPECT_EQ(live.run_pxctl({"rejects", "--instance", "south"}).out,
+            live.run_pxctl({"--instance", "south", "rejects"}).out);
+  EXPECT_EQ(live.run_pxctl({"rejects", "--instance", "nowhere"}).status, 1);
+  EXPECT_EQ(live.run_pxctl({"rejects", "--instance"}).status, 2);
+  EXPECT_EQ(live.run_pxctl({"--instance", "south", "rejects", "--instance", "north"}).status, 2);
+  // A message argument is the message's, not an option.
+  EXPECT_NE(live.run_pxctl({"msg", "901", "--instance", "south"}).out.find("Usage: south"),
+            std::string::npos);
   EXPECT_EQ(live.run_pxctl({"queue"}).status, 2);
   EXPECT_EQ(live.run_pxctl({"rejects", "--mail"}).status, 2);
   EXPECT_EQ(live.run_pxctl({"reject-file"}).status, 2);
@@ -236,6 +248,10 @@ TEST_F(ViewsEndToEnd, SmallLogsAreWholeAndWrappedLargeOnesOpenOnTheirLastPage) {
   EXPECT_EQ(live.run_pxctl({"log", "--line", "9990"}).out, numbered(9990, 10000));
   EXPECT_EQ(live.run_pxctl({"log", "--line", "x"}).status, 2);
   EXPECT_EQ(live.run_pxctl({"log", "--email", "--process", "PXMERGE"}).status, 2);
+  EXPECT_EQ(live.run_pxctl({"log", "--process", "--email"}).status, 2);  // SECTION missing
+  EXPECT_EQ(live.run_pxctl({"log", "--process"}).status, 2);
+  EXPECT_EQ(live.run_pxctl({"log", "--line"}).status, 2);
+  EXPECT_EQ(live.run_pxctl({"log", "--line", "-1"}).status, 2);
 }
 
 TEST_F(ViewsEndToEnd, ProcessAndAgentLogs) {
@@ -271,6 +287,26 @@ TEST_F(ViewsEndToEnd, FollowPrintsAppendedLinesAndSurvivesRotation) {
   ASSERT_TRUE(follow.wait_for("new 1\n", "[1400]")) << follow.out << follow.err;
   EXPECT_EQ(follow.out, numbered(70, 103) + numbered(0, 2, "new "));
   EXPECT_EQ(follow.interrupt(), 0);
+}
+
+// A log whose last line has no line end yet: the first page holds it, as
+// the window's does, and its line end arriving does not print it again.
+TEST_F(ViewsEndToEnd, FollowShowsAnUnfinishedLastLineOnce) {
+  std::string text = numbered(0, 100);
+  text.pop_back();
+  write_log("north/logs/pxserver.log", text);
+  Background follow(live, {"log", "--follow"});
+  ASSERT_TRUE(follow.wait_for("line 99\n")) << follow.out << follow.err;
+  EXPECT_EQ(follow.out, numbered(70, 100));
+  std::ofstream(live.path("north/logs/pxserver.log"), std::ios::app) << "\nline 100\n";
+  ASSERT_TRUE(follow.wait_for("line 100\n")) << follow.out;
+  EXPECT_EQ(follow.out, numbered(70, 101));
+  EXPECT_EQ(follow.interrupt(), 0);
+
+  Background from(live, {"log", "--follow", "--line", "98"});
+  ASSERT_TRUE(from.wait_for("line 100\n")) << from.out << from.err;
+  EXPECT_EQ(from.out, numbered(98, 101));
+  EXPECT_EQ(from.interrupt(), 0);
 }
 
 // With SIGPIPE ignored (as some callers leave it), a follow whose reader has

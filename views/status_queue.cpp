@@ -84,6 +84,9 @@ BlockPlan plan_block(const Instance& instance) {
     return plan;
   }
   plan.pattern = file_spec.substr(0, file_spec.find(';'));
+  // "*.DAT ;*.TXT": blanks before the ";" are no part of the pattern (no
+  // file name ends in one where the patterns come from).
+  while (plan.pattern.ends_with(' ') || plan.pattern.ends_with('\t')) plan.pattern.pop_back();
   plan.directory = path_setting("Paths", "DataPath", config);
   if (plan.directory.empty()) {
     plan.only_row = padded_row(title, message_row(msg::kNotSet));

@@ -62,6 +62,16 @@ TEST_F(StatusQueueTest, BlocksListControlJobsFirstThenTheFirstPatternOldestFirst
                                  }));
 }
 
+TEST_F(StatusQueueTest, BlanksBeforeTheSemicolonAreNoPartOfThePattern) {
+  std::string data = queue("data");
+  waiting(data, "A.DAT", 100);
+  waiting(data, "b.txt", 200);
+  install("north=" + instance("north", "FileSpec=*.dat ;*.txt", "DataPath=" + data, "") + "\n");
+  std::vector<std::string> rows = status_queue_rows();
+  ASSERT_EQ(rows.size(), 3u);
+  EXPECT_TRUE(rows[2].ends_with("  A.DAT")) << rows[2];
+}
+
 TEST_F(StatusQueueTest, AStopRequestHeadsTheGroupItIsListedIn) {
   std::string data = queue("data");
   waiting(data, "px01.msg", 10);

@@ -8,18 +8,7 @@
 
 namespace px::dialogs {
 
-namespace {
-
 using forms::FieldKind;
-
-// The title with its "%s" filled with name.
-std::string filled_title(std::string title, const std::string& name) {
-  std::size_t at = title.find("%s");
-  if (at != std::string::npos) title.replace(at, 2, name);
-  return title;
-}
-
-}  // namespace
 
 FormDialog::FormDialog(forms::Form& form, Operator& op, std::string instance_name,
                        FormControls controls, ExtraHandler extra, FileSystem* files)
@@ -43,7 +32,7 @@ void FormDialog::control(tk::Window dialog, const tk::Event& e) {
 }
 
 void FormDialog::create(tk::Window dialog) {
-  dialog.set_title(filled_title(dialog.title(), instance_name_));
+  dialog.set_title(fill_percent_s(dialog.title(), instance_name_));
   if (!controls_.location_rows.empty()) {
     int location = form_.index_of("CurrencyLocation");
     tk::Control list = dialog.control(form_.field(static_cast<std::size_t>(location)).control);

@@ -79,7 +79,7 @@ std::optional<ProcessEditor> process_editor(const std::string& config_file, cons
   ProcessEditor editor{EditorKind::kCommand, key, *ini_file, {}};
   std::string pattern = setting(key, "EditCfgRtn", "", kCommandSize, config_file);
   if (!pattern.empty()) {
-    editor.command = format_command(pattern, *ini_file);
+    editor.command = fill_percent_s(pattern, *ini_file);
     return editor;
   }
   if (key == kServerProcess) {
@@ -93,28 +93,6 @@ std::optional<ProcessEditor> process_editor(const std::string& config_file, cons
     return std::nullopt;
   }
   return editor;
-}
-
-std::string format_command(std::string_view pattern, std::string_view file) {
-  std::string out;
-  bool filled = false;
-  for (std::size_t i = 0; i < pattern.size(); ++i) {
-    if (pattern[i] == '%' && i + 1 < pattern.size()) {
-      if (pattern[i + 1] == '%') {
-        out += '%';
-        ++i;
-        continue;
-      }
-      if (pattern[i + 1] == 's' && !filled) {
-        out += file;
-        filled = true;
-        ++i;
-        continue;
-      }
-    }
-    out += pattern[i];
-  }
-  return out;
 }
 
 }  // namespace px::forms

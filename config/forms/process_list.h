@@ -77,7 +77,4 @@ struct ProcessEditor {
 std::optional<ProcessEditor> process_editor(const std::string& config_file, const std::string& key,
                                             Operator& op);
 
-// The command template with its one "%s" replaced by file ("%%" is "%").
-std::string format_command(std::string_view pattern, std::string_view file);
-
 }  // namespace px::forms

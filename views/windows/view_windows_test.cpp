@@ -347,6 +347,21 @@ TEST_F(ViewWindowsTest, SmallLogsLoadWholeWrappedAndFollowTheirEnd) {
   EXPECT_EQ(text.paragraph(3), "appended");
 }
 
+// A last line still being written is shown when the log opens; its line
+// end, arriving later, does not show it a second time.
+TEST_F(ViewWindowsTest, ALastLineShownUnfinishedIsNotShownAgainWhenItEnds) {
+  install("", "[Processes]\nPXSERVER=Server\n");
+  dir.write("logs/server.log", "a\nb\nc");
+  open_server_log(host);
+  tk::Window w = tk.find_window(tk::kLogWindow);
+  ASSERT_TRUE(w.exists());
+  tk::Control text = w.control(tk::kLogText);
+  EXPECT_EQ(paragraphs_of(text), (std::vector<std::string>{"a", "b", "c"}));
+  std::ofstream(dir.file("logs/server.log"), std::ios::app) << "\nd\n";
+  tk.advance_time(kFollowPeriodMs);
+  EXPECT_EQ(paragraphs_of(text), (std::vector<std::string>{"a", "b", "c", "d"}));
+}
+
 TEST_F(ViewWindowsTest, LargeLogsPageAndFollowOnlyWhileAtTheEnd) {
   install("", "[Processes]\nPXSERVER=Server\n");
   std::string log = dir.file("logs/server.log");
