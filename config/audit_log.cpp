@@ -72,6 +72,13 @@ bool digits(std::string_view text, size_t at, size_t count, int& value) {
   return true;
 }
 
+// The days of month (1-12) of year in the Gregorian calendar.
+int days_in_month(int year, int month) {
+  static constexpr std::array<int, 12> kDays = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  bool leap = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+  return month == 2 && leap ? 29 : kDays[static_cast<size_t>(month - 1)];
+}
+
 std::vector<std::string_view> split_tabs(std::string_view line) {
   std::vector<std::string_view> fields;
   size_t start = 0;
@@ -172,8 +179,8 @@ std::optional<std::time_t> parse_audit_time(std::string_view text) {
   }
   bool utc = at < text.size() && text[at] == 'Z';
   if (utc) ++at;
-  if (at != text.size() || month < 1 || month > 12 || day < 1 || day > 31 || hour > 23 ||
-      minute > 59 || second > 60) {
+  if (at != text.size() || month < 1 || month > 12 || day < 1 ||
+      day > days_in_month(year, month) || hour > 23 || minute > 59 || second > 60) {
     return {};
   }
   t.tm_year = year - 1900;

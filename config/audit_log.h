@@ -79,7 +79,8 @@ bool write_audit_record(const AuditRecord& record, std::string& file, std::strin
 
 // TIME of "pxctl audit --since TIME": YYYY-MM-DD, optionally followed by
 // "T" or a blank and HH:MM or HH:MM:SS; local time, or UTC when it ends in
-// "Z". Nothing when it is not such a time.
+// "Z". Nothing when it is not such a time or names a day the calendar
+// lacks (2026-02-30).
 std::optional<std::time_t> parse_audit_time(std::string_view text);
 
 }  // namespace px

@@ -80,8 +80,12 @@ TEST_F(AuditLogTest, TimesOfSince) {
   localtime_r(&*local, &parts);
   EXPECT_EQ(parts.tm_hour, 9);
   EXPECT_EQ(parts.tm_min, 46);
+  // A day the calendar does not have is as bad as a month 13.
+  EXPECT_EQ(parse_audit_time("2024-02-29Z"), std::time_t{1709164800});
+  EXPECT_EQ(parse_audit_time("2000-02-29Z"), std::time_t{951782400});
   for (const char* bad : {"", "2026-13-01", "2026-11-18T25:00", "2026-11-18T09", "18.11.2026",
-                          "2026-11-18T09:46:40Zx", "2026-1-18"}) {
+                          "2026-11-18T09:46:40Zx", "2026-1-18", "2026-02-29", "2026-02-30Z",
+                          "2026-04-31", "1900-02-29", "2026-11-31T08:00"}) {
     EXPECT_FALSE(parse_audit_time(bad)) << bad;
   }
 }

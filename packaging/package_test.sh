@@ -49,6 +49,8 @@ expect -rw-r--r-- usr/share/doc/nexa-control/pxcntrl.html
 expect -rw-r--r-- usr/share/doc/nexa-control/guide.md
 expect -rw-r--r-- usr/share/doc/nexa-control/copyright
 expect -rw-r--r-- usr/share/doc/nexa-control/changelog.gz
+expect -rw-r--r-- usr/share/doc-base/nexa-control-help
+expect -rw-r--r-- usr/share/doc-base/nexa-control-guide
 dpkg-deb -I "$deb" conffiles | grep -qx /etc/pxcntrl.ini || fail "/etc/pxcntrl.ini is not a conffile"
 
 # --- run it from a scratch root ---------------------------------------------
@@ -146,7 +148,9 @@ got="$(complete_line "$root/usr/bin/pxctl" jmd add x.jmd "")"
 
 # --- lintian ----------------------------------------------------------------
 echo "lintian:"
-lintian --fail-on error "$deb" || fail "lintian reports errors"
+lintian -I -E --pedantic --fail-on error "$deb" | tee "$scratch/lintian" || fail "lintian reports errors"
+# The documentation is registered with doc-base, and its registration is sound.
+if grep -q 'doc-base' "$scratch/lintian"; then fail "lintian: $(grep doc-base "$scratch/lintian")"; fi
 
 if [ "$failures" -ne 0 ]; then
   echo "$failures check(s) failed"

@@ -83,6 +83,8 @@ TEST_F(AuditEndToEnd, ChangesAreRecordedAndPrinted) {
   EXPECT_EQ(live.run_pxctl({"audit", "--since", "2000-01-01"}).out, audit.out);
   EXPECT_EQ(live.run_pxctl({"audit", "--since", "2999-01-01T00:00Z"}).out, "");
   EXPECT_EQ(live.run_pxctl({"audit", "--since", "yesterday"}).status, 2);
+  EXPECT_EQ(live.run_pxctl({"audit", "--since", "2026-02-30"}).status, 2);  // no such day
+  EXPECT_EQ(live.run_pxctl({"audit", "--since"}).status, 2);
   EXPECT_EQ(live.run_pxctl({"audit", "everything"}).status, 2);
 }
 
