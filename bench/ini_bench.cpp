@@ -42,7 +42,7 @@ const std::string& big_ini_file() {
 
 void BM_LookupFirstSection(benchmark::State& state) {
   const std::string& file = big_ini_file();
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     benchmark::DoNotOptimize(px::ini::get_string("Section0", "Key50", "", 256, file));
   }
 }
@@ -50,7 +50,7 @@ BENCHMARK(BM_LookupFirstSection);
 
 void BM_LookupLastKey(benchmark::State& state) {
   const std::string& file = big_ini_file();
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     benchmark::DoNotOptimize(px::ini::get_string("Section19", "Key99", "", 256, file));
   }
 }
@@ -58,7 +58,7 @@ BENCHMARK(BM_LookupLastKey);
 
 void BM_LookupMissingKey(benchmark::State& state) {
   const std::string& file = big_ini_file();
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     benchmark::DoNotOptimize(px::ini::get_string("Section19", "Nope", "", 256, file));
   }
 }
@@ -66,13 +66,13 @@ BENCHMARK(BM_LookupMissingKey);
 
 void BM_KeyArrayOfLastSection(benchmark::State& state) {
   const std::string& file = big_ini_file();
-  for (auto _ : state) benchmark::DoNotOptimize(px::ini::get_key_array("Section19", file));
+  for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(px::ini::get_key_array("Section19", file));
 }
 BENCHMARK(BM_KeyArrayOfLastSection);
 
 void BM_RewriteOneKeyInMemory(benchmark::State& state) {
   std::string text = big_ini_text();
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     benchmark::DoNotOptimize(
         px::rewrite_text(text, {"Section10", "Key50", "new value"}, px::Delimiters{}));
   }
@@ -82,7 +82,7 @@ BENCHMARK(BM_RewriteOneKeyInMemory);
 void BM_WriteStringToFile(benchmark::State& state) {
   const std::string& file = big_ini_file();
   int n = 0;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     benchmark::DoNotOptimize(px::ini::write_int("Section10", "Key50", ++n, file));
   }
 }
@@ -98,7 +98,7 @@ std::string section_of_keys(int64_t keys) {
 
 void BM_KeyListOfSection(benchmark::State& state) {
   std::string text = section_of_keys(state.range(0));
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     px::KeyList list = px::find_keys(text, "Big", std::numeric_limits<size_t>::max(), {});
     benchmark::DoNotOptimize(list);
   }
@@ -113,7 +113,7 @@ void BM_KeyArrayFromFile(benchmark::State& state) {
   std::FILE* f = std::fopen(name.c_str(), "w");
   std::fwrite(text.data(), 1, text.size(), f);
   std::fclose(f);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     benchmark::DoNotOptimize(px::ini::get_key_array("Big", name));
   }
   px::ini::drop_file(name);
@@ -126,7 +126,7 @@ BENCHMARK(BM_KeyArrayFromFile)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMill
 void BM_LookupAfterLongLine(benchmark::State& state) {
   std::string text = "[A]\nlong=" + std::string(static_cast<size_t>(state.range(0)), 'x') +
                      "\nlast=found\n";
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     benchmark::DoNotOptimize(px::find_value(text, "A", "last", 256, {}));
   }
   state.SetBytesProcessed(state.iterations() * state.range(0));
@@ -137,7 +137,7 @@ BENCHMARK(BM_LookupAfterLongLine)->Arg(1 << 20)->Arg(10 << 20)->Unit(benchmark::
 void BM_RewriteAfterLongLine(benchmark::State& state) {
   std::string text = "[A]\nlong=" + std::string(static_cast<size_t>(state.range(0)), 'x') +
                      "\nlast=found\n";
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     benchmark::DoNotOptimize(px::rewrite_text(text, {"A", "last", "new"}, px::Delimiters{}));
   }
   state.SetBytesProcessed(state.iterations() * state.range(0));

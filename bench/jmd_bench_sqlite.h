@@ -22,22 +22,7 @@ class SqliteJmd {
   explicit SqliteJmd(const std::string& path) {
     if (sqlite3_open(path.c_str(), &db_) != SQLITE_OK) std::abort();
     run("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF;");
-    for (int slot = 0; slot < jmd::kTableCount; ++slot) {
-      const jmd::TableSchema& schema = jmd::table_schema(slot);
-      std::string columns, marks;
-      for (size_t i = 1; i < schema.fields.size(); ++i) {
-        columns += (i > 1 ? ", " : "") + std::string(schema.fields[i].name);
-        marks += i > 1 ? ", ?" : "?";
-      }
-      std::string name(schema.name);
-      run("CREATE TABLE " + name + " (" + columns + ")");
-      std::string unique = schema.unique_column.empty() ? "" : "UNIQUE ";
-      run("CREATE " + unique + "INDEX " + name + "_key ON " + name + " (" +
-          std::string(schema.sort_column) + " COLLATE NOCASE)");
-      inserts_.push_back(prepare("INSERT INTO " + name + " VALUES (" + marks + ")"));
-      selects_.push_back(prepare("SELECT * FROM " + name + " ORDER BY " +
-                                 std::string(schema.sort_column) + " COLLATE NOCASE, rowid"));
-    }
+    for (int slot = 0; slot < jmd::kTableCount; ++slot) create_table(jmd::table_schema(slot));
     lookup_ = prepare("SELECT * FROM job WHERE FormName = ?1 COLLATE NOCASE ORDER BY rowid");
   }
   ~SqliteJmd() { close(); }
@@ -105,6 +90,24 @@ class SqliteJmd {
   }
 
  private:
+  // Creates the table of a JMD table and its index, and prepares its insert
+  // and its select in the JMD's order.
+  void create_table(const jmd::TableSchema& schema) {
+    std::string columns, marks;
+    for (size_t i = 1; i < schema.fields.size(); ++i) {
+      columns += (i > 1 ? ", " : "") + std::string(schema.fields[i].name);
+      marks += i > 1 ? ", ?" : "?";
+    }
+    std::string name(schema.name);
+    run("CREATE TABLE " + name + " (" + columns + ")");
+    std::string unique = schema.unique_column.empty() ? "" : "UNIQUE ";
+    run("CREATE " + unique + "INDEX " + name + "_key ON " + name + " (" +
+        std::string(schema.sort_column) + " COLLATE NOCASE)");
+    inserts_.push_back(prepare("INSERT INTO " + name + " VALUES (" + marks + ")"));
+    selects_.push_back(prepare("SELECT * FROM " + name + " ORDER BY " +
+                               std::string(schema.sort_column) + " COLLATE NOCASE, rowid"));
+  }
+
   class Quiet : public jmd::Reporter {
    public:
     void message(int, const std::vector<std::string>&) override {}

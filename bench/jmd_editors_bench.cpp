@@ -106,7 +106,7 @@ double rows_kept(const std::shared_ptr<px::jmd::JobNames>& names, const std::str
 }
 
 void BM_JobNamesList(benchmark::State& state) {
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     state.PauseTiming();
     loaded().reload_file();
     state.ResumeTiming();
@@ -115,7 +115,7 @@ void BM_JobNamesList(benchmark::State& state) {
 }
 
 void BM_JobListFirstOpen(benchmark::State& state) {
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     state.PauseTiming();
     loaded().reload_file();
     state.ResumeTiming();
@@ -126,7 +126,7 @@ void BM_JobListFirstOpen(benchmark::State& state) {
 
 // The marks of the first open alone.
 void BM_JobListFirstMarks(benchmark::State& state) {
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     state.PauseTiming();
     RowList list = jobs_list_on_fresh_load();
     state.ResumeTiming();
@@ -137,7 +137,7 @@ void BM_JobListFirstMarks(benchmark::State& state) {
 // The first change of a list just opened: a name added (the whole list
 // sorted once) and the page read again.
 void BM_JobNamesFirstChange(benchmark::State& state) {
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     state.PauseTiming();
     RowList list = jobs_list_on_fresh_load();
     state.ResumeTiming();
@@ -149,7 +149,7 @@ void BM_JobNamesFirstChange(benchmark::State& state) {
 // The first open of a job list changed since its names were made: its marks
 // come from queries by job name, whose index is built here.
 void BM_JobListMarksAfterAChange(benchmark::State& state) {
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     state.PauseTiming();
     RowList list = jobs_list_on_fresh_load();
     editor().delete_rows(ListKind::kJobNames, {list.page()[0]});
@@ -161,7 +161,7 @@ void BM_JobListMarksAfterAChange(benchmark::State& state) {
 
 void BM_JobListOpen(benchmark::State& state) {
   std::shared_ptr<px::jmd::JobNames> names = loaded().names();
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     RowList list(ListKind::kJobNames);
     list.reload(names);
     benchmark::DoNotOptimize(list.page_lines(*names));
@@ -172,7 +172,7 @@ void BM_JobListOpen(benchmark::State& state) {
 // From the first page of a list just opened to its last page: the last
 // page is put in order then.
 void BM_JobListLastPage(benchmark::State& state) {
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     state.PauseTiming();
     loaded().reload_file();
     std::shared_ptr<px::jmd::JobNames> names = loaded().names();
@@ -186,12 +186,12 @@ void BM_JobListLastPage(benchmark::State& state) {
 
 void BM_JobListFilter(benchmark::State& state) {
   std::shared_ptr<px::jmd::JobNames> names = loaded().names();
-  for (auto _ : state) state.counters["kept"] = rows_kept(names, "m00012");
+  for ([[maybe_unused]] auto _ : state) state.counters["kept"] = rows_kept(names, "m00012");
 }
 
 // A filter that keeps every name, on a list just made (in no order yet).
 void BM_JobListFilterKeepingAll(benchmark::State& state) {
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     state.PauseTiming();
     loaded().reload_file();
     std::shared_ptr<px::jmd::JobNames> names = loaded().names();
@@ -202,7 +202,7 @@ void BM_JobListFilterKeepingAll(benchmark::State& state) {
 
 void BM_JobWindowOpen(benchmark::State& state) {
   px::engine::Table& jobs = editor().service().jmd()->table(0);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     RowList list(ListKind::kSteps, "FORM0000003");
     list.reload(jobs);
     benchmark::DoNotOptimize(list.total());
@@ -213,7 +213,7 @@ void BM_JobWindowOpen(benchmark::State& state) {
 // steps come from the rows the job names were listed from (no index over the
 // job table is built), and the first record read maps the job table's file.
 void BM_JobWindowFirstOpen(benchmark::State& state) {
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     state.PauseTiming();
     RowList jobs = jobs_list_on_fresh_load();  // stays open, as the jobs window does
     state.ResumeTiming();

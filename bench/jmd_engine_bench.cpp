@@ -86,7 +86,7 @@ void BM_EngineLoadAndWalk(benchmark::State& state) {
   for (long i = 0; i < n; ++i) jobs.push_back(make_job(i, n));
   std::string dir = px::temp_directory();
   double load_ms = 0, walk_ms = 0;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     auto start = std::chrono::steady_clock::now();
     std::string name = dir + "/pxbench" + std::to_string(getpid()) + ".tmp";
     Table table = Table::open(name, sizeof(Job), px::engine::kOpenNew, kJobColumns);
@@ -127,7 +127,7 @@ void BM_EngineSortedLoadIndexAtQuery(benchmark::State& state) {
   std::vector<Job> jobs;
   for (long i = 0; i < n; ++i) jobs.push_back(make_job(i, n, true));
   std::string name = px::temp_directory() + "/pxbench" + std::to_string(getpid()) + ".tmp";
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     Table table = Table::open(name, sizeof(Job), px::engine::kOpenNew, kPlainJobColumns);
     for (const Job& job : jobs) table.add_row(px::engine::record_bytes(job));
     Query query = Query::start(table, 1, std::nullopt, false);
@@ -153,7 +153,7 @@ void BM_SqliteLoadAndWalk(benchmark::State& state) {
   for (long i = 0; i < n; ++i) jobs.push_back(make_job(i, n));
   std::string name = px::temp_directory() + "/pxbench" + std::to_string(getpid()) + ".db";
   double load_ms = 0, walk_ms = 0;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     std::remove(name.c_str());
     auto start = std::chrono::steady_clock::now();
     sqlite3* db = nullptr;

@@ -60,7 +60,7 @@ const LargeJobFile& large_file() {
 void BM_NextFieldAll(benchmark::State& state) {
   const LargeJobFile& file = large_file();
   px::JobFile job(file.path());
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     job.open(file.path());
     px::Field field;
     int count = 0;
@@ -76,7 +76,7 @@ void BM_FieldValueLast(benchmark::State& state) {
   const LargeJobFile& file = large_file();
   px::JobFile job(file.path());
   const std::string last = "NAME" + std::to_string(kFields - 1);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     std::optional<std::string> value = job.field_value(last);
     if (!value) state.SkipWithError("last field not found");
     benchmark::DoNotOptimize(value);

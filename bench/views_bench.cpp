@@ -118,7 +118,7 @@ void run_shell(const std::string& command, benchmark::State& state) {
 
 void BM_IndexLog1GiB(benchmark::State& state) {
   const std::string& path = big_log();
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     px::views::LogIndex index(path);
     if (!index.build()) state.SkipWithError("the log did not index");
     benchmark::DoNotOptimize(index.line_count());
@@ -129,7 +129,7 @@ BENCHMARK(BM_IndexLog1GiB)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterat
 
 void BM_WcL1GiB(benchmark::State& state) {
   std::string command = "wc -l '" + big_log() + "' > /dev/null";
-  for (auto _ : state) run_shell(command, state);
+  for ([[maybe_unused]] auto _ : state) run_shell(command, state);
   state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(kLogBytes));
 }
 BENCHMARK(BM_WcL1GiB)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(5);
@@ -139,14 +139,14 @@ void BM_Page(benchmark::State& state) {
   const px::views::LogIndex& index = big_index();
   int64_t lines = index.line_count();
   int64_t first = state.range(0) == 0 ? 0 : state.range(0) == 1 ? lines / 2 + 57 : lines - 30;
-  for (auto _ : state) benchmark::DoNotOptimize(index.read_lines(first, 30));
+  for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(index.read_lines(first, 30));
 }
 BENCHMARK(BM_Page)->Arg(0)->Arg(1)->Arg(2)->Unit(benchmark::kMicrosecond);
 
 void BM_PageAfterJump(benchmark::State& state) {
   const px::views::LogIndex& index = big_index();
   std::mt19937_64 random(11);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     int64_t first = int64_t(random() % uint64_t(index.line_count() - 30));
     benchmark::DoNotOptimize(index.read_lines(first, 30));
   }
@@ -196,7 +196,7 @@ void BM_ExtendVsRead1MiB(benchmark::State& state) {
   std::vector<double> extend, read, pread_only;
   uint64_t size = index.indexed_size();
   int round = 0;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     if (::write(writer.get(), more.data(), more.size()) != static_cast<ssize_t>(more.size())) {
       state.SkipWithError("the append failed");
       break;
@@ -335,7 +335,7 @@ void BM_ListQueueVsTools100k(benchmark::State& state) {
   };
   const double load_before = load_average();
   size_t round = 0;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     for (size_t g = 0; g < std::size(groups); ++g) groups[(g + round) % std::size(groups)]();
     ++round;
     state.SetIterationTime(first_s);

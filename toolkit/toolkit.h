@@ -400,4 +400,8 @@ class Toolkit {
   virtual int text_visible_lines(WindowId w, int id) = 0;
 };
 
+// Here, not in window.cpp, so that code reading it sees a window that exists
+// has a toolkit (and so toolkit() after exists() is never a null reference).
+inline bool Window::exists() const { return tk_ && id_ != 0 && tk_->exists(id_); }
+
 }  // namespace px::tk

@@ -89,7 +89,6 @@ TextOrigin Control::origin() const { return tk_ ? tk_->text_origin(window_, id_)
 void Control::set_origin(TextOrigin origin) const { if (tk_) tk_->text_set_origin(window_, id_, origin); }
 int Control::visible_lines() const { return tk_ ? tk_->text_visible_lines(window_, id_) : 0; }
 
-bool Window::exists() const { return tk_ && id_ != 0 && tk_->exists(id_); }
 int Window::resource_id() const { return tk_ ? tk_->resource_id(id_) : 0; }
 long Window::app_value() const { return tk_ ? tk_->app_value(id_) : 0; }
 void Window::set_app_value(long value) const { if (tk_) tk_->set_app_value(id_, value); }

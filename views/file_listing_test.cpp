@@ -106,7 +106,7 @@ TEST(FileListingTest, SortsTimesOfEveryRangeAndSign) {
   std::vector<std::pair<int64_t, std::string>> expected;
   for (int i = 0; i < 300; ++i) {
     std::string name = "f" + std::to_string(i);
-    int64_t age = times[(i * 5) % std::size(times)];
+    int64_t age = times[static_cast<size_t>(i) * 5 % std::size(times)];
     listing.add(name, age);
     expected.emplace_back(age, name);
   }

@@ -38,7 +38,7 @@ class RowList {
   // names are read again by the paging calls below, as long as they are
   // there (a page of names gone is empty).
   bool reload(engine::Table& table);
-  bool reload(const std::shared_ptr<jmd::JobNames>& names);
+  bool reload(const std::shared_ptr<jmd::JobNames>& shared);
   // The same with the rows of the list given (in list order) rather than
   // queried.
   void reload(engine::Table& table, std::vector<long> rows);

@@ -82,7 +82,7 @@ TEST(MappedFile, BytesTheFileLostAreGoneAndTheGuardHoldsForTheNextOnes) {
   TestDir dir;
   Fd fd(open(dir.file("cut.bin").c_str(), O_RDWR | O_CREAT, 0666));
   ASSERT_GE(fd.get(), 0);
-  write_pattern(fd.get(), 0, 64 * 1024u, 'c');
+  write_pattern(fd.get(), 0, size_t{64} * 1024, 'c');
   MappedFile map;
   std::vector<std::byte> out(512);
   ASSERT_EQ(map.copy(fd.get(), 0, out.data(), out.size(), 64 * kKiB), MappedFile::Copy::kDone);

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <cstdio>
 #include <cstring>
 #include <vector>
 
@@ -149,7 +150,7 @@ TEST_F(EngineTest, LongTextsOrderPastTheirFirstSixteenBytes) {
   const char* names[] = {"p1", "p2", "p3", "p4", "p5", "p6", "p7"};
   for (int i = 0; i < 7; ++i) {
     Printer p = printer(names[i], "X", 0);
-    std::strcpy(p.comment, comments[i]);
+    std::snprintf(p.comment, sizeof p.comment, "%s", comments[i]);
     ASSERT_EQ(table.add_row(record_bytes(p)), i + 1);
   }
   const int comment = 4;
