@@ -1,10 +1,10 @@
 #include "views/line_reader.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstring>
+
+#include "common/readable_file.h"
 
 namespace px::views {
 
@@ -12,13 +12,11 @@ namespace {
 constexpr size_t kBufferSize = size_t{32} * 1024;
 }
 
+// Only a regular file opens (common/readable_file.h): a directory, a FIFO
+// without a writer or a device is a file that does not open, never one that
+// reads as empty, blocks or never ends.
 LineReader::LineReader(const std::string& path, uint64_t offset)
-    : fd_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)), buffer_(kBufferSize), offset_(offset) {
-  // A directory opens for reading on Linux but has no lines to read: it is
-  // a file that does not open, as where directories cannot be opened.
-  struct stat info {};
-  if (fd_.valid() && (::fstat(fd_.get(), &info) != 0 || S_ISDIR(info.st_mode))) fd_.reset();
-}
+    : fd_(open_for_reading(path)), buffer_(kBufferSize), offset_(offset) {}
 
 bool LineReader::fill() {
   offset_ += end_;

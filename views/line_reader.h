@@ -13,8 +13,8 @@ namespace px::views {
 
 class LineReader {
  public:
-  // Opens path for reading at offset; ok() tells whether it opened (a
-  // directory does not).
+  // Opens path for reading at offset; ok() tells whether it opened (only a
+  // regular file does).
   explicit LineReader(const std::string& path, uint64_t offset = 0);
 
   bool ok() const { return fd_.valid(); }

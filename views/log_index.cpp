@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "common/readable_file.h"
 #include "common/unique_fd.h"
 
 #if defined(__x86_64__)
@@ -206,7 +207,9 @@ bool LogIndex::same_head() const {
 
 bool LogIndex::build() {
   reset();
-  UniqueFd fd(::open(path_.c_str(), O_RDONLY | O_CLOEXEC));
+  // Only a regular file is a log (common/readable_file.h): a FIFO would block
+  // the open and a device never end.
+  UniqueFd fd = open_for_reading(path_);
   struct stat info {};
   if (!fd.valid() || ::fstat(fd.get(), &info) != 0) return false;
   fd_ = std::move(fd);

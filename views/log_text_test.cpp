@@ -126,6 +126,13 @@ TEST_F(LogSourceTest, ADirectoryIsAFileThatDoesNotOpen) {
   LogIndex index(directory);
   EXPECT_FALSE(index_log(index, op_));
   EXPECT_EQ(op_.numbers().size(), 2u);
+  // A FIFO with no writer would block the open: it does not open either.
+  std::string fifo = dir_.file("fifo.log");
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  EXPECT_FALSE(file_lines(fifo, op_));
+  LogIndex fifo_index(fifo);
+  EXPECT_FALSE(index_log(fifo_index, op_));
+  EXPECT_EQ(op_.numbers().size(), 4u);
 }
 
 }  // namespace
