@@ -2,7 +2,8 @@
 # The guide's pictures and docs/pictures/ hold the same files: every picture
 # docs/guide.md links (pictures/NAME.png) is in docs/pictures/, and every file
 # in docs/pictures/ is linked from the guide, so neither can drift from the
-# other unseen (scripts/screenshots --docs takes them again).
+# other unseen (scripts/screenshots --docs takes them again); and no two of
+# them are the same picture.
 #
 #   guide_pictures_test.sh [SOURCE_DIR]
 set -uo pipefail
@@ -35,6 +36,11 @@ for file in "$pictures"/* "$pictures"/.[!.]*; do
   name="pictures/$(basename "$file")"
   grep -qxF -- "$name" <<<"$linked" || fail "docs/$name is not linked from the guide"
 done
+
+# No two pictures are the same bytes: one would be shown twice under two
+# names, and the package would hold a duplicate file.
+duplicates="$(cd "$pictures" && md5sum -- * 2>/dev/null | sort | uniq -w32 -D | awk '{ print $2 }' | tr '\n' ' ')"
+[ -z "$duplicates" ] || fail "pictures with the same bytes: $duplicates"
 
 # An image is shown with its text: ![caption](pictures/NAME.png), never with
 # an empty caption.
