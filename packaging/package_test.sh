@@ -47,6 +47,7 @@ expect -rw-r--r-- usr/share/icons/hicolor/scalable/apps/nexa-control.svg
 expect -rw-r--r-- usr/share/bash-completion/completions/pxctl
 expect -rw-r--r-- usr/share/doc/nexa-control/pxcntrl.html
 expect -rw-r--r-- usr/share/doc/nexa-control/guide.md
+expect -rw-r--r-- usr/share/doc/nexa-control/pictures/view_137_status_and_queue.png
 expect -rw-r--r-- usr/share/doc/nexa-control/copyright
 expect -rw-r--r-- usr/share/doc/nexa-control/changelog.gz
 expect -rw-r--r-- usr/share/doc-base/nexa-control-help
@@ -70,9 +71,14 @@ while read -r number; do
   grep -q "^Msg${number#-}=" "$root/etc/pxcntrl.ini" || fail "message $number is missing from /etc/pxcntrl.ini"
 done < <(sed -n 's/^| \(-\{0,1\}[0-9][0-9]*\) |.*/\1/p' "$source/docs/messages.md")
 
+# Every picture the installed guide links is installed beside it.
+guide="$root/usr/share/doc/nexa-control/guide.md"
+while read -r picture; do
+  [ -f "$root/usr/share/doc/nexa-control/$picture" ] || fail "the installed guide links $picture, which the package lacks"
+done < <(grep -o '](pictures/[^)]*)' "$guide" | sed 's|^](||; s|)$||' | sort -u)
+
 # Every warning and error of the catalogue's documentation is in the
 # installed guide's troubleshooting section, alone or in a range "A to B".
-guide="$root/usr/share/doc/nexa-control/guide.md"
 sed -n '/^## 6\. Troubleshooting/,$p' "$guide" | grep '^| ' | awk -F' [|] ' '{ print $1 }' |
   sed 's/^| //' | awk '{
     n = split($0, parts, /, /)
