@@ -27,6 +27,31 @@ std::span<std::byte> bytes_of(BTreeNode& node) {
   return std::as_writable_bytes(std::span<BTreeNode, 1>(&node, 1));
 }
 
+// Notices a walk along leaf links that comes back to a node it has passed
+// (a damaged file's links can make a ring of empty leaves): a node is kept
+// as a mark and replaced by the node reached after twice as many steps each
+// time, so a ring is found within a few turns of it, whatever the number of
+// nodes the file claims.
+class LinkWalk {
+ public:
+  explicit LinkWalk(int32_t start) : mark_(start) {}
+  // Whether stepping to node n closes a ring.
+  bool looped(int32_t n) {
+    if (n == mark_) return true;
+    if (++steps_ == span_) {
+      mark_ = n;
+      span_ *= 2;
+      steps_ = 0;
+    }
+    return false;
+  }
+
+ private:
+  int32_t mark_;
+  long span_ = 1;
+  long steps_ = 0;
+};
+
 }  // namespace
 
 // ---- open and close ----
@@ -383,8 +408,9 @@ bool BTreeCursor::next(BTreeEntry& out) {
   if (node == nullptr) return false;
   int pos = state_->on ? state_->pos + 1 : state_->pos;
   // Walk on through the leaf links; a damaged file cannot make this loop.
+  LinkWalk guard(state_->node);
   for (long steps = 0; pos >= node->count; ++steps) {
-    if (node->next == 0 || steps > tree.node_count()) {
+    if (node->next == 0 || steps > tree.node_count() || guard.looped(node->next)) {
       state_->pos = node->count;
       state_->on = false;
       return false;
@@ -406,8 +432,9 @@ bool BTreeCursor::previous(BTreeEntry& out) {
   const BTreeNode* node = tree.view(state_->node, __LINE__);
   if (node == nullptr) return false;
   int pos = std::min(state_->pos, static_cast<int>(node->count)) - 1;
+  LinkWalk guard(state_->node);
   for (long steps = 0; pos < 0; ++steps) {
-    if (node->prev == 0 || steps > tree.node_count()) {
+    if (node->prev == 0 || steps > tree.node_count() || guard.looped(node->prev)) {
       state_->pos = 0;
       state_->on = false;
       return false;
