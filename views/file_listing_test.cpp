@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "tests/support/test_dir.h"
 #include "views/views_test_support.h"
@@ -25,6 +26,19 @@ FileListing listing_of(std::initializer_list<std::pair<std::string_view, int64_t
   FileListing listing;
   for (const auto& [name, modified] : files) listing.add(name, modified);
   return listing;
+}
+
+// Lists files (age, name) in the order given and checks the age sort puts
+// them in the order a stable sort by age gives.
+void expect_stable_order_by_age(std::vector<std::pair<int64_t, std::string>> files) {
+  FileListing listing;
+  for (const auto& [age, name] : files) listing.add(name, age);
+  std::stable_sort(files.begin(), files.end(),
+                   [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::vector<std::string> out;
+  sort_by_age(listing, kServerStopFile, out);
+  ASSERT_EQ(out.size(), files.size());
+  for (size_t i = 0; i < out.size(); ++i) ASSERT_EQ(out[i], files[i].second) << i;
 }
 
 TEST(FileListingTest, ListsPlainFilesByPatternWithTheirTimes) {
@@ -74,20 +88,11 @@ TEST(FileListingTest, SortsOldestFirstKeepingListingOrderForEqualTimes) {
 
 // Many files of few distinct ages: each age's files stay in listing order.
 TEST(FileListingTest, EqualAgesKeepListingOrderInABigListing) {
-  FileListing listing;
   std::vector<std::pair<int64_t, std::string>> expected;
   for (int i = 0; i < 5000; ++i) {
-    std::string name = "ORD" + std::to_string((i * 7919) % 5000) + ".DAT";
-    int64_t age = (i * 31) % 9;
-    listing.add(name, age);
-    expected.emplace_back(age, name);
+    expected.emplace_back((i * 31) % 9, "ORD" + std::to_string((i * 7919) % 5000) + ".DAT");
   }
-  std::stable_sort(expected.begin(), expected.end(),
-                   [](const auto& a, const auto& b) { return a.first < b.first; });
-  std::vector<std::string> out;
-  sort_by_age(listing, kServerStopFile, out);
-  ASSERT_EQ(out.size(), expected.size());
-  for (size_t i = 0; i < out.size(); ++i) ASSERT_EQ(out[i], expected[i].second) << i;
+  expect_stable_order_by_age(std::move(expected));
 }
 
 // Times that differ in any of their bytes, before 1970 too, and repeat:
@@ -102,20 +107,12 @@ TEST(FileListingTest, SortsTimesOfEveryRangeAndSign) {
                            INT64_MAX,
                            INT64_MIN,
                            int64_t{1} << 40};
-  FileListing listing;
   std::vector<std::pair<int64_t, std::string>> expected;
   for (int i = 0; i < 300; ++i) {
-    std::string name = "f" + std::to_string(i);
     int64_t age = times[static_cast<size_t>(i) * 5 % std::size(times)];
-    listing.add(name, age);
-    expected.emplace_back(age, name);
+    expected.emplace_back(age, "f" + std::to_string(i));
   }
-  std::stable_sort(expected.begin(), expected.end(),
-                   [](const auto& a, const auto& b) { return a.first < b.first; });
-  std::vector<std::string> out;
-  sort_by_age(listing, kServerStopFile, out);
-  ASSERT_EQ(out.size(), expected.size());
-  for (size_t i = 0; i < out.size(); ++i) ASSERT_EQ(out[i], expected[i].second) << i;
+  expect_stable_order_by_age(std::move(expected));
 }
 
 TEST(FileListingTest, PinsTheStopRequestWhateverItsAgeOrCase) {
