@@ -131,6 +131,8 @@ bool apply(JmdEditor& editor, const Edit& edit) {
   if (edit.action == "copy-job") {
     long from = editor.find_row(ListKind::kJobNames, w[0]);
     std::string name;
+    // Each pxctl copy-job starts with an empty clipboard.
+    editor.empty_clipboard();
     return from != 0 && editor.copy(ListKind::kJobNames, {from}, false) &&
            editor.paste_job(w[1], name) == 0;
   }

@@ -20,16 +20,19 @@ bool JmdEditor::copy(ListKind kind, const std::vector<long>& rows, bool cut) {
   std::shared_ptr<jmd::JobNames> names = kind == ListKind::kJobNames ? job_names() : nullptr;
   if (listed == nullptr && names == nullptr) return false;
   Act act(*this);
-  // Whatever the clipboard held goes: a copy replaces it.
-  service_.empty_clipboard();
-  clipboard_kind_.reset();
-  buffer_.clear();
+  // The steps table is emptied when the kind changes after a cut or copy
+  // from a list of kinds 0 to 3. Steps cut or copied again from the same
+  // kind, or after steps from a job window, are added to what it holds.
+  if (clipboard_kind_ && *clipboard_kind_ != kind && *clipboard_kind_ != ListKind::kSteps) {
+    service_.empty_clipboard();
+  }
   if (kind == ListKind::kTasks || kind == ListKind::kPrinters || kind == ListKind::kMemory) {
     Record record = blank_record(*listed);
     if (!read_row(*listed, rows.front(), record)) {
       internal_error("pxjmdcb", __LINE__);
       return false;
     }
+    // The one-row buffer holds the last row only.
     buffer_ = record;
     clipboard_kind_ = kind;
     return !cut || delete_rows(kind, {rows.front()}) == 1;
@@ -56,6 +59,12 @@ bool JmdEditor::copy(ListKind kind, const std::vector<long>& rows, bool cut) {
   if (!cut) return true;
   if (kind == ListKind::kJobNames) return delete_rows(kind, {rows.front()}) == 1;
   return delete_rows(kind, rows) == static_cast<long>(rows.size());
+}
+
+void JmdEditor::empty_clipboard() {
+  service_.empty_clipboard();
+  clipboard_kind_.reset();
+  buffer_.clear();
 }
 
 bool JmdEditor::can_paste(ListKind kind) const {

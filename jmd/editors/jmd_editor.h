@@ -14,8 +14,10 @@
 //
 // The private clipboard: job steps (copied from the job-names list or from a
 // job window) go into the service's "clipbrd" table, one row of the other
-// kinds into a one-row buffer. Every cut or copy replaces what the clipboard
-// held, so a copy of another kind empties it.
+// kinds into a one-row buffer. A cut or copy of another kind than the last
+// one, when that was from a list of kinds 0 to 3, empties the table first;
+// otherwise the steps cut or copied are added to those it holds, and a paste
+// gives them all.
 #pragma once
 
 #include <optional>
@@ -121,6 +123,8 @@ class JmdEditor {
   // job names, whose steps are copied); a cut then deletes them without
   // asking. False after showing why.
   bool copy(ListKind kind, const std::vector<long>& rows, bool cut);
+  // Empties the clipboard (as a new session of the editors finds it).
+  void empty_clipboard();
   // What the clipboard holds: the kind of its last cut or copy, if any.
   std::optional<ListKind> clipboard_kind() const { return clipboard_kind_; }
   // A list of kind can paste what the clipboard holds (job steps go into

@@ -242,6 +242,36 @@ TEST(Clipboard, ACopyOfAnotherKindEmptiesItAndACutDeletes) {
   EXPECT_NE(editor.find_row(ListKind::kPrinters, "LASER1"), 0);
 }
 
+TEST(Clipboard, StepsOfTheSameKindAddUpUntilTheKindChangesAfterAList) {
+  EditorFixture jmd;
+  JmdEditor& editor = jmd.editor();
+  long invoice = editor.find_row(ListKind::kJobNames, "INVOICE");
+  long cheque = editor.find_row(ListKind::kJobNames, "CHEQUE");
+  // Two jobs copied from the job names: a paste gives the steps of both.
+  ASSERT_TRUE(editor.copy(ListKind::kJobNames, {invoice}, false));
+  ASSERT_TRUE(editor.copy(ListKind::kJobNames, {cheque}, false));
+  std::string name;
+  ASSERT_EQ(editor.paste_job("BOTH", name), 0);
+  std::vector<std::string> both = jmd.lines(ListKind::kSteps, "INVOICE");
+  both.push_back(jmd.lines(ListKind::kSteps, "CHEQUE").at(0));
+  EXPECT_EQ(jmd.lines(ListKind::kSteps, "BOTH"), both);
+  // Steps of a job window after the job names: emptied first.
+  ASSERT_TRUE(editor.copy(ListKind::kSteps, editor.job_steps("CHEQUE"), false));
+  EXPECT_EQ(editor.clipboard_steps().size(), 1u);
+  // More steps of a job window, and then a job name: added.
+  ASSERT_TRUE(editor.copy(ListKind::kSteps, editor.job_steps("INVOICE"), false));
+  ASSERT_TRUE(editor.copy(ListKind::kJobNames, {invoice}, false));
+  EXPECT_EQ(editor.clipboard_steps().size(), 5u);
+  // A printer after the job names, then steps again: only the new steps.
+  ASSERT_TRUE(editor.copy(ListKind::kPrinters, {editor.find_row(ListKind::kPrinters, "LASER1")},
+                          false));
+  EXPECT_FALSE(editor.can_paste(ListKind::kSteps));
+  ASSERT_TRUE(editor.copy(ListKind::kSteps, editor.job_steps("CHEQUE"), false));
+  EXPECT_EQ(editor.clipboard_steps().size(), 1u);
+  editor.empty_clipboard();
+  EXPECT_FALSE(editor.can_paste(ListKind::kJobNames));
+}
+
 TEST(Clipboard, StepsPastedIntoAJobGoBeforeTheSelectedStep) {
   EditorFixture jmd;
   JmdEditor& editor = jmd.editor();
