@@ -234,6 +234,11 @@ engine::Table* JmdService::clipboard(Operator& op) {
 
 void JmdService::empty_clipboard() { clipboard_ = engine::Table(); }
 
+engine::Table* JmdService::clipboard_made() {
+  close_if_instance_changed();
+  return clipboard_ ? &clipboard_ : nullptr;
+}
+
 void JmdService::close_if_instance_changed() {
   if (!holds_anything()) return;
   const Instance& current = current_instance();

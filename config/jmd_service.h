@@ -102,6 +102,9 @@ class JmdService {
   engine::Table* clipboard(Operator& op);
   // Drops the clipboard's rows: the next clipboard() call makes it anew.
   void empty_clipboard();
+  // The "clipbrd" table while it is there (made and not dropped or closed
+  // since); nullptr otherwise. Nothing is made or shown.
+  engine::Table* clipboard_made();
 
  private:
   // Closes everything when the current instance is not the one it was

@@ -69,7 +69,10 @@ void JmdEditor::empty_clipboard() {
 
 bool JmdEditor::can_paste(ListKind kind) const {
   if (!clipboard_kind_) return false;
-  if (kind == ListKind::kJobNames || kind == ListKind::kSteps) return holds_steps(clipboard_kind_);
+  if (kind == ListKind::kJobNames || kind == ListKind::kSteps) {
+    // Closing the JMD closed the steps table with it: nothing to paste.
+    return holds_steps(clipboard_kind_) && service_.clipboard_made() != nullptr;
+  }
   return clipboard_kind_ == kind;
 }
 
@@ -86,7 +89,7 @@ std::vector<Record> JmdEditor::clipboard_steps() {
 }
 
 int JmdEditor::paste_job(std::string_view typed, std::string& name) {
-  if (!holds_steps(clipboard_kind_)) {
+  if (!can_paste(ListKind::kJobNames)) {
     internal_error("pxjmdcb", __LINE__);
     return msg::kInternalError;
   }

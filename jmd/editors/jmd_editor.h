@@ -128,7 +128,8 @@ class JmdEditor {
   // What the clipboard holds: the kind of its last cut or copy, if any.
   std::optional<ListKind> clipboard_kind() const { return clipboard_kind_; }
   // A list of kind can paste what the clipboard holds (job steps go into
-  // job names and job windows; other rows into their own kind).
+  // job names and job windows, while the JMD they were taken from is still
+  // open; other rows into their own kind).
   bool can_paste(ListKind kind) const;
   // The clipboard's job steps.
   std::vector<Record> clipboard_steps();

@@ -272,6 +272,21 @@ TEST(Clipboard, StepsOfTheSameKindAddUpUntilTheKindChangesAfterAList) {
   EXPECT_FALSE(editor.can_paste(ListKind::kJobNames));
 }
 
+TEST(Clipboard, ClosingTheJmdTakesTheStepsOnTheClipboardWithIt) {
+  EditorFixture jmd;
+  JmdEditor& editor = jmd.editor();
+  ASSERT_TRUE(editor.copy(ListKind::kJobNames, {editor.find_row(ListKind::kJobNames, "INVOICE")},
+                          false));
+  // Opened again, as after a save question answered or another instance.
+  ASSERT_TRUE(jmd.file().load());
+  EXPECT_FALSE(editor.can_paste(ListKind::kJobNames));
+  EXPECT_FALSE(editor.can_paste(ListKind::kSteps));
+  std::string name;
+  EXPECT_EQ(editor.paste_job("COPY", name), msg::kInternalError);
+  EXPECT_FALSE(editor.job_exists("COPY"));
+  EXPECT_FALSE(editor.modified());
+}
+
 TEST(Clipboard, StepsPastedIntoAJobGoBeforeTheSelectedStep) {
   EditorFixture jmd;
   JmdEditor& editor = jmd.editor();
