@@ -79,6 +79,10 @@ TEST_F(PxctlJmdEditTest, RefusedEditsShowTheirMessageAndLeaveTheFile) {
   EXPECT_EQ(jmd("edit-step", {"INVOICE", "1", "FormName=X"}).status, 2);
   EXPECT_EQ(jmd("move-step", {"INVOICE", "2", "1", "up"}).status, 2);
   EXPECT_EQ(jmd("add-step", {"INVOICE", "--before", "x"}).status, 2);
+  // A line break would split the saved line: no field and no job name takes one.
+  EXPECT_EQ(jmd("add", {"tasks", "TaskId=T9", "Comment=two\nlines"}).status, 2);
+  EXPECT_EQ(jmd("edit-step", {"INVOICE", "1", "MDFName=a\r\n!p X"}).status, 2);
+  EXPECT_EQ(jmd("add-step", {"TWO\nLINES"}).err, "[295]blank in TWO\nLINES\n");
   EXPECT_EQ(file(), kJmd);
 }
 

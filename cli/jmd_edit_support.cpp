@@ -53,7 +53,11 @@ bool parse_typing(const std::vector<std::string>& words, size_t first, ListKind 
     // name is fixed once the step exists.
     bool priority = kind == ListKind::kPrinters && rule->control == 14;
     if (!form.enabled(rule->control) && !priority) return false;
-    typing.emplace_back(rule->control, words[i].substr(equals + 1));
+    std::string value = words[i].substr(equals + 1);
+    // A field holds one line: a line break (or a form or vertical feed,
+    // which also end a word of the file) would split the saved line.
+    if (value.find_first_of("\n\v\f\r") != std::string::npos) return false;
+    typing.emplace_back(rule->control, std::move(value));
   }
   return true;
 }

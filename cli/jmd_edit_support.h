@@ -27,8 +27,8 @@ using Typing = std::vector<std::pair<int, std::string>>;
 
 // Reads COLUMN=VALUE words (column names of the JMD tables, matched without
 // regard to case) into the controls of the dialog of kind in mode. False for
-// a word without "=", a column the dialog does not show, or one it does not
-// let the operator type into.
+// a word without "=", a column the dialog does not show, one it does not
+// let the operator type into, or a value with a line break.
 bool parse_typing(const std::vector<std::string>& words, size_t first, editors::ListKind kind,
                   editors::FormMode mode, Typing& typing);
 

@@ -187,11 +187,13 @@ TEST(JobNames, NewNamesAreTrimmedAndRefusedWithBlanksOrWhenTheJobExists) {
   EXPECT_EQ(editor.check_new_job_name("   ", name), msg::kJobNameEmpty);
   EXPECT_EQ(editor.check_new_job_name("TWO WORDS", name), msg::kJobNameHasBlank);
   EXPECT_EQ(editor.check_new_job_name("TWO\tWORDS", name), msg::kJobNameHasBlank);
+  // A line break would split the saved line.
+  EXPECT_EQ(editor.check_new_job_name("TWO\nWORDS", name), msg::kJobNameHasBlank);
   EXPECT_EQ(editor.check_new_job_name("invoice", name), msg::kJobExists);
   EXPECT_EQ(editor.check_new_job_name("  NEW  ", name), 0);
   EXPECT_EQ(name, "NEW");
   EXPECT_EQ(jmd.op().numbers(), (std::vector<int>{msg::kJobNameHasBlank, msg::kJobNameHasBlank,
-                                                  msg::kJobExists}));
+                                                  msg::kJobNameHasBlank, msg::kJobExists}));
 }
 
 TEST(Deleting, AJobNameTakesItsStepsAPrinterLeavesTheStepsNamingIt) {

@@ -12,6 +12,8 @@ namespace px::editors {
 namespace {
 
 constexpr size_t kJobNameLongest = 51;
+// The characters that end a word of a JMD line (the classic space class).
+constexpr std::string_view kWordSeparators = " \t\n\v\f\r";
 
 }  // namespace
 
@@ -107,7 +109,10 @@ int JmdEditor::check_new_job_name(std::string_view typed, std::string& name) {
   std::string_view cut = typed.substr(0, std::min(typed.size(), kJobNameLongest));
   std::string_view candidate = trim_blanks(cut);
   if (candidate.empty() || candidate.front() == ' ') return msg::kJobNameEmpty;
-  if (candidate.find_first_of(" \t") != std::string_view::npos) {
+  // A blank or a tab, or any other character that separates words in the
+  // JMD file (a line break cannot be typed in the dialog, but pxctl takes
+  // one): a job name is one word.
+  if (candidate.find_first_of(kWordSeparators) != std::string_view::npos) {
     op_->show(msg::kJobNameHasBlank, {std::string(candidate)});
     return msg::kJobNameHasBlank;
   }
