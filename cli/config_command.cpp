@@ -80,7 +80,7 @@ std::optional<std::pair<std::string, std::string>> locate(const Request& request
     session.op().show(forms::kMsgOtherNode, {session.instance().name});
     return std::nullopt;
   }
-  std::optional<std::string> key = forms::find_process_key(config, request.process);
+  std::optional<std::string> key = forms::find_process_key(listing, request.process);
   if (!key) {
     session.op().show(forms::kMsgProcessNotListed, {request.process, display_path(config)});
     return std::nullopt;
