@@ -3,7 +3,8 @@
 //
 // Opens the form of a configuration dialog on the instance's files, exactly
 // as the Configure dialog reaches it: PROCESS is a key of section Processes
-// of the instance's configuration file, FORM one of its sub-dialogs. show
+// of the instance's configuration file, FORM one of its sub-dialogs; a
+// process edited by its own EditCfgRtn command has no form (1617). show
 // prints each shown field as KEY, TAB, text. set types each VALUE into its
 // field (the typing rules apply; choices take their words), then presses
 // OK (a value the typing rules cut or changed is reported, 1606 or 1613): a
@@ -67,11 +68,11 @@ bool parse(const std::vector<std::string>& words, Request& request) {
   return request.action == "set" || request.assignments.empty();
 }
 
-// The INI file and process key of the request, following the Configure
-// dialog: the configuration file must open, the instance must be local, and
-// the process must be listed; nothing after a message was shown.
-std::optional<std::pair<std::string, std::string>> locate(const Request& request,
-                                                          ControlSession& session) {
+// The editor of the request's process, following the Configure dialog: the
+// configuration file must open, the instance must be local, the process
+// must be offered, and it must open a built-in form (a process edited by
+// its own EditCfgRtn command has none); nothing after a message was shown.
+std::optional<forms::ProcessEditor> locate(const Request& request, ControlSession& session) {
   const std::string& config = session.instance().config_file;
   bool other_node = (location(session.instance().name) & kLocationOtherNode) != 0;
   forms::ProcessListing listing = forms::list_processes(config, other_node, session.op());
@@ -85,9 +86,12 @@ std::optional<std::pair<std::string, std::string>> locate(const Request& request
     session.op().show(forms::kMsgProcessNotListed, {request.process, display_path(config)});
     return std::nullopt;
   }
-  std::optional<std::string> file = forms::process_ini_file(config, *key, session.op());
-  if (!file) return std::nullopt;
-  return std::make_pair(*key, *file);
+  std::optional<forms::ProcessEditor> editor = forms::process_editor(config, *key, session.op());
+  if (editor && editor->kind == forms::EditorKind::kCommand) {
+    session.op().show(forms::kMsgOwnEditor, {*key, editor->command});
+    return std::nullopt;
+  }
+  return editor;
 }
 
 // Types or chooses value in the field called key; false for a key the form
@@ -162,19 +166,13 @@ int run_config(const Invocation& call) {
   if (!parse(call.words, request)) return usage_error("config", kSynopsis);
   ControlSession session(call);
   if (!session.ready()) return kExitFailed;
-  std::optional<std::pair<std::string, std::string>> target = locate(request, session);
-  if (!target) return kExitFailed;
-  const forms::FormDef* def = forms::find_form(target->first, request.form_name);
+  std::optional<forms::ProcessEditor> editor = locate(request, session);
+  if (!editor) return kExitFailed;
+  const forms::FormDef* def = forms::find_form(editor->key, request.form_name);
   if (def == nullptr) {
-    if (forms::find_form(target->first, "") == nullptr) {
-      session.op().show(forms::kMsgSettingMissing,
-                        {target->first, display_path(session.instance().config_file),
-                         "EditCfgRtn"});
-      return kExitFailed;
-    }
     return usage_error("config " + request.process + " " + request.form_name, kSynopsis);
   }
-  forms::Form form(*def, target->second);
+  forms::Form form(*def, editor->ini_file);
   form.load();
   return request.action == "show" ? show(form) : set(form, request, session);
 }

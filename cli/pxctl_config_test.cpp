@@ -28,6 +28,7 @@ class PxctlConfigTest : public PxctlFixture {
                           "Msg1602=30 @P1 changed\n"
                           "Msg1606=20 @P1 cut to @P2\n"
                           "Msg1613=20 @P1 took @P2 as @P3\n"
+                          "Msg1617=30 @P1 has its own editor @P2\n"
                           "Msg1607=30 no instance @P1\n"
                           "Msg1608=30 @P1 exists\n"
                           "Msg1609=30 bad name @P1\n");
@@ -124,6 +125,25 @@ TEST_F(PxctlConfigTest, RefusalsAndUsageErrors) {
   ProgramResult far = pxctl({"--instance", "far", "config", "show", "PXSERVER"});
   EXPECT_EQ(far.status, 1);
   EXPECT_EQ(far.err, "[1601]far is elsewhere\n");
+}
+
+TEST_F(PxctlConfigTest, AProcessWithItsOwnEditorHasNoFormEvenTheServer) {
+  std::string before = dir_.read("north.ini");
+  std::string own = before;
+  own.replace(own.find("[Options]"), 0, "[PXSERVER]\r\nEditCfgRtn=vi %s\r\n");
+  own.replace(own.find("[PXEMIO]\r\n") + 10, 0, "EditCfgRtn=mailcfg -f %s\r\n");
+  dir_.write("north.ini", own);
+  for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+           {"config", "show", "PXSERVER"}, {"config", "set", "PXSERVER", "PauseTime=45"}}) {
+    ProgramResult r = pxctl(words);
+    EXPECT_EQ(r.status, 1) << words[1];
+    EXPECT_EQ(r.out, "");
+    EXPECT_EQ(r.err, "[1617]PXSERVER has its own editor vi " + north_ + "\n");
+  }
+  ProgramResult email = pxctl({"config", "show", "PXEMIO", "jobcard"});
+  EXPECT_EQ(email.status, 1);
+  EXPECT_EQ(email.err, "[1617]PXEMIO has its own editor mailcfg -f " + email_ + "\n");
+  EXPECT_EQ(dir_.read("north.ini"), own);
 }
 
 TEST_F(PxctlConfigTest, YieldOutOfRangeIsRefusedAndWritesNothing) {
