@@ -95,7 +95,7 @@ std::optional<forms::ProcessEditor> locate(const Request& request, ControlSessio
 }
 
 // Types or chooses value in the field called key; false for a key the form
-// does not have or a word a choice does not take.
+// does not have (or leaves out for this file) or a word a choice does not take.
 bool assign(forms::Form& form, const std::string& key, const std::string& value) {
   int i = form.index_of(key);
   std::string word = value;
@@ -106,7 +106,7 @@ bool assign(forms::Form& form, const std::string& key, const std::string& value)
     else if (iequals(value, "minutes")) word = "No";
     else return false;
   }
-  if (i < 0) return false;
+  if (i < 0 || !form.in_use(static_cast<std::size_t>(i))) return false;
   std::size_t field = static_cast<std::size_t>(i);
   if (forms::is_choice(form.field(field).kind)) return form.choose(field, word);
   forms::EditResult typed = form.type(field, word);

@@ -116,6 +116,13 @@ TEST_F(PxctlConfigTest, RefusalsAndUsageErrors) {
   EXPECT_NE(dir_.read("north.ini").find("LogFileSize=50"), std::string::npos);
   dir_.write("north.ini", before);
 
+  // A mail system without a post office has no such field to type into.
+  std::string email = dir_.read("pxemio.ini");
+  dir_.write("pxemio.ini", "[Options]\nEMailSystem=mapi\n[PxEmio-mapi]\nMailBoxID=m\n");
+  EXPECT_EQ(pxctl({"config", "set", "PXEMIO", "PostOffice=/po"}).status, 2);
+  EXPECT_EQ(dir_.read("pxemio.ini"), "[Options]\nEMailSystem=mapi\n[PxEmio-mapi]\nMailBoxID=m\n");
+  dir_.write("pxemio.ini", email);
+
   ProgramResult missing = pxctl({"config", "show", "PXNONE"});
   EXPECT_EQ(missing.status, 1);
   EXPECT_EQ(missing.err, "[1600]no process PXNONE\n");

@@ -78,6 +78,11 @@ class Form {
 
   const std::string& text(std::size_t i) const { return texts_[i]; }
   bool hidden(std::size_t i) const { return hidden_[i]; }
+  // False for a field the loaded file leaves out of the form (the post
+  // office of a mail system without one): neither shown nor saved, so
+  // nothing typed into it could take effect. A field hidden by its dialog
+  // (the yield percentage) is still in use: loaded, checked and saved.
+  bool in_use(std::size_t i) const { return !hidden_[i] || field(i).hidden; }
   const std::string& mail_section() const { return mail_section_; }
 
   // The operator changed field i's text to text, leaving the caret at caret:
