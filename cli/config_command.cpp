@@ -109,7 +109,7 @@ bool assign(forms::Form& form, const std::string& key, const std::string& value)
   if (i < 0 || !form.in_use(static_cast<std::size_t>(i))) return false;
   std::size_t field = static_cast<std::size_t>(i);
   if (forms::is_choice(form.field(field).kind)) return form.choose(field, word);
-  forms::EditResult typed = form.type(field, word);
+  forms::EditResult typed = form.enter(field, word);
   if (typed.cut_to_limit) {
     report(forms::kMsgValueCut,
            {form.field(field).key, std::to_string(form.field(field).limit)});

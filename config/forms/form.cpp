@@ -151,6 +151,11 @@ EditResult Form::type(std::size_t i, std::string_view keys) {
   return total;
 }
 
+EditResult Form::enter(std::size_t i, std::string_view value) {
+  if (field(i).kind != FieldKind::kPassword) return type(i, value);
+  return edit(i, value, static_cast<int>(value.size()));
+}
+
 bool Form::choose(std::size_t i, std::string_view word) {
   std::string value = choice_value(field(i).kind, word);
   if (value.empty()) return false;

@@ -92,6 +92,12 @@ class Form {
   // its text: one change per character (an empty keys deletes the text).
   // The result tells whether any change beeped or was cut.
   EditResult type(std::size_t i, std::string_view keys);
+  // Enters a whole value into field i as `pxctl config set` gives it: typed
+  // key by key (type), except into the password, where it is pasted over
+  // the field's text in one change, so that each "*" keeps the stored
+  // character at its place: the asterisks `config show` prints, given back,
+  // keep the password, and "***x" keeps its first three characters.
+  EditResult enter(std::size_t i, std::string_view value);
   // Sets a chosen field (check box, radio pair, drop-down) from a word;
   // false when the word names none of its values.
   bool choose(std::size_t i, std::string_view word);
