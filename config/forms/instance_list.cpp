@@ -14,10 +14,14 @@ void InstanceList::load() {
   if (!install_.empty()) ini::drop_file(install_);
   stamp_ = stamp_of(install_);
   rows_.clear();
-  InstanceEnumerator enumerator;
-  if (!enumerator.begin()) return;
-  for (Instance entry; enumerator.next(entry);) rows_.push_back(entry);
-  enumerator.end();
+  if (install_.empty()) return;
+  // Every instance, not only those whose names fit in the enumerator's room
+  // or its 73 characters: OK writes section Configuration anew from these
+  // rows, so a row left out or a name cut would be an instance lost.
+  for (const std::string& name : ini::get_key_array("Configuration", install_)) {
+    std::string config = instance_config_file(name);
+    rows_.push_back({name, instance_window_title(config), config});
+  }
 }
 
 int InstanceList::find(std::string_view name) const {

@@ -2,7 +2,8 @@
 // `pxctl instances add|edit|default|remove` change it, and the fields of
 // one instance's record ("Edit Nexa Control Configuration", dialog 124).
 //
-// The list is read from the install file in instance order. OK (apply)
+// The list is read from the install file in instance order, every instance
+// with its whole name (beyond the enumerator's limits, so OK loses none). OK (apply)
 // empties section Configuration of the install file and writes one key per
 // row in list order (name = configuration file), so the first row is the
 // default instance from then on, and writes each row's title as
