@@ -91,6 +91,33 @@ TEST_F(PxctlConfigTest, SetTypesConvertsAndWritesOnlyTheFormsKeys) {
   }
 }
 
+TEST_F(PxctlConfigTest, WhatShowPrintsGivenBackToSetChangesNothing) {
+  const std::vector<std::vector<std::string>> forms = {
+      {"PXSERVER"}, {"PXSERVER", "locations"}, {"PXEMIO"}, {"PXEMIO", "locations"},
+      {"PXEMIO", "jobcard"}};
+  for (const std::vector<std::string>& form : forms) {
+    std::vector<std::string> show = {"config", "show"};
+    show.insert(show.end(), form.begin(), form.end());
+    ProgramResult before = pxctl(show);
+    ASSERT_EQ(before.status, 0) << before.err;
+    std::vector<std::string> set = {"config", "set"};
+    set.insert(set.end(), form.begin(), form.end());
+    std::string lines = before.out;
+    for (std::size_t at = 0; at < lines.size();) {
+      std::size_t end = lines.find('\n', at);
+      std::string line = lines.substr(at, end - at);
+      set.push_back(line.replace(line.find('\t'), 1, "="));
+      at = end + 1;
+    }
+    ProgramResult r = pxctl(set);
+    EXPECT_EQ(r.status, 0) << form[0] << " " << r.err;
+    EXPECT_EQ(r.err, "") << form[0];
+    EXPECT_EQ(pxctl(show).out, before.out) << form[0];
+  }
+  // The password's asterisks kept the password.
+  EXPECT_NE(dir_.read("pxemio.ini").find("\nPassword=north1\n"), std::string::npos);
+}
+
 TEST_F(PxctlConfigTest, DryRunListsChangesAndWritesNothing) {
   std::string before = dir_.read("pxemio.ini");
   ProgramResult r = pxctl({"config", "set", "PXEMIO", "Password=abc", "Unit=minutes",
