@@ -130,7 +130,7 @@ int set(forms::Form& form, const Request& request, ControlSession& session) {
   }
   if (request.dry_run) {
     if (std::optional<forms::Refusal> refusal = form.check()) {
-      report(refusal->message);
+      report(refusal->message, refusal->args);
       return kExitFailed;
     }
     for (const forms::Change& change : form.changes()) {
@@ -142,7 +142,7 @@ int set(forms::Form& form, const Request& request, ControlSession& session) {
   OperatorAction action(session.op(), form.action(), session.instance().name);
   if (!action.permitted()) return kExitFailed;
   if (std::optional<forms::Refusal> refusal = form.check()) {
-    action.op().show(refusal->message);
+    action.op().show(refusal->message, refusal->args);
     return kExitFailed;
   }
   if (form.changed_on_disk() && !request.force) {

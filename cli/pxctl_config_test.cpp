@@ -29,6 +29,7 @@ class PxctlConfigTest : public PxctlFixture {
                           "Msg1606=20 @P1 cut to @P2\n"
                           "Msg1613=20 @P1 took @P2 as @P3\n"
                           "Msg1617=30 @P1 has its own editor @P2\n"
+                          "Msg1618=30 @P1 cannot be saved\n"
                           "Msg1607=30 no instance @P1\n"
                           "Msg1608=30 @P1 exists\n"
                           "Msg1609=30 bad name @P1\n");
@@ -149,6 +150,13 @@ TEST_F(PxctlConfigTest, RefusalsAndUsageErrors) {
   EXPECT_EQ(pxctl({"config", "set", "PXEMIO", "PostOffice=/po"}).status, 2);
   EXPECT_EQ(dir_.read("pxemio.ini"), "[Options]\nEMailSystem=mapi\n[PxEmio-mapi]\nMailBoxID=m\n");
   dir_.write("pxemio.ini", email);
+
+  // A value the file would not give back is refused as OK's own check.
+  ProgramResult too_long =
+      pxctl({"config", "set", "PXSERVER", "FileSpec=" + std::string(255, 'f')});
+  EXPECT_EQ(too_long.status, 1);
+  EXPECT_EQ(too_long.err, "[1618]FileSpec cannot be saved\n");
+  EXPECT_EQ(dir_.read("north.ini"), before);
 
   ProgramResult missing = pxctl({"config", "show", "PXNONE"});
   EXPECT_EQ(missing.status, 1);

@@ -49,14 +49,18 @@ struct Change {
   std::string new_value;
 };
 
-// Why OK was refused: the message number and the field to focus.
+// Why OK was refused: the message, its arguments and the field to focus.
 struct Refusal {
   int message = 0;
   int field = -1;
+  std::vector<std::string> args;
 };
 
 // The message that refuses a yield percentage outside 0 to 100.
 inline constexpr int kYieldOutOfRange = 303;
+// The message that refuses a value the file would not give back as written
+// (@P1 the field's key).
+inline constexpr int kValueNotSavable = 1618;
 
 class Form {
  public:
@@ -108,7 +112,11 @@ class Form {
   // The fields as the dialog shows them, hidden ones left out: key and text.
   std::vector<std::pair<std::string, std::string>> lines() const;
 
-  // The check OK makes before it saves; nothing when it may save.
+  // The check OK makes before it saves; nothing when it may save. Besides
+  // the yield percentage (303), a value the rewrite would refuse because it
+  // would not read back as written (a TAB, outer blanks, or key "=" value
+  // longer than the writer's 254 characters) is refused here, naming its
+  // field (1618), rather than failing the save with a file message.
   std::optional<Refusal> check() const;
   // The keys OK writes, in order, with their values.
   std::vector<Entry> entries() const;

@@ -191,6 +191,23 @@ TEST_F(FormTest, PrintYieldCheck) {
   EXPECT_TRUE(form.check().has_value());
 }
 
+TEST_F(FormTest, AValueTheFileWouldNotGiveBackRefusesOkNamingItsField) {
+  Form form = open(FormKind::kServer, "[Options]\n");
+  // "FileSpec=" and 245 characters fill the writer's 254; one more does not fit.
+  form.type(at(form, "FileSpec"), std::string(245, 'f'));
+  EXPECT_FALSE(form.check().has_value());
+  form.type(at(form, "FileSpec"), std::string(246, 'f'));
+  ASSERT_TRUE(form.check().has_value());
+  EXPECT_EQ(form.check()->message, kValueNotSavable);
+  EXPECT_EQ(form.check()->field, form.index_of("FileSpec"));
+  EXPECT_EQ(form.check()->args, std::vector<std::string>{"FileSpec"});
+
+  form = open(FormKind::kJobCard, "[JobCard]\n");
+  form.type(at(form, "JobCardSuffix"), "end ");
+  ASSERT_TRUE(form.check().has_value());
+  EXPECT_EQ(form.check()->field, form.index_of("JobCardSuffix"));
+}
+
 TEST_F(FormTest, CurrencyLocationLeftOrRight) {
   Form form = open(FormKind::kCurrency, "[Special]\nCurrencyLocation=right\n");
   EXPECT_EQ(text_of(form, "CurrencyLocation"), "Right");
