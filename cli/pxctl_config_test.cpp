@@ -230,6 +230,13 @@ TEST_F(PxctlConfigTest, InstancesAddEditDefaultRemove) {
   EXPECT_EQ(pxctl({"instances", "add", "WEST", "x", west}).err, "[1608]WEST exists\n");
   EXPECT_EQ(pxctl({"instances", "add", "a=b", "x", west}).status, 1);
   EXPECT_EQ(pxctl({"instances", "remove", "nobody"}).status, 1);
+  // A title the file would not give back: refused before any file is written.
+  std::string install = dir_.read("install.ini");
+  ProgramResult blank = pxctl({"instances", "add", "east", "East ", dir_.file("east.ini")});
+  EXPECT_EQ(blank.status, 1);
+  EXPECT_EQ(blank.err, "[1618]WindowTitle cannot be saved\n");
+  EXPECT_EQ(dir_.read("install.ini"), install);
+  EXPECT_FALSE(std::filesystem::exists(dir_.file("east.ini")));
   EXPECT_EQ(pxctl({"instances", "edit", "north", "--colour", "red"}).status, 2);
   EXPECT_EQ(pxctl({"instances", "add", "only-a-name"}).status, 2);
   EXPECT_EQ(pxctl({"instances", "rename", "x"}).status, 2);

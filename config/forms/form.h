@@ -30,6 +30,7 @@
 #include "config/forms/field.h"
 #include "config/forms/file_stamp.h"
 #include "config/forms/form_defs.h"
+#include "config/forms/form_messages.h"
 
 namespace px::forms {
 
@@ -58,9 +59,7 @@ struct Refusal {
 
 // The message that refuses a yield percentage outside 0 to 100.
 inline constexpr int kYieldOutOfRange = 303;
-// The message that refuses a value the file would not give back as written
-// (@P1 the field's key).
-inline constexpr int kValueNotSavable = 1618;
+
 
 class Form {
  public:

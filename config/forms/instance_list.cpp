@@ -54,6 +54,18 @@ void InstanceList::remove(std::size_t row) {
   if (row < rows_.size()) rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(row));
 }
 
+std::optional<std::string> InstanceList::unsavable_value() const {
+  for (const Instance& row : rows_) {
+    IniChange entry{"Configuration", row.name, row.config_file};
+    if (unwritable_part(entry, Delimiters{}) != Unwritable::kNone) return row.name;
+    IniChange title{"Plexar", "WindowTitle", row.window_title};
+    if (row.config_file.size() >= 2 && unwritable_part(title, Delimiters{}) != Unwritable::kNone) {
+      return std::string("WindowTitle");
+    }
+  }
+  return std::nullopt;
+}
+
 bool InstanceList::changed_on_disk() const { return stamp_of(install_) != stamp_; }
 
 InstanceList::Applied InstanceList::apply(FileSystem* files) {

@@ -80,6 +80,21 @@ TEST_F(InstanceListTest, OkKeepsEveryInstanceEvenPastTheEnumeratorsLimits) {
   EXPECT_EQ(dir_.read("install.ini"), install + "west=" + dir_.file("west.ini") + "\n");
 }
 
+TEST_F(InstanceListTest, AValueNoFileWouldGiveBackIsFoundBeforeAnyFileIsWritten) {
+  EXPECT_FALSE(list_.unsavable_value().has_value());
+  Instance north = list_.rows()[0];
+  north.window_title = "North ";  // the reader would drop the blank
+  list_.replace(0, north);
+  EXPECT_EQ(list_.unsavable_value(), "WindowTitle");
+  north.window_title = "North";
+  north.config_file = "/tmp/a\tb";
+  list_.replace(0, north);
+  EXPECT_EQ(list_.unsavable_value(), "north");
+  // A row without a configuration file gets no title: its title is no matter.
+  list_.replace(0, {"north", "North ", ""});
+  EXPECT_FALSE(list_.unsavable_value().has_value());
+}
+
 TEST_F(InstanceListTest, NoticesAnotherWriter) {
   EXPECT_FALSE(list_.changed_on_disk());
   dir_.write("install.ini", "[Configuration]\nother=x\n");
