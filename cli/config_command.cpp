@@ -3,7 +3,8 @@
 //
 // Opens the form of a configuration dialog on the instance's files, exactly
 // as the Configure dialog reaches it: PROCESS is a key of section Processes
-// of the instance's configuration file, FORM one of its sub-dialogs. show
+// of the instance's configuration file, FORM one of its sub-dialogs; a
+// process edited by its own EditCfgRtn command has no form (1617). show
 // prints each shown field as KEY, TAB, text. set types each VALUE into its
 // field (the typing rules apply; choices take their words), then presses
 // OK (a value the typing rules cut or changed is reported, 1606 or 1613): a
@@ -67,11 +68,11 @@ bool parse(const std::vector<std::string>& words, Request& request) {
   return request.action == "set" || request.assignments.empty();
 }
 
-// The INI file and process key of the request, following the Configure
-// dialog: the configuration file must open, the instance must be local, and
-// the process must be listed; nothing after a message was shown.
-std::optional<std::pair<std::string, std::string>> locate(const Request& request,
-                                                          ControlSession& session) {
+// The editor of the request's process, following the Configure dialog: the
+// configuration file must open, the instance must be local, the process
+// must be offered, and it must open a built-in form (a process edited by
+// its own EditCfgRtn command has none); nothing after a message was shown.
+std::optional<forms::ProcessEditor> locate(const Request& request, ControlSession& session) {
   const std::string& config = session.instance().config_file;
   bool other_node = (location(session.instance().name) & kLocationOtherNode) != 0;
   forms::ProcessListing listing = forms::list_processes(config, other_node, session.op());
@@ -80,18 +81,21 @@ std::optional<std::pair<std::string, std::string>> locate(const Request& request
     session.op().show(forms::kMsgOtherNode, {session.instance().name});
     return std::nullopt;
   }
-  std::optional<std::string> key = forms::find_process_key(config, request.process);
+  std::optional<std::string> key = forms::find_process_key(listing, request.process);
   if (!key) {
     session.op().show(forms::kMsgProcessNotListed, {request.process, display_path(config)});
     return std::nullopt;
   }
-  std::optional<std::string> file = forms::process_ini_file(config, *key, session.op());
-  if (!file) return std::nullopt;
-  return std::make_pair(*key, *file);
+  std::optional<forms::ProcessEditor> editor = forms::process_editor(config, *key, session.op());
+  if (editor && editor->kind == forms::EditorKind::kCommand) {
+    session.op().show(forms::kMsgOwnEditor, {*key, editor->command});
+    return std::nullopt;
+  }
+  return editor;
 }
 
 // Types or chooses value in the field called key; false for a key the form
-// does not have or a word a choice does not take.
+// does not have (or leaves out for this file) or a word a choice does not take.
 bool assign(forms::Form& form, const std::string& key, const std::string& value) {
   int i = form.index_of(key);
   std::string word = value;
@@ -102,10 +106,10 @@ bool assign(forms::Form& form, const std::string& key, const std::string& value)
     else if (iequals(value, "minutes")) word = "No";
     else return false;
   }
-  if (i < 0) return false;
+  if (i < 0 || !form.in_use(static_cast<std::size_t>(i))) return false;
   std::size_t field = static_cast<std::size_t>(i);
   if (forms::is_choice(form.field(field).kind)) return form.choose(field, word);
-  forms::EditResult typed = form.type(field, word);
+  forms::EditResult typed = form.enter(field, word);
   if (typed.cut_to_limit) {
     report(forms::kMsgValueCut,
            {form.field(field).key, std::to_string(form.field(field).limit)});
@@ -126,7 +130,7 @@ int set(forms::Form& form, const Request& request, ControlSession& session) {
   }
   if (request.dry_run) {
     if (std::optional<forms::Refusal> refusal = form.check()) {
-      report(refusal->message);
+      report(refusal->message, refusal->args);
       return kExitFailed;
     }
     for (const forms::Change& change : form.changes()) {
@@ -138,7 +142,7 @@ int set(forms::Form& form, const Request& request, ControlSession& session) {
   OperatorAction action(session.op(), form.action(), session.instance().name);
   if (!action.permitted()) return kExitFailed;
   if (std::optional<forms::Refusal> refusal = form.check()) {
-    action.op().show(refusal->message);
+    action.op().show(refusal->message, refusal->args);
     return kExitFailed;
   }
   if (form.changed_on_disk() && !request.force) {
@@ -162,19 +166,13 @@ int run_config(const Invocation& call) {
   if (!parse(call.words, request)) return usage_error("config", kSynopsis);
   ControlSession session(call);
   if (!session.ready()) return kExitFailed;
-  std::optional<std::pair<std::string, std::string>> target = locate(request, session);
-  if (!target) return kExitFailed;
-  const forms::FormDef* def = forms::find_form(target->first, request.form_name);
+  std::optional<forms::ProcessEditor> editor = locate(request, session);
+  if (!editor) return kExitFailed;
+  const forms::FormDef* def = forms::find_form(editor->key, request.form_name);
   if (def == nullptr) {
-    if (forms::find_form(target->first, "") == nullptr) {
-      session.op().show(forms::kMsgSettingMissing,
-                        {target->first, display_path(session.instance().config_file),
-                         "EditCfgRtn"});
-      return kExitFailed;
-    }
     return usage_error("config " + request.process + " " + request.form_name, kSynopsis);
   }
-  forms::Form form(*def, target->second);
+  forms::Form form(*def, editor->ini_file);
   form.load();
   return request.action == "show" ? show(form) : set(form, request, session);
 }

@@ -44,8 +44,13 @@ int row_of(const forms::InstanceList& list, const std::string& name, Operator& o
   return row;
 }
 
-// Applies the list unless the install file changed since it was read.
+// Applies the list unless the install file changed since it was read or
+// a value would not read back as written (then no file is touched).
 int apply(forms::InstanceList& list, OperatorAction& action) {
+  if (std::optional<std::string> key = list.unsavable_value()) {
+    action.op().show(forms::kValueNotSavable, {*key});
+    return kExitFailed;
+  }
   if (list.changed_on_disk()) {
     action.op().show(forms::kMsgChangedOnDisk, {list.install_file()});
     return kExitFailed;

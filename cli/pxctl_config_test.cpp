@@ -28,6 +28,8 @@ class PxctlConfigTest : public PxctlFixture {
                           "Msg1602=30 @P1 changed\n"
                           "Msg1606=20 @P1 cut to @P2\n"
                           "Msg1613=20 @P1 took @P2 as @P3\n"
+                          "Msg1617=30 @P1 has its own editor @P2\n"
+                          "Msg1618=30 @P1 cannot be saved\n"
                           "Msg1607=30 no instance @P1\n"
                           "Msg1608=30 @P1 exists\n"
                           "Msg1609=30 bad name @P1\n");
@@ -90,6 +92,33 @@ TEST_F(PxctlConfigTest, SetTypesConvertsAndWritesOnlyTheFormsKeys) {
   }
 }
 
+TEST_F(PxctlConfigTest, WhatShowPrintsGivenBackToSetChangesNothing) {
+  const std::vector<std::vector<std::string>> forms = {
+      {"PXSERVER"}, {"PXSERVER", "locations"}, {"PXEMIO"}, {"PXEMIO", "locations"},
+      {"PXEMIO", "jobcard"}};
+  for (const std::vector<std::string>& form : forms) {
+    std::vector<std::string> show = {"config", "show"};
+    show.insert(show.end(), form.begin(), form.end());
+    ProgramResult before = pxctl(show);
+    ASSERT_EQ(before.status, 0) << before.err;
+    std::vector<std::string> set = {"config", "set"};
+    set.insert(set.end(), form.begin(), form.end());
+    std::string lines = before.out;
+    for (std::size_t at = 0; at < lines.size();) {
+      std::size_t end = lines.find('\n', at);
+      std::string line = lines.substr(at, end - at);
+      set.push_back(line.replace(line.find('\t'), 1, "="));
+      at = end + 1;
+    }
+    ProgramResult r = pxctl(set);
+    EXPECT_EQ(r.status, 0) << form[0] << " " << r.err;
+    EXPECT_EQ(r.err, "") << form[0];
+    EXPECT_EQ(pxctl(show).out, before.out) << form[0];
+  }
+  // The password's asterisks kept the password.
+  EXPECT_NE(dir_.read("pxemio.ini").find("\nPassword=north1\n"), std::string::npos);
+}
+
 TEST_F(PxctlConfigTest, DryRunListsChangesAndWritesNothing) {
   std::string before = dir_.read("pxemio.ini");
   ProgramResult r = pxctl({"config", "set", "PXEMIO", "Password=abc", "Unit=minutes",
@@ -115,6 +144,20 @@ TEST_F(PxctlConfigTest, RefusalsAndUsageErrors) {
   EXPECT_NE(dir_.read("north.ini").find("LogFileSize=50"), std::string::npos);
   dir_.write("north.ini", before);
 
+  // A mail system without a post office has no such field to type into.
+  std::string email = dir_.read("pxemio.ini");
+  dir_.write("pxemio.ini", "[Options]\nEMailSystem=mapi\n[PxEmio-mapi]\nMailBoxID=m\n");
+  EXPECT_EQ(pxctl({"config", "set", "PXEMIO", "PostOffice=/po"}).status, 2);
+  EXPECT_EQ(dir_.read("pxemio.ini"), "[Options]\nEMailSystem=mapi\n[PxEmio-mapi]\nMailBoxID=m\n");
+  dir_.write("pxemio.ini", email);
+
+  // A value the file would not give back is refused as OK's own check.
+  ProgramResult too_long =
+      pxctl({"config", "set", "PXSERVER", "FileSpec=" + std::string(255, 'f')});
+  EXPECT_EQ(too_long.status, 1);
+  EXPECT_EQ(too_long.err, "[1618]FileSpec cannot be saved\n");
+  EXPECT_EQ(dir_.read("north.ini"), before);
+
   ProgramResult missing = pxctl({"config", "show", "PXNONE"});
   EXPECT_EQ(missing.status, 1);
   EXPECT_EQ(missing.err, "[1600]no process PXNONE\n");
@@ -124,6 +167,25 @@ TEST_F(PxctlConfigTest, RefusalsAndUsageErrors) {
   ProgramResult far = pxctl({"--instance", "far", "config", "show", "PXSERVER"});
   EXPECT_EQ(far.status, 1);
   EXPECT_EQ(far.err, "[1601]far is elsewhere\n");
+}
+
+TEST_F(PxctlConfigTest, AProcessWithItsOwnEditorHasNoFormEvenTheServer) {
+  std::string before = dir_.read("north.ini");
+  std::string own = before;
+  own.replace(own.find("[Options]"), 0, "[PXSERVER]\r\nEditCfgRtn=vi %s\r\n");
+  own.replace(own.find("[PXEMIO]\r\n") + 10, 0, "EditCfgRtn=mailcfg -f %s\r\n");
+  dir_.write("north.ini", own);
+  for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+           {"config", "show", "PXSERVER"}, {"config", "set", "PXSERVER", "PauseTime=45"}}) {
+    ProgramResult r = pxctl(words);
+    EXPECT_EQ(r.status, 1) << words[1];
+    EXPECT_EQ(r.out, "");
+    EXPECT_EQ(r.err, "[1617]PXSERVER has its own editor vi " + north_ + "\n");
+  }
+  ProgramResult email = pxctl({"config", "show", "PXEMIO", "jobcard"});
+  EXPECT_EQ(email.status, 1);
+  EXPECT_EQ(email.err, "[1617]PXEMIO has its own editor mailcfg -f " + email_ + "\n");
+  EXPECT_EQ(dir_.read("north.ini"), own);
 }
 
 TEST_F(PxctlConfigTest, YieldOutOfRangeIsRefusedAndWritesNothing) {
@@ -168,6 +230,13 @@ TEST_F(PxctlConfigTest, InstancesAddEditDefaultRemove) {
   EXPECT_EQ(pxctl({"instances", "add", "WEST", "x", west}).err, "[1608]WEST exists\n");
   EXPECT_EQ(pxctl({"instances", "add", "a=b", "x", west}).status, 1);
   EXPECT_EQ(pxctl({"instances", "remove", "nobody"}).status, 1);
+  // A title the file would not give back: refused before any file is written.
+  std::string install = dir_.read("install.ini");
+  ProgramResult blank = pxctl({"instances", "add", "east", "East ", dir_.file("east.ini")});
+  EXPECT_EQ(blank.status, 1);
+  EXPECT_EQ(blank.err, "[1618]WindowTitle cannot be saved\n");
+  EXPECT_EQ(dir_.read("install.ini"), install);
+  EXPECT_FALSE(std::filesystem::exists(dir_.file("east.ini")));
   EXPECT_EQ(pxctl({"instances", "edit", "north", "--colour", "red"}).status, 2);
   EXPECT_EQ(pxctl({"instances", "add", "only-a-name"}).status, 2);
   EXPECT_EQ(pxctl({"instances", "rename", "x"}).status, 2);

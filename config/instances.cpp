@@ -18,16 +18,14 @@ Instance& the_current() {
   return current;
 }
 
-// The instance's title from its configuration file, a single blank when it
-// has no usable configuration path.
-std::string window_title(const std::string& config_file) {
-  if (config_file.size() < 2) return " ";
-  return setting("Plexar", "WindowTitle", "", kWindowTitleLength + 1, config_file);
-}
-
 bool has_config(const Instance& instance) { return instance.config_file.size() >= 2; }
 
 }  // namespace
+
+std::string instance_window_title(const std::string& config_file) {
+  if (config_file.size() < 2) return " ";
+  return setting("Plexar", "WindowTitle", "", kWindowTitleLength + 1, config_file);
+}
 
 std::string install_file() { return ini::get_string("Plexar", "Install", "", kPathSize); }
 
@@ -49,7 +47,7 @@ bool InstanceEnumerator::next(Instance& out) {
   if (next_ >= names_.size()) return false;
   out.name = cut_to_buffer(names_[next_++], kEnumeratedNameLength + 1);
   out.config_file = instance_config_file(out.name);
-  out.window_title = window_title(out.config_file);
+  out.window_title = instance_window_title(out.config_file);
   return true;
 }
 
@@ -88,7 +86,7 @@ bool select_instance(std::string_view name, Operator& op) {
   Instance instance;
   instance.name = cut_to_buffer(name, kInstanceNameLength + 1);
   instance.config_file = instance_config_file(instance.name, kInstanceNameLength + 1);
-  instance.window_title = window_title(instance.config_file);
+  instance.window_title = instance_window_title(instance.config_file);
   if (!has_config(instance)) {
     op.show(msg::kInstanceWithoutConfig, {instance.name, display_path(ini::default_file())});
     return false;

@@ -38,6 +38,11 @@ std::string install_file();
 // file (cut to size - 1 characters); empty when it has none.
 std::string instance_config_file(std::string_view name, size_t size = 256);
 
+// The description of the instance whose configuration file is config_file:
+// its WindowTitle, or a single blank when the path is shorter than 2
+// characters.
+std::string instance_window_title(const std::string& config_file);
+
 // Walks the instances in install-file order. begin reads their names (up to
 // 1,024 characters' worth) and answers whether there is at least one; next
 // delivers one instance per call, re-reading its configuration file's path

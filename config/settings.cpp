@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <cstdio>
+#include <utility>
 
 #include "common/directory_map.h"
 #include "common/ini_profile.h"
@@ -19,6 +20,13 @@ std::string setting(std::string_view section, std::string_view key, std::string_
 std::string path_setting(std::string_view section, std::string_view key, const std::string& file) {
   std::string value = setting(section, key, "", kPathSettingSize, file);
   return value.size() < 2 ? std::string() : map_directory(value);
+}
+
+std::optional<std::vector<std::string>> process_keys(const std::string& file) {
+  if (file.empty()) return std::nullopt;
+  KeyList keys = ini::get_key_list("Processes", kProcessKeysSize, file);
+  if (!keys.overflow && keys.used < 2) return std::nullopt;
+  return std::move(keys.keys);
 }
 
 bool file_readable(const std::string& path) {

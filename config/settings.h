@@ -6,8 +6,10 @@
 // read as absent instead, so these helpers never pass an empty name on.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace px {
 
@@ -22,6 +24,15 @@ std::string setting(std::string_view section, std::string_view key, std::string_
 // A path setting mapped through the directory map; empty when the value is
 // shorter than 2 characters (the product's rule for a missing value).
 std::string path_setting(std::string_view section, std::string_view key, const std::string& file);
+
+// The room the keys of section Processes are read into (1024 characters).
+inline constexpr size_t kProcessKeysSize = 1024;
+
+// The keys of section Processes of an instance's configuration file, in
+// file order: the processes the console offers. A list longer than its room
+// is full, not empty: the keys that fit are offered. nullopt when the
+// section lists no key (fewer than 2 characters) or file is empty.
+std::optional<std::vector<std::string>> process_keys(const std::string& file);
 
 // True when path names a file that can be opened for reading.
 bool file_readable(const std::string& path);

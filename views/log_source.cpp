@@ -8,7 +8,6 @@ namespace px::views {
 
 namespace {
 
-constexpr size_t kProcessNamesSize = 1024;
 constexpr size_t kDisplayNameSize = 256;
 
 bool config_readable(const std::string& file, Operator& op) {
@@ -21,16 +20,14 @@ bool config_readable(const std::string& file, Operator& op) {
 
 std::optional<ProcessLogs> log_processes(const std::string& config_file, Operator& op) {
   if (!config_readable(config_file, op)) return std::nullopt;
-  // A list too long for the names' room is full, not empty: the processes
-  // whose names fit are offered.
-  KeyList keys = ini::get_key_list("Processes", kProcessNamesSize, config_file);
-  if (!keys.overflow && keys.used < 2) {
+  std::optional<std::vector<std::string>> keys = process_keys(config_file);
+  if (!keys) {
     op.show(msg::kNoProcesses, {"Processes", display_path(config_file)});
     return std::nullopt;
   }
   ProcessLogs logs;
   logs.server_log = path_setting("Plexar", "LogFile", config_file);
-  for (const std::string& section : keys.keys) {
+  for (const std::string& section : *keys) {
     if (section == "PXEMIO") continue;
     std::string own = path_setting(section, "LogFile", config_file);
     std::string log = own.empty() ? logs.server_log : own;

@@ -177,7 +177,7 @@ void FormDialog::show_changes() {
 void FormDialog::ok(tk::Window dialog) {
   if (std::optional<forms::Refusal> refusal = form_.check()) {
     dialog.toolkit().beep();
-    op_.show(refusal->message);
+    op_.show(refusal->message, refusal->args);
     dialog.control(form_.field(static_cast<std::size_t>(refusal->field)).control).focus();
     return;
   }

@@ -176,6 +176,10 @@ class InstanceConfig : public tk::DialogBase {
       }
       if (answer != 1) return;
     }
+    if (std::optional<std::string> key = list_.unsavable_value()) {
+      context_.op.show(forms::kValueNotSavable, {*key});
+      return;  // open still, with the operator's changes
+    }
     OperatorAction action(context_.op, "instances apply", "");
     if (!action.permitted()) return;
     if (forms::InstanceList::Applied applied = list_.apply(context_.files); !applied) {

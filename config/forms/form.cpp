@@ -151,6 +151,11 @@ EditResult Form::type(std::size_t i, std::string_view keys) {
   return total;
 }
 
+EditResult Form::enter(std::size_t i, std::string_view value) {
+  if (field(i).kind != FieldKind::kPassword) return type(i, value);
+  return edit(i, value, static_cast<int>(value.size()));
+}
+
 bool Form::choose(std::size_t i, std::string_view word) {
   std::string value = choice_value(field(i).kind, word);
   if (value.empty()) return false;
@@ -175,9 +180,16 @@ std::vector<std::pair<std::string, std::string>> Form::lines() const {
 
 std::optional<Refusal> Form::check() const {
   int yield = index_of("YieldPercent");
-  if (yield < 0) return std::nullopt;
-  int value = parse_int(texts_[static_cast<std::size_t>(yield)].substr(0, kYieldReadLength));
-  if (value < 0 || value > kYieldMaximum) return Refusal{kYieldOutOfRange, yield};
+  if (yield >= 0) {
+    int value = parse_int(texts_[static_cast<std::size_t>(yield)].substr(0, kYieldReadLength));
+    if (value < 0 || value > kYieldMaximum) return Refusal{kYieldOutOfRange, yield, {}};
+  }
+  for (const Entry& entry : entries()) {
+    IniChange change{entry.section, entry.key, entry.value};
+    if (unwritable_part(change, Delimiters{}) != Unwritable::kNone) {
+      return Refusal{kValueNotSavable, index_of(entry.key), {entry.key}};
+    }
+  }
   return std::nullopt;
 }
 

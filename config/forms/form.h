@@ -30,6 +30,7 @@
 #include "config/forms/field.h"
 #include "config/forms/file_stamp.h"
 #include "config/forms/form_defs.h"
+#include "config/forms/form_messages.h"
 
 namespace px::forms {
 
@@ -49,14 +50,16 @@ struct Change {
   std::string new_value;
 };
 
-// Why OK was refused: the message number and the field to focus.
+// Why OK was refused: the message, its arguments and the field to focus.
 struct Refusal {
   int message = 0;
   int field = -1;
+  std::vector<std::string> args;
 };
 
 // The message that refuses a yield percentage outside 0 to 100.
 inline constexpr int kYieldOutOfRange = 303;
+
 
 class Form {
  public:
@@ -78,6 +81,11 @@ class Form {
 
   const std::string& text(std::size_t i) const { return texts_[i]; }
   bool hidden(std::size_t i) const { return hidden_[i]; }
+  // False for a field the loaded file leaves out of the form (the post
+  // office of a mail system without one): neither shown nor saved, so
+  // nothing typed into it could take effect. A field hidden by its dialog
+  // (the yield percentage) is still in use: loaded, checked and saved.
+  bool in_use(std::size_t i) const { return !hidden_[i] || field(i).hidden; }
   const std::string& mail_section() const { return mail_section_; }
 
   // The operator changed field i's text to text, leaving the caret at caret:
@@ -87,6 +95,12 @@ class Form {
   // its text: one change per character (an empty keys deletes the text).
   // The result tells whether any change beeped or was cut.
   EditResult type(std::size_t i, std::string_view keys);
+  // Enters a whole value into field i as `pxctl config set` gives it: typed
+  // key by key (type), except into the password, where it is pasted over
+  // the field's text in one change, so that each "*" keeps the stored
+  // character at its place: the asterisks `config show` prints, given back,
+  // keep the password, and "***x" keeps its first three characters.
+  EditResult enter(std::size_t i, std::string_view value);
   // Sets a chosen field (check box, radio pair, drop-down) from a word;
   // false when the word names none of its values.
   bool choose(std::size_t i, std::string_view word);
@@ -97,7 +111,11 @@ class Form {
   // The fields as the dialog shows them, hidden ones left out: key and text.
   std::vector<std::pair<std::string, std::string>> lines() const;
 
-  // The check OK makes before it saves; nothing when it may save.
+  // The check OK makes before it saves; nothing when it may save. Besides
+  // the yield percentage (303), a value the rewrite would refuse because it
+  // would not read back as written (a TAB, outer blanks, or key "=" value
+  // longer than the writer's 254 characters) is refused here, naming its
+  // field (1618), rather than failing the save with a file message.
   std::optional<Refusal> check() const;
   // The keys OK writes, in order, with their values.
   std::vector<Entry> entries() const;

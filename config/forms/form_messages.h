@@ -19,6 +19,9 @@ inline constexpr int kMsgNoInstallFile = 1610;         // @P1 console INI file
 inline constexpr int kMsgNoChanges = 1611;             // Show changes: nothing would change
 inline constexpr int kMsgChangesList = 1612;           // @P1 the changes, one per line
 inline constexpr int kMsgValueChanged = 1613;          // @P1 field, @P2 typed, @P3 taken
+inline constexpr int kMsgOwnEditor = 1617;             // @P1 process, @P2 its EditCfgRtn command
+// OK refused: a value the file would not give back as written (@P1 its key).
+inline constexpr int kValueNotSavable = 1618;
 // Notes in a dialog's status line after a typing rule beeped.
 inline constexpr int kNoteLimit = 1614;                // @P1 the limit
 inline constexpr int kNoteDigits = 1615;

@@ -152,6 +152,26 @@ TEST_F(FormTest, EmailSaveOrderAndPasswordTyped) {
                       "PxEmio-VIM/Password=s3cret"}));
 }
 
+TEST_F(FormTest, AnEnteredPasswordKeepsTheStoredCharacterUnderEachStar) {
+  const char* stored = "[Options]\n[PxEmio-VIM]\nPassword=north1\n";
+  struct Case {
+    const char* entered;
+    const char* saved;
+  };
+  for (Case c : {Case{"******", "north1"}, Case{"***x", "norx"}, Case{"******ab", "north1ab"},
+                 Case{"s3cret", "s3cret"}, Case{"", ""}}) {
+    Form form = open(FormKind::kEmail, stored);
+    EditResult r = form.enter(at(form, "Password"), c.entered);
+    EXPECT_EQ(r.text, std::string(std::string_view(c.entered).size(), '*')) << c.entered;
+    std::vector<Entry> entries = form.entries();
+    EXPECT_EQ(entries.back().key, "Password");
+    EXPECT_EQ(entries.back().value, c.saved) << c.entered;
+  }
+  // Other fields take the value key by key: each key goes through the rules.
+  Form form = open(FormKind::kServer, "[Plexar]\n");
+  EXPECT_EQ(form.enter(at(form, "Verbosity"), "1a2b").text, "12");
+}
+
 TEST_F(FormTest, PrintYieldCheck) {
   Form form = open(FormKind::kPrint, "[Plexar]\n");
   EXPECT_EQ(text_of(form, "Verbosity"), "0");
@@ -169,6 +189,23 @@ TEST_F(FormTest, PrintYieldCheck) {
   }
   form = open(FormKind::kPrint, "[Plexar]\nYieldPercent=150\n");
   EXPECT_TRUE(form.check().has_value());
+}
+
+TEST_F(FormTest, AValueTheFileWouldNotGiveBackRefusesOkNamingItsField) {
+  Form form = open(FormKind::kServer, "[Options]\n");
+  // "FileSpec=" and 245 characters fill the writer's 254; one more does not fit.
+  form.type(at(form, "FileSpec"), std::string(245, 'f'));
+  EXPECT_FALSE(form.check().has_value());
+  form.type(at(form, "FileSpec"), std::string(246, 'f'));
+  ASSERT_TRUE(form.check().has_value());
+  EXPECT_EQ(form.check()->message, kValueNotSavable);
+  EXPECT_EQ(form.check()->field, form.index_of("FileSpec"));
+  EXPECT_EQ(form.check()->args, std::vector<std::string>{"FileSpec"});
+
+  form = open(FormKind::kJobCard, "[JobCard]\n");
+  form.type(at(form, "JobCardSuffix"), "end ");
+  ASSERT_TRUE(form.check().has_value());
+  EXPECT_EQ(form.check()->field, form.index_of("JobCardSuffix"));
 }
 
 TEST_F(FormTest, CurrencyLocationLeftOrRight) {

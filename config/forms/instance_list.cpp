@@ -14,10 +14,14 @@ void InstanceList::load() {
   if (!install_.empty()) ini::drop_file(install_);
   stamp_ = stamp_of(install_);
   rows_.clear();
-  InstanceEnumerator enumerator;
-  if (!enumerator.begin()) return;
-  for (Instance entry; enumerator.next(entry);) rows_.push_back(entry);
-  enumerator.end();
+  if (install_.empty()) return;
+  // Every instance, not only those whose names fit in the enumerator's room
+  // or its 73 characters: OK writes section Configuration anew from these
+  // rows, so a row left out or a name cut would be an instance lost.
+  for (const std::string& name : ini::get_key_array("Configuration", install_)) {
+    std::string config = instance_config_file(name);
+    rows_.push_back({name, instance_window_title(config), config});
+  }
 }
 
 int InstanceList::find(std::string_view name) const {
@@ -48,6 +52,18 @@ void InstanceList::add(Instance instance) { rows_.push_back(std::move(instance))
 
 void InstanceList::remove(std::size_t row) {
   if (row < rows_.size()) rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(row));
+}
+
+std::optional<std::string> InstanceList::unsavable_value() const {
+  for (const Instance& row : rows_) {
+    IniChange entry{"Configuration", row.name, row.config_file};
+    if (unwritable_part(entry, Delimiters{}) != Unwritable::kNone) return row.name;
+    IniChange title{"Plexar", "WindowTitle", row.window_title};
+    if (row.config_file.size() >= 2 && unwritable_part(title, Delimiters{}) != Unwritable::kNone) {
+      return std::string("WindowTitle");
+    }
+  }
+  return std::nullopt;
 }
 
 bool InstanceList::changed_on_disk() const { return stamp_of(install_) != stamp_; }

@@ -2,7 +2,8 @@
 // `pxctl instances add|edit|default|remove` change it, and the fields of
 // one instance's record ("Edit Nexa Control Configuration", dialog 124).
 //
-// The list is read from the install file in instance order. OK (apply)
+// The list is read from the install file in instance order, every instance
+// with its whole name (beyond the enumerator's limits, so OK loses none). OK (apply)
 // empties section Configuration of the install file and writes one key per
 // row in list order (name = configuration file), so the first row is the
 // default instance from then on, and writes each row's title as
@@ -10,6 +11,7 @@
 // without a configuration file get none).
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,6 +48,11 @@ class InstanceList {
   void add(Instance instance);
   void remove(std::size_t row);
 
+  // The key of the first entry OK would write that its file would not give
+  // back as written (an instance's name for its configuration file,
+  // "WindowTitle" for a title), so that OK can refuse before writing any
+  // file; nullopt when OK may apply.
+  std::optional<std::string> unsavable_value() const;
   // True when the install file changed on disk since load or apply.
   bool changed_on_disk() const;
   // How OK went: true when every file was written, else the first file

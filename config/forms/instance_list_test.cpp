@@ -63,6 +63,38 @@ TEST_F(InstanceListTest, AddAndRemoveRows) {
   EXPECT_EQ(again.find("bare"), -1);
 }
 
+TEST_F(InstanceListTest, OkKeepsEveryInstanceEvenPastTheEnumeratorsLimits) {
+  // 100 names of 20 characters overflow the enumerator's 1,024-character
+  // room, and one name is longer than the 73 characters it delivers.
+  std::string install = "[Configuration]\n";
+  for (int i = 0; i < 100; ++i) install += "instance-number-" + std::to_string(1000 + i) + "=/c\n";
+  std::string long_name(90, 'n');
+  install += long_name + "=" + north_ + "\n";
+  dir_.write("install.ini", install);
+  list_.load();
+  ASSERT_EQ(list_.rows().size(), 101u);
+  EXPECT_EQ(list_.rows().back().name, long_name);
+  EXPECT_EQ(list_.rows().back().window_title, "North");
+  list_.add({"west", "West", dir_.file("west.ini")});
+  ASSERT_TRUE(list_.apply());
+  EXPECT_EQ(dir_.read("install.ini"), install + "west=" + dir_.file("west.ini") + "\n");
+}
+
+TEST_F(InstanceListTest, AValueNoFileWouldGiveBackIsFoundBeforeAnyFileIsWritten) {
+  EXPECT_FALSE(list_.unsavable_value().has_value());
+  Instance north = list_.rows()[0];
+  north.window_title = "North ";  // the reader would drop the blank
+  list_.replace(0, north);
+  EXPECT_EQ(list_.unsavable_value(), "WindowTitle");
+  north.window_title = "North";
+  north.config_file = "/tmp/a\tb";
+  list_.replace(0, north);
+  EXPECT_EQ(list_.unsavable_value(), "north");
+  // A row without a configuration file gets no title: its title is no matter.
+  list_.replace(0, {"north", "North ", ""});
+  EXPECT_FALSE(list_.unsavable_value().has_value());
+}
+
 TEST_F(InstanceListTest, NoticesAnotherWriter) {
   EXPECT_FALSE(list_.changed_on_disk());
   dir_.write("install.ini", "[Configuration]\nother=x\n");

@@ -9,7 +9,6 @@ namespace px::forms {
 
 namespace {
 
-constexpr std::size_t kKeyListSize = 1024;
 constexpr std::size_t kNameSize = 256;
 constexpr std::size_t kCommandSize = 512;
 constexpr std::string_view kGroupWords[] = {"Plexar ", "Ortane Relay "};
@@ -32,13 +31,13 @@ ProcessListing list_processes(const std::string& config_file, bool other_node, O
   }
   if (other_node) return listing;
   ini::drop_file(config_file);
-  KeyList keys = ini::get_key_list("Processes", kKeyListSize, config_file);
-  if (keys.used < 2) {
+  std::optional<std::vector<std::string>> keys = process_keys(config_file);
+  if (!keys) {
     op.show(kMsgProcessesMissing, {"Processes", display_path(config_file)});
     listing.closes = true;
     return listing;
   }
-  for (const std::string& key : keys.keys) {
+  for (const std::string& key : *keys) {
     std::string name = ini::get_string("Processes", key, "", kNameSize, config_file);
     listing.processes.push_back({key, without_group_word(name)});
   }
@@ -52,11 +51,10 @@ std::optional<std::string> key_for_row(const ProcessListing& listing, std::strin
   return std::nullopt;
 }
 
-std::optional<std::string> find_process_key(const std::string& config_file,
+std::optional<std::string> find_process_key(const ProcessListing& listing,
                                             std::string_view word) {
-  if (config_file.empty()) return std::nullopt;
-  for (const std::string& key : ini::get_key_array("Processes", config_file)) {
-    if (iequals(key, word)) return key;
+  for (const Process& process : listing.processes) {
+    if (iequals(process.key, word)) return process.key;
   }
   return std::nullopt;
 }

@@ -46,15 +46,16 @@ std::string without_group_word(std::string_view name);
 
 // The configure dialog's rows after row 0. A file that does not open shows
 // 218 and lists none; an instance on another node lists none; a file
-// without processes shows 175 and the dialog closes.
+// without processes shows 175 and the dialog closes. A key list longer than
+// its room (process_keys) lists the processes that fit.
 ProcessListing list_processes(const std::string& config_file, bool other_node, Operator& op);
 
 // The key of the process whose listed name equals row exactly.
 std::optional<std::string> key_for_row(const ProcessListing& listing, std::string_view row);
 
-// The key of section Processes that matches word without regard to case, as
-// the file spells it.
-std::optional<std::string> find_process_key(const std::string& config_file, std::string_view word);
+// The key of a listed process that matches word without regard to case, as
+// the file spells it: only the processes the configure dialog offers.
+std::optional<std::string> find_process_key(const ProcessListing& listing, std::string_view word);
 
 // The INI file of process key: the configuration file for PXSERVER (any
 // case), else IniFileName of section key mapped through the directory map;

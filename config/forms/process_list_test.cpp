@@ -72,8 +72,24 @@ TEST_F(ProcessListTest, EditorsByKey) {
   EXPECT_FALSE(process_editor(file, "ODD", op_).has_value());
   EXPECT_EQ(op_.shown().back(), (ShownMessage{kMsgSettingMissing, {"ODD", display_path(file), "EditCfgRtn"}}));
 
-  EXPECT_EQ(find_process_key(file, "pxmerge"), "PXMERGE");
-  EXPECT_FALSE(find_process_key(file, "PXNONE").has_value());
+  ProcessListing listing = list_processes(file, false, op_);
+  EXPECT_EQ(find_process_key(listing, "pxmerge"), "PXMERGE");
+  EXPECT_FALSE(find_process_key(listing, "PXNONE").has_value());
+}
+
+TEST_F(ProcessListTest, AProcessListLongerThanItsRoomOffersTheProcessesThatFit) {
+  std::string processes;
+  for (int i = 0; i < 80; ++i) processes += "PXPROCESSNUMBER" + std::to_string(10000 + i) + "=P\n";
+  std::string file = config("[Processes]\n" + processes);
+  ProcessListing listing = list_processes(file, false, op_);
+  EXPECT_FALSE(listing.closes);
+  EXPECT_TRUE(op_.shown().empty());
+  // 21 characters a key with its NUL: 48 of them fit in 1023.
+  ASSERT_EQ(listing.processes.size(), 48u);
+  EXPECT_EQ(listing.processes.back().key, "PXPROCESSNUMBER10047");
+  // Only an offered process can be edited.
+  EXPECT_TRUE(find_process_key(listing, "PXPROCESSNUMBER10047").has_value());
+  EXPECT_FALSE(find_process_key(listing, "PXPROCESSNUMBER10048").has_value());
 }
 
 }  // namespace
