@@ -2,6 +2,7 @@
 // lines, refusals, exit codes and the bytes the files end up with.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 
@@ -119,6 +120,44 @@ TEST_F(PxctlConfigTest, WhatShowPrintsGivenBackToSetChangesNothing) {
   EXPECT_NE(dir_.read("pxemio.ini").find("\nPassword=north1\n"), std::string::npos);
 }
 
+// The lines of text starting with prefix.
+std::vector<std::string> lines_starting(const std::string& text, std::string_view prefix) {
+  std::vector<std::string> found;
+  for (std::size_t at = 0; at < text.size();) {
+    std::size_t end = std::min(text.find('\n', at), text.size());
+    if (text.compare(at, prefix.size(), prefix) == 0) found.push_back(text.substr(at, end - at));
+    at = end + 1;
+  }
+  return found;
+}
+
+TEST_F(PxctlConfigTest, AFieldOfItsFullLengthSavesAndIsRewrittenWithoutATail) {
+  std::string full(255, 'f');
+  ProgramResult r = pxctl({"config", "set", "PXSERVER", "FileSpec=" + full});
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.err, "");
+  EXPECT_NE(pxctl({"config", "show", "PXSERVER"}).out.find("\nFileSpec\t" + full + "\n"),
+            std::string::npos);
+  std::string saved = dir_.read("north.ini");
+  ASSERT_EQ(lines_starting(saved, "FileSpec="), std::vector<std::string>{"FileSpec=" + full});
+
+  // Each rewrite changes the one line: a shorter value, then one whose
+  // second 255-character piece reads like the key itself, then a short one.
+  std::string like_key = std::string(246, 'g') + "FileSpec=";
+  std::string like_header = std::string(246, 'h') + "[Options]";
+  for (const std::string& value : {std::string("*.TXT"), like_key, like_header, full}) {
+    std::string old_line = lines_starting(saved, "FileSpec=").at(0);
+    ProgramResult again = pxctl({"config", "set", "PXSERVER", "FileSpec=" + value});
+    ASSERT_EQ(again.status, 0) << again.err;
+    std::string expected = saved;
+    expected.replace(expected.find(old_line), old_line.size(), "FileSpec=" + value);
+    saved = dir_.read("north.ini");
+    EXPECT_EQ(saved, expected) << value;
+    EXPECT_NE(pxctl({"config", "show", "PXSERVER"}).out.find("\nFileSpec\t" + value + "\n"),
+              std::string::npos);
+  }
+}
+
 TEST_F(PxctlConfigTest, DryRunListsChangesAndWritesNothing) {
   std::string before = dir_.read("pxemio.ini");
   ProgramResult r = pxctl({"config", "set", "PXEMIO", "Password=abc", "Unit=minutes",
@@ -151,11 +190,14 @@ TEST_F(PxctlConfigTest, RefusalsAndUsageErrors) {
   EXPECT_EQ(dir_.read("pxemio.ini"), "[Options]\nEMailSystem=mapi\n[PxEmio-mapi]\nMailBoxID=m\n");
   dir_.write("pxemio.ini", email);
 
-  // A value the file would not give back is refused as OK's own check.
+  // A value the file would not give back is refused as OK's own check:
+  // "MailBoxID=" and 502 characters pass the 511 of a line the reader returns.
+  std::string mail = dir_.read("pxemio.ini");
   ProgramResult too_long =
-      pxctl({"config", "set", "PXSERVER", "FileSpec=" + std::string(255, 'f')});
+      pxctl({"config", "set", "PXEMIO", "MailBoxID=" + std::string(502, 'm')});
   EXPECT_EQ(too_long.status, 1);
-  EXPECT_EQ(too_long.err, "[1618]FileSpec cannot be saved\n");
+  EXPECT_EQ(too_long.err, "[1618]MailBoxID cannot be saved\n");
+  EXPECT_EQ(dir_.read("pxemio.ini"), mail);
   EXPECT_EQ(dir_.read("north.ini"), before);
 
   ProgramResult missing = pxctl({"config", "show", "PXNONE"});

@@ -90,6 +90,26 @@ TEST_F(PxctlTest, ChangesThatWouldNotReadBackAreRefused) {
   EXPECT_EQ(dir_.read("s.ini"), "[S]\nK=1\n");
 }
 
+TEST_F(PxctlTest, ALongValueIsSetAndReplacedAsOneLine) {
+  std::string file = dir_.write("s.ini", "[S]\nK=1\nJ=2\n");
+  // From the 255th character on, the value reads like a line of its own.
+  std::string long_value = std::string(253, 'v') + "K=tail" + std::string(41, 'w');
+  ASSERT_EQ(pxctl({"ini", "set", file, "S", "K", long_value}).status, 0);
+  EXPECT_EQ(dir_.read("s.ini"), "[S]\nK=" + long_value + "\nJ=2\n");
+  EXPECT_EQ(pxctl({"ini", "get", file, "S", "K"}).out, long_value + "\n");
+  ASSERT_EQ(pxctl({"ini", "set", file, "S", "K", "short"}).status, 0);
+  EXPECT_EQ(dir_.read("s.ini"), "[S]\nK=short\nJ=2\n");
+
+  // "K=" and 509 characters fill the longest line the reader returns.
+  ASSERT_EQ(pxctl({"ini", "set", file, "S", "K", std::string(509, 'x')}).status, 0);
+  ProgramResult too_long = pxctl({"ini", "set", file, "S", "K", std::string(510, 'y')});
+  EXPECT_EQ(too_long.status, 1);
+  EXPECT_EQ(too_long.err.rfind("[1352]", 0), 0u) << too_long.err;
+  EXPECT_EQ(dir_.read("s.ini"), "[S]\nK=" + std::string(509, 'x') + "\nJ=2\n");
+  ASSERT_EQ(pxctl({"ini", "delete", file, "S", "K"}).status, 0);
+  EXPECT_EQ(dir_.read("s.ini"), "[S]\nJ=2\n");
+}
+
 TEST_F(PxctlTest, MessageIsPrintedAndLogged) {
   ProgramResult r = pxctl({"-alltest.log", "msg", "20", "a.dat", "/in"});
   EXPECT_EQ(r.status, 0);

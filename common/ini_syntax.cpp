@@ -8,8 +8,10 @@ namespace px {
 
 namespace {
 
-// The writer copies files in pieces of this many characters (a line feed, when
-// it falls inside a piece, ends it), so a longer line is handled as several.
+// The writer reads files in pieces of this many characters (a line feed, when
+// it falls inside a piece, ends it) and decides what to do with a line by its
+// first piece: whether it is empty, a header and which one, or an entry and
+// of which key. The rest of a longer line goes wherever its first piece goes.
 constexpr size_t kWriterPieceLength = 255;
 
 struct Entry {
@@ -109,11 +111,13 @@ void end_last_line(std::string& text) {
 // of a long line, so a line of any length is read in linear time.
 namespace {
 
+// A header or key must fit in the writer's first piece to be matched.
 constexpr size_t kMaxSectionName = kWriterPieceLength - 2;  // "[" name "]"
 constexpr size_t kMaxKey = kWriterPieceLength - 1;          // key "="
-// A longer entry line is copied in pieces, and a later rewrite of its key
-// would leave the pieces after the first behind as lines of their own.
-constexpr size_t kMaxEntryLength = kWriterPieceLength - 1;  // key "=" value
+// The reader returns a longer line in pieces, and the pieces after the first
+// would read as lines of their own. The entry line ends in a line feed alone,
+// whatever the rest of the file uses, so no carriage return counts here.
+constexpr size_t kMaxEntryLength = kMaxLineLength;  // key "=" value
 
 bool has_any(std::string_view text, std::string_view characters) {
   return text.find_first_of(characters) != std::string_view::npos;
@@ -226,19 +230,17 @@ std::string rewrite_text(std::string_view old_text, const IniChange& change,
   };
 
   size_t pos = 0;
-  size_t line_end = 0;  // one past the line feed ending the line at pos
   while (pos < old_text.size()) {
-    if (line_end <= pos) line_end = std::min(old_text.find('\n', pos), old_text.size() - 1) + 1;
-    size_t len = line_end - pos;
-    if (len > kWriterPieceLength) len = kWriterPieceLength;
-    std::string_view piece = old_text.substr(pos, len);
-    pos += len;
+    size_t end = std::min(old_text.find('\n', pos), old_text.size() - 1) + 1;
+    std::string_view line = old_text.substr(pos, end - pos);  // with its line end
+    pos = end;
+    std::string_view first = line.substr(0, kWriterPieceLength);
 
     if (done) {
-      out += piece;
-    } else if (piece.back() == '\n' && without_line_end(piece).empty()) {
-      blanks += piece;
-    } else if (piece[0] == delims.section_open) {
+      out += line;
+    } else if (first.back() == '\n' && without_line_end(first).empty()) {
+      blanks += line;
+    } else if (first[0] == delims.section_open) {
       if (in_target) {
         // Leaving the section without meeting the key: the entry goes at its
         // end, ahead of the blank lines that precede this header.
@@ -247,17 +249,17 @@ std::string rewrite_text(std::string_view old_text, const IniChange& change,
         in_target = false;
       }
       flush_blanks();
-      if (!done && iequals(writer_header_name(piece, delims), change.section)) {
+      if (!done && iequals(writer_header_name(first, delims), change.section)) {
         in_target = found = true;
       }
-      out += piece;
+      out += line;
     } else {
       flush_blanks();
-      if (in_target && change.key && iequals(writer_key(piece, delims), *change.key)) {
+      if (in_target && change.key && iequals(writer_key(first, delims), *change.key)) {
         if (change.value) out += entry_line(*change.key, *change.value, delims);
         done = true;
       } else if (!in_target || change.key) {
-        out += piece;
+        out += line;
       }  // with no key every entry of the section is dropped
     }
   }

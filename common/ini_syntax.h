@@ -87,8 +87,8 @@ enum class Unwritable {
   kKey,
   // Holds a line break, a NUL or a TAB (the reader ends a value there); or
   // starts or ends with white space (the reader trims it; quote the value to
-  // keep it); or key "=" value is longer than one piece of the writer (254
-  // characters), whose later rewrite would leave the rest behind.
+  // keep it); or key "=" value is longer than the reader's line (511
+  // characters), whose rest would read as a line of its own.
   kValue,
 };
 
@@ -104,6 +104,9 @@ std::string new_file_text(const IniChange& change, const Delimiters& delims);
 // only a line end is empty, and a key or header name never includes it. Lines
 // the change leaves keep their own line ends; lines it writes end in a line
 // feed. A last line without a line end gets one before a line is added.
+// A line is told by its first 255 characters (a header or key must lie
+// within them) and is always copied, replaced or dropped whole: the rest of
+// a long line is never taken for a header, an empty line or a key.
 std::string rewrite_text(std::string_view old_text, const IniChange& change,
                          const Delimiters& delims);
 

@@ -126,10 +126,50 @@ TEST(IniRewrite, KeysAreMatchedUntrimmed) {
   EXPECT_EQ(rewrite("[A]\nk =1\n", "A", "k", "2"), "[A]\nk =1\nk=2\n");
 }
 
-TEST(IniRewrite, LongLinesAreCopiedWhole) {
+// The writer reads 255 characters at a time; "k=" and 253 characters fill
+// the first piece, so what follows them starts the next one.
+std::string past_first_piece(std::string_view key, std::string_view rest) {
+  std::string line(key);
+  line += '=';
+  line.append(255 - line.size(), 'v');
+  return line + std::string(rest);
+}
+
+TEST(IniRewrite, LongLinesOfOtherKeysAreCopiedWholeAndNeverMatched) {
   std::string line(600, 'z');
   std::string text = "[A]\n" + line + "\nk=1\n";
   EXPECT_EQ(rewrite(text, "A", "k", "2"), "[A]\n" + line + "\nk=2\n");
+
+  // The rest of another key's line is not a key, a header or an empty line.
+  std::string same_key = past_first_piece("o", "k=trap");
+  EXPECT_EQ(rewrite("[A]\n" + same_key + "\n", "A", "k", "v"),
+            "[A]\n" + same_key + "\nk=v\n");
+  std::string header = past_first_piece("o", "[A]");
+  EXPECT_EQ(rewrite("[B]\n" + header + "\nk=1\n", "A", "k", "v"),
+            "[B]\n" + header + "\nk=1\n\n[A]\nk=v\n");
+  EXPECT_EQ(rewrite("[A]\n" + header + "\nk=1\n", "A", "k", "v"),
+            "[A]\n" + header + "\nk=v\n");
+  for (std::string_view end : {"\n", "\r\n"}) {
+    // The line end alone in the second piece: the entry added at the end of
+    // the section must not join the line.
+    std::string full(256 - end.size(), 'a');
+    EXPECT_EQ(rewrite("[A]\n" + full + std::string(end) + "[B]\n", "A", "k", "v"),
+              "[A]\n" + full + std::string(end) + "k=v\n[B]\n");
+  }
+}
+
+TEST(IniRewrite, TheChangedKeysLongLineGoesWhole) {
+  std::string tails[] = {"k=" + std::string(398, 'w'), past_first_piece("k", "k=tail"),
+                         past_first_piece("k", "[B]x=1"), past_first_piece("k", "\r")};
+  for (const std::string& long_line : tails) {
+    std::string text = "[A]\n" + long_line + "\nj=2\n[B]\nk=3\n";
+    SCOPED_TRACE(long_line.substr(250));
+    EXPECT_EQ(rewrite(text, "A", "k", "short"), "[A]\nk=short\nj=2\n[B]\nk=3\n");
+    std::string other(300, 'o');
+    EXPECT_EQ(rewrite(text, "A", "k", other), "[A]\nk=" + other + "\nj=2\n[B]\nk=3\n");
+    EXPECT_EQ(rewrite(text, "A", "k", std::nullopt), "[A]\nj=2\n[B]\nk=3\n");
+    EXPECT_EQ(rewrite(text, "A", std::nullopt, std::nullopt), "[A]\n[B]\nk=3\n");
+  }
 }
 
 TEST(IniRewrite, CrLfFilesKeepTheirOtherLines) {
@@ -180,17 +220,23 @@ TEST(IniWritable, OnlyWhatReadsBackIsWritten) {
        Texts{"a\n[Evil]\nX=1", "a\rb", "a\tb", " v", "v ", std::string_view("a\0b", 3)}) {
     EXPECT_EQ(part("S", "k", value), Unwritable::kValue) << value;
   }
-  EXPECT_EQ(part("S", "k", std::string(252, 'v')), Unwritable::kNone);
-  EXPECT_EQ(part("S", "k", std::string(253, 'v')), Unwritable::kValue);
+  // Key, "=" and value fill the reader's 511-character line at most.
+  EXPECT_EQ(part("S", "k", std::string(509, 'v')), Unwritable::kNone);
+  EXPECT_EQ(part("S", "k", std::string(510, 'v')), Unwritable::kValue);
+  EXPECT_EQ(part("S", std::string(254, 'k'), std::string(256, 'v')), Unwritable::kNone);
+  EXPECT_EQ(part("S", std::string(254, 'k'), std::string(257, 'v')), Unwritable::kValue);
 }
 
 // Every change unwritable_part accepts reads back as written and can be
 // rewritten without leaving anything behind.
 TEST(IniWritable, AcceptedChangesRoundTrip) {
-  std::string longest(252, 'v');
-  for (std::string_view value : std::initializer_list<std::string_view>{"x", longest, "a=b ; c"}) {
+  std::string longest(509, 'v');
+  std::string tail_like = std::string(253, 'v') + "[S]j=9";
+  for (std::string_view value :
+       std::initializer_list<std::string_view>{"x", longest, tail_like, "a=b ; c"}) {
     std::string text = rewrite("[S]\nk=old\nj=2\n", "S", "k", value);
     EXPECT_EQ(find_value(text, "S", "k", 1024, kDefault), std::string(value));
+    EXPECT_EQ(find_value(text, "S", "j", 1024, kDefault), "2");
     EXPECT_EQ(rewrite(text, "S", "k", "y"), "[S]\nk=y\nj=2\n");
   }
 }

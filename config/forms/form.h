@@ -114,8 +114,9 @@ class Form {
   // The check OK makes before it saves; nothing when it may save. Besides
   // the yield percentage (303), a value the rewrite would refuse because it
   // would not read back as written (a TAB, outer blanks, or key "=" value
-  // longer than the writer's 254 characters) is refused here, naming its
-  // field (1618), rather than failing the save with a file message.
+  // longer than the 511 characters of a line the reader returns) is refused
+  // here, naming its field (1618), rather than failing the save with a file
+  // message. A path field of its full 255 characters always saves.
   std::optional<Refusal> check() const;
   // The keys OK writes, in order, with their values.
   std::vector<Entry> entries() const;

@@ -192,15 +192,23 @@ TEST_F(FormTest, PrintYieldCheck) {
 }
 
 TEST_F(FormTest, AValueTheFileWouldNotGiveBackRefusesOkNamingItsField) {
+  // A path field of its full 255 characters saves and loads back whole.
   Form form = open(FormKind::kServer, "[Options]\n");
-  // "FileSpec=" and 245 characters fill the writer's 254; one more does not fit.
-  form.type(at(form, "FileSpec"), std::string(245, 'f'));
+  std::string full(255, 'f');
+  form.type(at(form, "FileSpec"), full);
   EXPECT_FALSE(form.check().has_value());
-  form.type(at(form, "FileSpec"), std::string(246, 'f'));
+  ASSERT_TRUE(form.save());
+  EXPECT_EQ(text_of(open(FormKind::kServer, file_text()), "FileSpec"), full);
+
+  // "FormPath=" and 502 characters pass the 511 of a line the reader returns.
+  form = open(FormKind::kPrint, "[Paths]\n");
+  form.type(at(form, "FormPath"), std::string(502, 'p'));
+  EXPECT_FALSE(form.check().has_value());
+  form.type(at(form, "FormPath"), std::string(503, 'p'));
   ASSERT_TRUE(form.check().has_value());
   EXPECT_EQ(form.check()->message, kValueNotSavable);
-  EXPECT_EQ(form.check()->field, form.index_of("FileSpec"));
-  EXPECT_EQ(form.check()->args, std::vector<std::string>{"FileSpec"});
+  EXPECT_EQ(form.check()->field, form.index_of("FormPath"));
+  EXPECT_EQ(form.check()->args, std::vector<std::string>{"FormPath"});
 
   form = open(FormKind::kJobCard, "[JobCard]\n");
   form.type(at(form, "JobCardSuffix"), "end ");
