@@ -3,7 +3,8 @@
 // whole, wrapped by LogLineWrap and LogLineIndent (one output line per
 // row); a larger one as the page of its last 30 lines. --line N prints the
 // 30 lines from line N (counted from 0). Without --process the one process
-// with a log is shown, or with several the server's own log (LogFile of
+// with a log is shown, or where the window would ask which (several
+// processes, or none but the E-mail Agent) the server's own log (LogFile of
 // Plexar). --follow prints the last page (or the lines from N on), then each
 // line appended, until interrupted; a truncated or replaced log is followed
 // again from its head, which is said on stderr (1400).
@@ -79,14 +80,18 @@ std::optional<std::string> chosen_log(const LogRequest& request, const std::stri
     op.show(views::msg::kProcessNotListed, {*request.process, display_path(config)});
     return std::nullopt;
   }
-  if (logs->processes.size() == 1) {
-    return views::process_log_file(config, logs->processes[0].section, op);
+  switch (views::log_opening(*logs)) {
+    case views::LogOpening::kOnly:
+      return views::process_log_file(config, logs->processes[0].section, op);
+    case views::LogOpening::kChoice:
+      // Where the window asks which process, the server's own log is shown.
+      if (!logs->server_log.empty()) return logs->server_log;
+      break;
+    case views::LogOpening::kNothing:
+      break;
   }
-  if (logs->server_log.empty()) {
-    op.show(views::msg::kSettingMissing, {"Plexar", display_path(config), "LogFile"});
-    return std::nullopt;
-  }
-  return logs->server_log;
+  op.show(views::msg::kSettingMissing, {"Plexar", display_path(config), "LogFile"});
+  return std::nullopt;
 }
 
 volatile sig_atomic_t g_interrupted = 0;

@@ -8,6 +8,8 @@
 #include <cerrno>
 #include <cstdio>
 
+#include "common/file_util.h"
+
 namespace px {
 
 namespace {
@@ -50,17 +52,7 @@ class SystemFileSystem : public FileSystem {
     return file.valid() ? 0 : errno;
   }
 
-  int write(int fd, std::string_view data) override {
-    while (!data.empty()) {
-      ssize_t written = ::write(fd, data.data(), data.size());
-      if (written < 0) {
-        if (errno == EINTR) continue;
-        return errno;
-      }
-      data.remove_prefix(static_cast<size_t>(written));
-    }
-    return 0;
-  }
+  int write(int fd, std::string_view data) override { return write_all(fd, data); }
 
   int sync(int fd) override { return error_of(::fsync(fd)); }
 

@@ -50,18 +50,6 @@ int open_file(const std::string& path, int flags, mode_t mode = 0) {
   return fd;
 }
 
-bool write_all(int fd, std::string_view data) {
-  while (!data.empty()) {
-    ssize_t written = ::write(fd, data.data(), data.size());
-    if (written < 0) {
-      if (errno == EINTR) continue;
-      return false;
-    }
-    data.remove_prefix(static_cast<size_t>(written));
-  }
-  return true;
-}
-
 // Calls sink with each block read from fd until end of file.
 template <typename Sink>
 bool read_blocks(int fd, Sink sink) {
@@ -210,7 +198,7 @@ bool copy_file(const std::string& from, const std::string& to) {
   FileDescriptor target(open_file(to, O_WRONLY | O_CREAT | O_TRUNC, from_stat.st_mode & 07777));
   if (!target.valid()) return false;
   bool copied = read_blocks(source.get(), [&](std::string_view block) {
-    return write_all(target.get(), block);
+    return write_all(target.get(), block) == 0;
   });
   return copied && target.close();
 }
@@ -283,8 +271,20 @@ bool write_output_file(const std::string& path, std::string_view text, bool appe
   // Open now; a pipe's writes wait for its reader as usual.
   int status = ::fcntl(out.get(), F_GETFL);
   if (status == -1 || ::fcntl(out.get(), F_SETFL, status & ~O_NONBLOCK) == -1) return false;
-  bool written = write_all(out.get(), text);
+  bool written = write_all(out.get(), text) == 0;
   return out.close() && written;
+}
+
+int write_all(int fd, std::string_view data) {
+  while (!data.empty()) {
+    ssize_t written = ::write(fd, data.data(), data.size());
+    if (written < 0) {
+      if (errno == EINTR) continue;
+      return errno;
+    }
+    data.remove_prefix(static_cast<size_t>(written));
+  }
+  return 0;
 }
 
 }  // namespace px

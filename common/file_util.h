@@ -94,6 +94,10 @@ std::optional<std::string> unique_name(std::string_view directory, std::string_v
 // Only regular files are read (see readable_file.h).
 std::optional<std::string> read_file(const std::string& path);
 
+// Writes all of data to fd, going on after a short or interrupted write;
+// 0, or the errno of the write that failed.
+int write_all(int fd, std::string_view data);
+
 // Writes text to path, made when missing (0666 less the umask): appended
 // with append set, else replacing what the file held. The open never
 // waits: a FIFO nobody reads fails at once instead of blocking the program;

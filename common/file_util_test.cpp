@@ -5,8 +5,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <optional>
+#include <string>
+#include <thread>
 
 #include "tests/support/test_dir.h"
 
@@ -174,6 +178,36 @@ TEST_F(FileUtilTest, OutputFilesAreAppendedOrReplacedAndAFifoNeverBlocks) {
   EXPECT_EQ(::read(reader, buffer, sizeof buffer), 4);
   EXPECT_EQ(std::string(buffer), "read");
   ::close(reader);
+}
+
+// More than a pipe holds goes through whole, in as many writes as the
+// reader makes room for; a write that fails gives its errno.
+TEST(WriteAll, WritesEverythingOrSaysWhyNot) {
+  int ends[2];
+  ASSERT_EQ(::pipe(ends), 0);
+  std::string data(1 << 20, 'x');
+  for (size_t i = 0; i < data.size(); i += 4093) data[i] = static_cast<char>('a' + i % 26);
+  std::string received;
+  std::thread reader([&] {
+    char buffer[3000];  // small reads: the writer is held up many times
+    for (ssize_t n; (n = ::read(ends[0], buffer, sizeof buffer)) > 0;) {
+      received.append(buffer, static_cast<size_t>(n));
+    }
+  });
+  EXPECT_EQ(write_all(ends[1], data), 0);
+  ::close(ends[1]);
+  reader.join();
+  EXPECT_TRUE(received == data);
+
+  auto old = std::signal(SIGPIPE, SIG_IGN);
+  EXPECT_EQ(write_all(ends[0], "x"), EBADF);  // the read end
+  ::close(ends[0]);
+  ASSERT_EQ(::pipe(ends), 0);
+  ::close(ends[0]);
+  EXPECT_EQ(write_all(ends[1], "no reader"), EPIPE);
+  ::close(ends[1]);
+  std::signal(SIGPIPE, old);
+  EXPECT_EQ(write_all(-1, ""), 0);  // nothing to write: no call made
 }
 
 }  // namespace

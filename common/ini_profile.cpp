@@ -128,6 +128,10 @@ int get_int(std::string_view section, std::string_view key, int fallback,
   return value ? parse_int(*value) : fallback;
 }
 
+bool is_yes(std::string_view value) {
+  return !value.empty() && (value[0] == 'y' || value[0] == 'Y');
+}
+
 // Growing the buffer by kKeyArrayStep until the list fits ends with every key
 // of the section, so one scan with no bound gives the same list without
 // reading a long section once per step.

@@ -36,6 +36,11 @@ KeyList get_key_list(std::string_view section, size_t size, std::string_view fil
 int get_int(std::string_view section, std::string_view key, int fallback,
             std::string_view file = {});
 
+// True when the value of a Yes/No switch says yes: it begins with "y" or
+// "Y". Every Yes/No switch of every INI file is read by this one rule, and
+// written "Yes" or "No".
+bool is_yes(std::string_view value);
+
 // Every key of section (the list that buffers grown 10,240 characters at a
 // time until it fits would hold), read in one scan.
 std::vector<std::string> get_key_array(std::string_view section, std::string_view file = {});

@@ -39,13 +39,16 @@ TEST_F(IniProfileTest, FileNamesMatchWithoutCase) {
   EXPECT_EQ(ini::get_string("S", "k", "", 1024, upper), "1");
 }
 
-TEST_F(IniProfileTest, DefaultsAndIntegers) {
+TEST_F(IniProfileTest, DefaultsIntegersAndSwitches) {
   std::string path = dir_.write("n.ini", "[S]\nn= -42xyz\nempty=\nword=abc\n");
   EXPECT_EQ(ini::get_int("S", "n", 7, path), -42);
   EXPECT_EQ(ini::get_int("S", "word", 7, path), 0);
   EXPECT_EQ(ini::get_int("S", "absent", 7, path), 7);
   EXPECT_EQ(ini::get_string("S", "empty", "dflt", 1024, path), "");
   EXPECT_EQ(ini::get_string("S", "absent", "abcdef", 4, path), "abc");
+  // A Yes/No switch is on when its value begins with "y" or "Y".
+  for (const char* yes : {"Yes", "yes", "Y", "yep"}) EXPECT_TRUE(ini::is_yes(yes)) << yes;
+  for (const char* no : {"No", "", " yes", "true", "1", "on"}) EXPECT_FALSE(ini::is_yes(no)) << no;
 }
 
 TEST_F(IniProfileTest, WritesAreSeenAndByteExact) {

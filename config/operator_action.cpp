@@ -4,7 +4,6 @@
 #include "common/expand.h"
 #include "common/ini_profile.h"
 #include "common/messages.h"
-#include "common/text.h"
 #include "config/audit_log.h"
 
 namespace px {
@@ -12,10 +11,6 @@ namespace px {
 namespace {
 
 constexpr size_t kSwitchSize = 16;
-
-bool says_yes(std::string_view value) {
-  return iequals(value, "yes") || iequals(value, "true") || iequals(value, "on") || value == "1";
-}
 
 const char* result_word(ActionResult result) {
   switch (result) {
@@ -29,7 +24,7 @@ const char* result_word(ActionResult result) {
 }  // namespace
 
 bool read_only_mode() {
-  return read_only_option() || says_yes(ini::get_string("Options", "ReadOnly", "", kSwitchSize));
+  return read_only_option() || ini::is_yes(ini::get_string("Options", "ReadOnly", "", kSwitchSize));
 }
 
 std::string read_only_reason() { return expand(messages::message_text(msg::kReadOnlyReason)); }

@@ -10,9 +10,9 @@
 //   ... the work, reporting through action.op() ...
 //   action.finish(ActionResult::kDone);
 //
-// Read-only mode refuses every action here: ReadOnly=Yes (or true, on, 1, in
-// any case) in section Options of the console's INI file, or the common
-// option -aro. The operator is shown message 1700 with the action's name and
+// Read-only mode refuses every action here: ReadOnly=Yes (any value that
+// begins with "y" or "Y", as every Yes/No switch) in section Options of the
+// console's INI file, or the common option -aro. The operator is shown message 1700 with the action's name and
 // nothing is done; views and show commands, which open no OperatorAction,
 // work as usual.
 //

@@ -35,11 +35,12 @@ class OperatorActionTest : public ::testing::Test {
 
 TEST_F(OperatorActionTest, ReadOnlyComesFromTheIniFileOrTheOption) {
   EXPECT_FALSE(read_only_mode());
-  for (const char* yes : {"Yes", "YES", "true", "on", "1"}) {
+  // The rule of every Yes/No switch: a value beginning with "y" or "Y".
+  for (const char* yes : {"Yes", "YES", "y", "yes please"}) {
     use_options(std::string("ReadOnly=") + yes + "\n");
     EXPECT_TRUE(read_only_mode()) << yes;
   }
-  for (const char* no : {"No", "0", "", "yesterday"}) {
+  for (const char* no : {"No", "", "true", "on", "1"}) {
     use_options(std::string("ReadOnly=") + no + "\n");
     EXPECT_FALSE(read_only_mode()) << no;
   }

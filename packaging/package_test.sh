@@ -107,6 +107,8 @@ while read -r phrase; do
   grep -qE "^ {7}(\S.*, )?${phrase}( |,|\$)" "$scratch/pxctl.man" || fail "pxctl(1) has no entry for '$phrase'"
 done < <(readme_commands)
 [ "$checked" -ge 40 ] || fail "only $checked commands found in README's table"
+grep -qE "^ {7}pxctl .*COMMAND \[ARG\.\.\.\] --instance NAME" "$scratch/pxctl.man" ||
+  fail "pxctl(1) does not show --instance after the command word"
 
 desktop-file-validate "$root/usr/share/applications/nexa-control.desktop" || fail "desktop-file-validate"
 for program in pxcntrl pxctl pxserver-sim; do
@@ -121,6 +123,7 @@ printf '[Plexar]\nInstall=%s\n' "$scratch/site/plexar.ini" >"$scratch/site/pxcnt
 printf '[Configuration]\nnorth=%s\nsouth=%s\n' "$scratch/site/north.ini" "$scratch/site/south.ini" \
   >"$scratch/site/plexar.ini"
 printf '[Processes]\nPXSERVER=Plexar Server\nPXEMIO=Plexar E-mail Agent\n' >"$scratch/site/north.ini"
+printf '[Processes]\nPXMERGE=Plexar Print Agent\n' >"$scratch/site/south.ini"
 complete_line() {  # complete_line WORD...: the completions of the last word
   bash -c '
     source "$1"; shift
@@ -138,6 +141,20 @@ got="$(complete_line "$root/usr/bin/pxctl" "-aii$scratch/site/pxcntrl.ini" --ins
 [ "$got" = "PXEMIO PXSERVER " ] || fail "completion of process keys gave: $got"
 got="$(complete_line "$root/usr/bin/pxctl" "-aii$scratch/site/pxcntrl.ini" --instance north log --process "")"
 [ "$got" = "PXEMIO PXSERVER " ] || fail "completion of log --process gave: $got"
+# --instance NAME also after the command word, once, unless the command's
+# words are free text.
+got="$(complete_line "$root/usr/bin/pxctl" "-aii$scratch/site/pxcntrl.ini" rejects --instance "")"
+[ "$got" = "north south " ] || fail "completion after a command's --instance gave: $got"
+got="$(complete_line "$root/usr/bin/pxctl" "-aii$scratch/site/pxcntrl.ini" log --instance south --process "")"
+[ "$got" = "PXMERGE " ] || fail "completion of log --process after --instance gave: $got"
+got="$(complete_line "$root/usr/bin/pxctl" "-aii$scratch/site/pxcntrl.ini" config --instance south show "")"
+[ "$got" = "PXMERGE " ] || fail "completion of config show after --instance gave: $got"
+got="$(complete_line "$root/usr/bin/pxctl" state -)"
+[ "$got" = "--instance " ] || fail "completion of state's options gave: $got"
+got="$(complete_line "$root/usr/bin/pxctl" --instance north state -)"
+[[ "$got" != *--instance* ]] || fail "completion offered a second --instance: $got"
+got="$(complete_line "$root/usr/bin/pxctl" "-aii$scratch/site/pxcntrl.ini" msg --instance "")"
+[ "$got" != "north south " ] || fail "msg's words completed as instance names"
 got="$(complete_line "$root/usr/bin/pxctl" config show PXSERVER "")"
 [ "$got" = "characters currency jobcard locations network " ] || fail "completion of config forms gave: $got"
 got="$(complete_line "$root/usr/bin/pxctl" "-aii$scratch/site/pxcntrl.ini" instances default "")"

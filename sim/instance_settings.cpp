@@ -20,8 +20,6 @@ std::string setting(std::string_view section, std::string_view key, const std::s
   return value.size() < 2 ? std::string() : value;
 }
 
-bool yes(std::string_view value) { return !value.empty() && (value[0] == 'y' || value[0] == 'Y'); }
-
 // Reads a required setting into out; false (with problem filled) when absent.
 bool require(std::string_view section, std::string_view key, const std::string& file,
              std::string& out, int message, std::string_view instance, SettingsProblem& problem) {
@@ -69,7 +67,8 @@ std::optional<AgentSettings> load_agent(std::string_view instance, const std::st
   if (!log.empty()) agent.log_file = map_directory(log);
   int cycle = ini::get_int("Options", "CycleTime", kDefaultCycleTime, ini);
   if (cycle < 1) cycle = 1;
-  agent.cycle_seconds = yes(ini::get_string("Options", "Seconds", "No", 8, ini)) ? cycle : cycle * 60;
+  bool seconds = ini::is_yes(ini::get_string("Options", "Seconds", "No", 8, ini));
+  agent.cycle_seconds = seconds ? cycle : cycle * 60;
   return agent;
 }
 
@@ -132,7 +131,7 @@ std::optional<InstanceSettings> load_instance_file(std::string_view instance,
   if (!log.empty()) s.log_file = map_directory(log);
   std::string backup = setting("Paths", "BackupPath", ini);
   if (!backup.empty()) s.backup_path = map_directory(backup);
-  s.backup_files = yes(ini::get_string("Options", "BackupFiles", "No", 8, ini));
+  s.backup_files = ini::is_yes(ini::get_string("Options", "BackupFiles", "No", 8, ini));
   std::string patterns = ini::get_string("Options", "FileSpec", "*.DAT", kPathSize, ini);
   s.file_pattern = std::string(trim(std::string_view(patterns).substr(0, patterns.find(';'))));
   if (s.file_pattern.empty()) s.file_pattern = "*.DAT";

@@ -271,6 +271,24 @@ TEST_F(ViewsEndToEnd, ProcessAndAgentLogs) {
   EXPECT_TRUE(gone.err.starts_with("[177]")) << gone.err;
 }
 
+TEST_F(ViewsEndToEnd, OnlyTheAgentListedShowsTheServersLog) {
+  // Where the window offers an empty choice, pxctl shows the server's log;
+  // without it there is no log to show.
+  live.add_instance("mailonly", "north",
+                    {{"PXSERVER=Plexar Nexa Server\n", ""}, {"PXMERGE=Plexar Print Agent\n", ""}});
+  write_log("mailonly/logs/pxserver.log", "server only\n");
+  ProgramResult shown = live.run_pxctl({"--instance", "mailonly", "log"});
+  EXPECT_EQ(shown.status, 0) << shown.err;
+  EXPECT_EQ(shown.out, "server only\n");
+  live.add_instance("nolog", "north",
+                    {{"PXSERVER=Plexar Nexa Server\n", ""},
+                     {"PXMERGE=Plexar Print Agent\n", ""},
+                     {"LogFile=" + live.path("nolog/logs/pxserver.log") + "\nLogFileSize", "LogFileSize"}});
+  ProgramResult none = live.run_pxctl({"--instance", "nolog", "log"});
+  EXPECT_EQ(none.status, 1);
+  EXPECT_TRUE(none.err.starts_with("[167]")) << none.err;
+}
+
 TEST_F(ViewsEndToEnd, FollowPrintsAppendedLinesAndSurvivesRotation) {
   std::string log = live.path("north/logs/pxserver.log");
   write_log("north/logs/pxserver.log", numbered(0, 100));

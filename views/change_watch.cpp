@@ -1,11 +1,9 @@
 #include "views/change_watch.h"
 
 #include <sys/inotify.h>
-#include <unistd.h>
-
-#include <cstring>
 
 #include "common/file_util.h"
+#include "views/inotify_events.h"
 
 namespace px::views {
 
@@ -42,23 +40,15 @@ void ChangeWatch::watch(const std::vector<std::string>& directories,
 bool ChangeWatch::changed() {
   if (!ok()) return false;
   bool any = false;
-  alignas(inotify_event) char buffer[16384];
-  for (;;) {
-    ssize_t n = ::read(fd_.get(), buffer, sizeof buffer);
-    if (n <= 0) break;
-    for (ssize_t at = 0; at < n;) {
-      inotify_event event;
-      std::memcpy(&event, buffer + at, sizeof event);
-      std::string name = event.len > 0 ? std::string(buffer + at + sizeof event) : std::string();
-      at += static_cast<ssize_t>(sizeof event + event.len);
-      auto target = targets_.find(event.wd);
-      if (target == targets_.end()) continue;
-      if (target->second.whole || (event.mask & IN_Q_OVERFLOW) != 0 ||
-          target->second.names.count(name) > 0 || (event.mask & (IN_DELETE_SELF | IN_MOVE_SELF))) {
-        any = true;
-      }
+  read_inotify_events(fd_.get(), [this, &any](const InotifyEvent& event) {
+    auto target = targets_.find(event.wd);
+    if (target == targets_.end()) return;
+    if (target->second.whole || (event.mask & IN_Q_OVERFLOW) != 0 ||
+        target->second.names.count(event.name) > 0 ||
+        (event.mask & (IN_DELETE_SELF | IN_MOVE_SELF)) != 0) {
+      any = true;
     }
-  }
+  });
   return any;
 }
 

@@ -35,7 +35,7 @@ class ChangeWatch {
  private:
   struct Target {
     bool whole = false;          // any entry of the directory counts
-    std::set<std::string> names;  // else only these entries
+    std::set<std::string, std::less<>> names;  // else only these entries
   };
   UniqueFd fd_;
   std::map<int, Target> targets_;  // by watch descriptor

@@ -3,9 +3,8 @@
 #include <sys/inotify.h>
 #include <sys/stat.h>
 #include <sys/vfs.h>
-#include <unistd.h>
 
-#include <cstring>
+#include "views/inotify_events.h"
 
 namespace px::views {
 
@@ -49,38 +48,29 @@ void ListingCache::Files::add(uint64_t hash, std::string_view name, ino_t inode,
 }
 
 void ListingCache::take_events() {
-  alignas(inotify_event) char buffer[16384];
-  for (;;) {
-    ssize_t n = ::read(inotify_.get(), buffer, sizeof buffer);
-    if (n <= 0) return;
-    for (ssize_t at = 0; at < n;) {
-      inotify_event event;
-      std::memcpy(&event, buffer + at, sizeof event);
-      const char* name = buffer + at + sizeof event;
-      at += static_cast<ssize_t>(sizeof event + event.len);
-      if ((event.mask & IN_Q_OVERFLOW) != 0) {
-        // Events were lost: nothing known can be trusted.
-        for (auto& [wd, watched] : watched_) watched.all_changed = true;
-        continue;
-      }
-      auto watched = watched_.find(event.wd);
-      if (watched == watched_.end()) continue;
-      if ((event.mask & IN_IGNORED) != 0) {
-        // The watch ended (directory deleted, file system unmounted).
-        watched_.erase(watched);
-        continue;
-      }
-      Watched& changed = watched->second;
-      if (event.len == 0 || changed.all_changed) continue;
-      changed.changed.emplace(name, ::strnlen(name, event.len));
-      // A directory changing a lot and not listed meanwhile: past a bound,
-      // every name counts as changed rather than each being kept.
-      if (changed.changed.size() > kChangedNamesKept + changed.known.files.size()) {
-        changed.all_changed = true;
-        changed.changed.clear();
-      }
+  read_inotify_events(inotify_.get(), [this](const InotifyEvent& event) {
+    if ((event.mask & IN_Q_OVERFLOW) != 0) {
+      // Events were lost: nothing known can be trusted.
+      for (auto& [wd, watched] : watched_) watched.all_changed = true;
+      return;
     }
-  }
+    auto watched = watched_.find(event.wd);
+    if (watched == watched_.end()) return;
+    if ((event.mask & IN_IGNORED) != 0) {
+      // The watch ended (directory deleted, file system unmounted).
+      watched_.erase(watched);
+      return;
+    }
+    Watched& changed = watched->second;
+    if (event.name.empty() || changed.all_changed) return;
+    changed.changed.emplace(event.name);
+    // A directory changing a lot and not listed meanwhile: past a bound,
+    // every name counts as changed rather than each being kept.
+    if (changed.changed.size() > kChangedNamesKept + changed.known.files.size()) {
+      changed.all_changed = true;
+      changed.changed.clear();
+    }
+  });
 }
 
 bool ListingCache::begin(int dir_fd) {

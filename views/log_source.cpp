@@ -38,6 +38,12 @@ std::optional<ProcessLogs> log_processes(const std::string& config_file, Operato
   return logs;
 }
 
+LogOpening log_opening(const ProcessLogs& logs) {
+  if (logs.processes.empty() && logs.server_log.empty()) return LogOpening::kNothing;
+  if (logs.processes.size() == 1) return LogOpening::kOnly;
+  return LogOpening::kChoice;
+}
+
 std::optional<std::string> process_log_file(const std::string& config_file,
                                             const std::string& section, Operator& op) {
   if (!config_readable(config_file, op)) return std::nullopt;

@@ -35,6 +35,15 @@ struct ProcessLogs {
 // does not open) or 175 (no Processes section) and gives nullopt.
 std::optional<ProcessLogs> log_processes(const std::string& config_file, Operator& op);
 
+// What opening the server's log does with the processes found.
+enum class LogOpening {
+  kNothing,  // no process has a log and the server's LogFile is not set
+  kOnly,     // exactly one process has a log: it opens at once
+  kChoice,   // the operator chooses among the processes; the list is empty
+             // when Processes names the E-mail Agent only
+};
+LogOpening log_opening(const ProcessLogs& logs);
+
 // The log of the process in section: its own LogFile, else the server's.
 // Shows 144 or 167 (section, file, "LogFile") and gives nullopt.
 std::optional<std::string> process_log_file(const std::string& config_file,

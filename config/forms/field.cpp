@@ -77,8 +77,6 @@ EditResult apply_typing_rules(const FieldDef& field, std::string_view text, int 
   return result;
 }
 
-bool is_yes(std::string_view value) { return !value.empty() && (value[0] == 'y' || value[0] == 'Y'); }
-
 bool is_choice(FieldKind kind) {
   return kind == FieldKind::kCheck || kind == FieldKind::kRadioYes || kind == FieldKind::kUnit ||
          kind == FieldKind::kLocation;

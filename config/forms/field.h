@@ -61,8 +61,6 @@ struct EditResult {
 EditResult apply_typing_rules(const FieldDef& field, std::string_view text, int caret,
                               std::string* secret);
 
-// True when an INI value reads as yes: it begins with "y" or "Y".
-bool is_yes(std::string_view value);
 inline const char* yes_no(bool yes) { return yes ? "Yes" : "No"; }
 
 // The value a choice field (check box, radio pair, drop-down) takes from a

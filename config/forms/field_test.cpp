@@ -72,10 +72,6 @@ TEST(Choices, WordsMapToTheValuesTheFieldSaves) {
   EXPECT_EQ(choice_value(FieldKind::kUnit, "MINUTES"), "minutes");
   EXPECT_EQ(choice_value(FieldKind::kLocation, "right"), "Right");
   EXPECT_EQ(choice_value(FieldKind::kLocation, "centre"), "");
-  EXPECT_TRUE(is_yes("yes"));
-  EXPECT_TRUE(is_yes("Y"));
-  EXPECT_FALSE(is_yes("no"));
-  EXPECT_FALSE(is_yes(""));
 }
 
 }  // namespace

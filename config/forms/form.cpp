@@ -107,7 +107,7 @@ void Form::load_field(std::size_t i) {
       break;
     case FieldKind::kCheck:
     case FieldKind::kRadioYes:
-      texts_[i] = yes_no(is_yes(ini::get_string(section, f.key, f.fallback, kValueSize, file_)));
+      texts_[i] = yes_no(ini::is_yes(ini::get_string(section, f.key, f.fallback, kValueSize, file_)));
       break;
     case FieldKind::kLocation:
       texts_[i] = iequals(ini::get_string(section, f.key, "", kValueSize, file_), "Right")

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "jmd/engine/lru_list.h"
 #include "jmd/engine/report.h"
 
 namespace px::engine {
@@ -32,8 +33,7 @@ struct CacheState {
   bool reserved = false;
   std::array<int, kCacheBuckets> buckets{};
   int free_head = -1;
-  int lru_head = -1;  // most recently used
-  int lru_tail = -1;  // least recently used
+  LruList<CacheEntry> lru;
   int in_use = 0;
   block_cache::Counters counters;
   std::vector<std::pair<long, int>> flush_order;  // reused by flush
@@ -73,24 +73,6 @@ int find(const VList& list, long block, int bucket) {
     if (c.at(i).owner == &list && c.at(i).block == block) return i;
   }
   return -1;
-}
-
-void lru_unlink(int i) {
-  CacheState& c = cache();
-  CacheEntry& e = c.at(i);
-  if (e.lru_prev >= 0) c.at(e.lru_prev).lru_next = e.lru_next; else c.lru_head = e.lru_next;
-  if (e.lru_next >= 0) c.at(e.lru_next).lru_prev = e.lru_prev; else c.lru_tail = e.lru_prev;
-  e.lru_prev = e.lru_next = -1;
-}
-
-void lru_push_front(int i) {
-  CacheState& c = cache();
-  CacheEntry& e = c.at(i);
-  e.lru_prev = -1;
-  e.lru_next = c.lru_head;
-  if (c.lru_head >= 0) c.at(c.lru_head).lru_prev = i;
-  c.lru_head = i;
-  if (c.lru_tail < 0) c.lru_tail = i;
 }
 
 void bucket_push(int i, int bucket) {
@@ -270,7 +252,7 @@ bool write_back(int i) {
 void detach(int i) {
   CacheState& c = cache();
   bucket_unlink(i, bucket_in(*c.at(i).owner, c.at(i).block));
-  lru_unlink(i);
+  c.lru.unlink(c.entries, i);
 }
 
 }  // namespace
@@ -284,7 +266,7 @@ int BlockCache::claim(VList& list, long block) {
   if (i == -2) return -1;
   if (i < 0) i = allocate();
   if (i < 0) {
-    i = c.lru_tail;
+    i = c.lru.least_recent();
     if (i < 0) return -1;
     CacheEntry& victim = c.at(i);
     if (victim.dirty && !write_back(i)) return -1;
@@ -305,7 +287,7 @@ int BlockCache::claim(VList& list, long block) {
   e.owner_next = list.cache_head_;
   if (list.cache_head_ >= 0) c.at(list.cache_head_).owner_prev = i;
   list.cache_head_ = i;
-  lru_push_front(i);
+  c.lru.push_front(c.entries, i);
   ++c.in_use;
   ++c.counters.loads;
   return i;
@@ -346,10 +328,7 @@ CacheEntry* BlockCache::fetch(VList& list, long block, bool whole) {
   int i = find(list, block, bucket_in(list, block));
   if (i >= 0) {
     ++c.counters.hits;
-    if (c.lru_head != i) {
-      lru_unlink(i);
-      lru_push_front(i);
-    }
+    c.lru.touch(c.entries, i);
     return &c.at(i);
   }
   i = claim(list, block);

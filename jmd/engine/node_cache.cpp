@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "jmd/engine/lru_list.h"
+
 namespace px::engine {
 
 namespace {
@@ -28,8 +30,7 @@ struct CacheState {
   std::vector<BTreeNode> nodes;   // the copies, parallel to slots
   std::vector<int> buckets;       // a power of two, at least twice the capacity
   int unused_head = -1;
-  int lru_head = -1;
-  int lru_tail = -1;
+  LruList<Slot> lru;
   int in_use = 0;
   // The slots find() gave last, by the low bits of the node number: a tree's
   // work asks for the same few nodes (its root, the inner nodes and the leaf
@@ -82,24 +83,6 @@ int find_slot(const BTree* owner, int32_t n) {
   return -1;
 }
 
-void lru_unlink(int i) {
-  CacheState& c = g_cache;
-  Slot& s = c.slot(i);
-  if (s.lru_prev >= 0) c.slot(s.lru_prev).lru_next = s.lru_next; else c.lru_head = s.lru_next;
-  if (s.lru_next >= 0) c.slot(s.lru_next).lru_prev = s.lru_prev; else c.lru_tail = s.lru_prev;
-  s.lru_prev = s.lru_next = -1;
-}
-
-void lru_push_front(int i) {
-  CacheState& c = g_cache;
-  Slot& s = c.slot(i);
-  s.lru_prev = -1;
-  s.lru_next = c.lru_head;
-  if (c.lru_head >= 0) c.slot(c.lru_head).lru_prev = i;
-  c.lru_head = i;
-  if (c.lru_tail < 0) c.lru_tail = i;
-}
-
 void bucket_unlink(int i) {
   CacheState& c = g_cache;
   Slot& s = c.slot(i);
@@ -113,7 +96,7 @@ void bucket_unlink(int i) {
 void release(int i) {
   CacheState& c = g_cache;
   bucket_unlink(i);
-  lru_unlink(i);
+  c.lru.unlink(c.slots, i);
   Slot& s = c.slot(i);
   s.owner = nullptr;
   s.dirty = false;
@@ -133,10 +116,7 @@ BTreeNode* NodeCache::find(const BTree& tree, int32_t n) {
     if (i < 0) return nullptr;
     memo = i;
   }
-  if (c.lru_head != i) {
-    lru_unlink(i);
-    lru_push_front(i);
-  }
+  c.lru.touch(c.slots, i);
   return &c.nodes[static_cast<size_t>(i)];
 }
 
@@ -151,7 +131,7 @@ BTreeNode* NodeCache::claim(BTree& tree, int32_t n, int line) {
     c.nodes.emplace_back();
     i = static_cast<int>(c.slots.size()) - 1;
   } else {
-    i = c.lru_tail;
+    i = c.lru.least_recent();
     if (i < 0) return nullptr;
     Slot& victim = c.slot(i);
     // The owner is a tree that is open: a tree gives its slots back when it
@@ -170,7 +150,7 @@ BTreeNode* NodeCache::claim(BTree& tree, int32_t n, int line) {
   size_t b = bucket_of(&tree, n);
   s.hash_next = c.buckets[b];
   c.buckets[b] = i;
-  lru_push_front(i);
+  c.lru.push_front(c.slots, i);
   ++c.in_use;
   return &c.nodes[static_cast<size_t>(i)];
 }

@@ -355,7 +355,7 @@ tk::Window open_text_window(const std::shared_ptr<TextView>& view, long app_valu
 }
 
 // Dialog 113: the processes by name, the first selected; OK or a double
-// click chooses one.
+// click chooses one. The list is empty when only the E-mail Agent is listed.
 class ChooseProcess : public tk::DialogBase {
  public:
   ChooseProcess(const ViewHost& host, const std::vector<LogProcess>& processes)
@@ -377,8 +377,10 @@ class ChooseProcess : public tk::DialogBase {
       return;
     }
     int row = dialog.control(tk::kLogProcessList).selected();
-    if (row < 0) return;
-    chosen = processes_[static_cast<size_t>(row)].section;
+    // OK with no process to choose (the list can be empty) closes the
+    // dialog; a double click beside the rows does nothing.
+    if (row < 0 && e.control != tk::kOk) return;
+    if (row >= 0) chosen = processes_[static_cast<size_t>(row)].section;
     dialog.destroy();
   }
 
@@ -433,12 +435,17 @@ tk::Window open_reject_file(const ViewHost& host, bool email, const std::string&
 void open_server_log(const ViewHost& host) {
   host.toolkit.show_busy_cursor();
   auto logs = log_processes(current_instance().config_file, host.op);
-  if (!logs || logs->processes.empty()) return;
-  if (logs->processes.size() == 1) {
-    open_process_log(host, logs->processes[0].section);
-    return;
+  if (!logs) return;
+  switch (log_opening(*logs)) {
+    case LogOpening::kNothing:
+      return;
+    case LogOpening::kOnly:
+      open_process_log(host, logs->processes[0].section);
+      return;
+    case LogOpening::kChoice:
+      if (auto section = choose_process(host, logs->processes)) open_process_log(host, *section);
+      return;
   }
-  if (auto section = choose_process(host, logs->processes)) open_process_log(host, *section);
 }
 
 }  // namespace px::views

@@ -544,6 +544,32 @@ TEST_F(ViewWindowsTest, SeveralProcessesAskWhichLogToShow) {
   EXPECT_EQ(tk.open_windows().size(), 1u);
 }
 
+TEST_F(ViewWindowsTest, OnlyTheAgentListedOffersAnEmptyChoice) {
+  install("", "[Processes]\nPXEMIO=Agent\n");
+  dir.write("logs/server.log", "serving\n");
+  bool asked = false;
+  tk.on_dialog(tk::kLogProcessDialog, [&](tk::Window d) {
+    asked = true;
+    tk::Control list = d.control(tk::kLogProcessList);
+    EXPECT_TRUE(rows_of(list).empty());
+    EXPECT_EQ(list.selected(), -1);
+    tk.click(d, tk::kOk);  // nothing to choose: the dialog closes
+    EXPECT_FALSE(d.exists());
+  });
+  open_server_log(host);
+  EXPECT_TRUE(asked);
+  EXPECT_TRUE(tk.open_windows().empty());
+  EXPECT_TRUE(op.shown().empty());
+
+  // Without the server's log there is nothing to choose from: no dialog.
+  install("", "[Processes]\nPXEMIO=Agent\n");
+  ASSERT_TRUE(ini::write_string("Plexar", "LogFile", std::nullopt, config));
+  ini::flush_cache();
+  open_server_log(host);
+  EXPECT_TRUE(tk.open_windows().empty());
+  EXPECT_TRUE(op.shown().empty());
+}
+
 // Every entry under root with what a write, a new file, a rename or a
 // change of its attributes would change (not the access time).
 std::map<std::string, std::string> entries_under(const std::string& root) {
