@@ -11,8 +11,12 @@
 
 namespace {
 
-std::string_view take_word(std::string_view& data) {
-  size_t n = data.empty() ? 0 : static_cast<unsigned char>(data[0]) % 8;
+// A word of up to 7 characters; with long set in its length byte, of up to
+// 635, so that values reach past the writer's 255-character pieces and the
+// reader's 511-character lines.
+std::string_view take_word(std::string_view& data, bool may_be_long = false) {
+  unsigned char length_byte = data.empty() ? 0 : static_cast<unsigned char>(data[0]);
+  size_t n = may_be_long && (length_byte & 0x80) ? size_t{length_byte & 0x7fu} * 5 : length_byte % 8;
   data.remove_prefix(data.empty() ? 0 : 1);
   n = std::min(n, data.size());
   std::string_view word = data.substr(0, n);
@@ -35,7 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   std::string_view data(reinterpret_cast<const char*>(bytes), size);
   std::string_view section = take_word(data);
   std::string_view key = take_word(data);
-  std::string_view value = take_word(data);
+  std::string_view value = take_word(data, true);
   const px::Delimiters delims;
 
   (void)px::find_value(data, section, key, 1024, delims);
@@ -49,12 +53,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   (void)emptied;
 
   // A key set in a well-formed file must read back (when the section is not
-  // shadowed by lines the writer sees differently from the reader).
+  // shadowed by lines the writer sees differently from the reader, and no
+  // line of the file is long enough for the reader to split it).
   bool clean = data.find('\0') == std::string_view::npos && data.find('\r') == std::string_view::npos &&
                data.find('[') == std::string_view::npos && data.find('=') == std::string_view::npos;
-  if (clean && plain(section) && plain(key) && plain(value) && data.size() < 200) {
+  if (clean && plain(section) && plain(key) && plain(value) && data.size() < 500 &&
+      px::unwritable_part({section, key, value}, delims) == px::Unwritable::kNone) {
     std::optional<std::string> back = px::find_value(set, section, key, 1024, delims);
     if (!back || *back != value) std::abort();
+    // Setting the same value again changes nothing: a long line is replaced
+    // whole, never leaving a tail behind.
+    if (px::rewrite_text(set, {section, key, value}, delims) != set) std::abort();
   }
 
   // Whatever unwritable_part accepts reads back from a file of its own (a
