@@ -129,6 +129,37 @@ TEST_F(PxctlJmdEditTest, StepAndJobEditsKeepTheStepOrder) {
                         "!m HP4 4096 \"four k\"\n");
 }
 
+// A quote, a TAB, "!", ";" and outer blanks typed through the commands come
+// back from the saved file as the dialogs stored them: show and a rewrite of
+// the file (save, which loads it again) give what the edits gave.
+TEST_F(PxctlJmdEditTest, HostileCharactersReadBackAsStored) {
+  ASSERT_EQ(jmd("edit-step", {"INVOICE", "1", "InFile=\"", "OutFile=\t", "OnErrorFlag=;",
+                              "LoadFlag=!", "Comment= a\"b\t "}).status, 0);
+  ASSERT_EQ(jmd("add-step", {"INVOICE", "TaskId=\"", "PrinterName= ;! ", "MDFName=\"\""}).status,
+            0);
+  ASSERT_EQ(jmd("add", {"tasks", "TaskId=!x", "TaskName=\t\"", "TaskParms=\"", "Comment=;"}).status,
+            0);
+  ASSERT_EQ(jmd("add", {"printers", "PrinterName=\"!", "PrinterId=a\tb", "Comment=\" "}).status, 0);
+  ASSERT_EQ(jmd("add", {"memory", "PrinterId=\"\"", "Comment= \" "}).status, 0);
+  std::string written = file();
+  EXPECT_NE(written.find("!f INVOICE LASER1 inv.mdf * 1 ! PXMERGE \"\" * ; \" a\"\"b \"\n"),
+            std::string::npos) << written;
+  EXPECT_NE(written.find("!f INVOICE ;! \"\"\"\" * 1 T \"\" * * C *\n"), std::string::npos)
+      << written;
+  EXPECT_NE(written.find("!x !x * \"\" \"\" ;\n"), std::string::npos) << written;
+  // Printer and memory comments are trimmed; a step's is kept as typed.
+  EXPECT_NE(written.find("!p \"\"\"!\" ab LPT1 * 50 \"\"\n"), std::string::npos) << written;
+  EXPECT_NE(written.find("!m \"\"\"\" 0 \"\"\n"), std::string::npos) << written;
+  EXPECT_EQ(jmd("show", {"steps", "INVOICE"}).out,
+            "PXMERGE   inv.mdf              LASER1   \n"
+            "PXMERGE   inv2.mdf             LASER2   \n"
+            "\"         \"\"                   ;!       \n");
+  EXPECT_EQ(jmd("check").status, 0);
+  std::string again = dir_.file("again.jmd");
+  ASSERT_EQ(pxctl({"jmd", "save", jmd_, again}).status, 0);
+  EXPECT_EQ(dir_.read("again.jmd"), written);
+}
+
 TEST_F(PxctlJmdEditTest, CheckWarnsOfStepsNamingWhatIsNotThere) {
   ASSERT_EQ(jmd("delete", {"printers", "LASER2"}).status, 0);
   ASSERT_EQ(jmd("add-step", {"INVOICE", "TaskId=NOTASK", "PrinterName=*"}).status, 0);
