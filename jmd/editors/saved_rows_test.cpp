@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <random>
 
+#include "jmd/editors/editor_messages.h"
 #include "jmd/editors/editor_test_support.h"
 #include "jmd/editors/jmd_editor.h"
 #include "jmd/jmd_schema.h"
@@ -43,6 +44,13 @@ std::vector<Rows> rows_read_back(const std::string& text) {
   return again.loaded() ? table_rows(again.editor()) : std::vector<Rows>();
 }
 
+RowForm typed_form(JmdEditor& editor, ListKind kind,
+                   const std::vector<std::pair<int, std::string>>& fields) {
+  RowForm form = editor.new_form(kind);
+  for (const auto& [control, text] : fields) form.type(control, text);
+  return form;
+}
+
 // Text of up to six characters from characters the file treats specially
 // (quote, white space, the line-key and comment marks, the empty mark), a
 // letter and a digit.
@@ -73,6 +81,35 @@ TEST(SavedRows, AQuoteOrATabTypedIntoAStepReadsBackAsTyped) {
   EXPECT_NE(saved.find(" T PXMERGE \"\" * C \"say \"\"hi\"\"there\"\n"), std::string::npos)
       << saved;
   EXPECT_EQ(rows_read_back(saved), held) << saved;
+}
+
+// Quotes are written twice, so long task texts can make a line longer than
+// the reader takes as one; its rest would be read as a line of its own (here
+// a printer row of its own).
+TEST(SavedRows, ATaskWhoseLineWouldBeSplitIsRefused) {
+  EditorFixture jmd;
+  JmdEditor& editor = jmd.editor();
+  // "!x LONG * PXMERGE \"" is 19 characters: the line's rest would start with "!p".
+  std::string options = std::string(186, 'b') + std::string(600, '"') + "!p EVIL x y z 1 *";
+  RowForm form = typed_form(editor, ListKind::kTasks, {{4, "LONG"}, {8, options}, {10, "lost"}});
+  OkResult refused = editor.ok(form);
+  EXPECT_EQ(refused.message, msg::kLineTooLong);
+  EXPECT_EQ(refused.focus, 8);
+  ASSERT_FALSE(jmd.op().shown().empty());
+  EXPECT_EQ(jmd.op().shown().back().args, (std::vector<std::string>{"LONG", "1428"}));
+  EXPECT_FALSE(editor.modified());
+  EXPECT_EQ(editor.find_row(ListKind::kTasks, "LONG"), 0);
+  // Up to the limit the line is whole, and reads back.
+  // "!x LONG * " 10, the program 255, " \"" 2, options 532 + 2 * 300, "\" lost" 6.
+  form.type(6, std::string(255, 'a'));
+  form.type(8, std::string(532, 'b') + std::string(300, '"'));
+  ASSERT_TRUE(editor.ok(form).accepted());
+  std::vector<Rows> held = table_rows(editor);
+  std::string saved = jmd.saved();
+  size_t end = saved.find(std::string(600, '"') + "\" lost\n");
+  ASSERT_NE(end, std::string::npos);
+  EXPECT_EQ(end + 600 + 6 - saved.rfind("\n!x LONG ", end), 1 + 1405u);
+  EXPECT_EQ(rows_read_back(saved), held);
 }
 
 TEST(SavedRows, RandomHostileTextInEveryDialogReadsBackTheSame) {
