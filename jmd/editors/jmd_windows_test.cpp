@@ -113,6 +113,35 @@ TEST_F(JmdWindowsTest, AThousandRowsShowNoPagingAndOneMoreShowsThePagingButtons)
   EXPECT_EQ(list.control(tk::kJmdList).count(), 1000);
 }
 
+// After a delete past the first 1000 rows the list shows the 500 rows before
+// the place of the deleted row and the rows from there; within the first
+// 1000 rows it shows the first page. A cut deletes the same way.
+TEST_F(JmdWindowsTest, ADeletePastTheFirstPageShowsFiveHundredRowsBeforeItsPlace) {
+  use_jmd(printers(1500));
+  tk::Window list = open(ListKind::kPrinters);
+  ASSERT_TRUE(tk.click(list, tk::kJmdNext));
+  tk.click_row(list, tk::kJmdList, 200);  // P01200
+  op.answer_next(0);
+  ASSERT_TRUE(tk.click(list, tk::kJmdDelete));
+  std::vector<std::string> shown = rows(list);
+  ASSERT_EQ(shown.size(), 799u);
+  EXPECT_EQ(shown.front().substr(0, 6), "P00700");
+  EXPECT_EQ(shown[500].substr(0, 6), "P01201");
+  EXPECT_EQ(list.control(tk::kJmdCount).text(), "701-1,499 of 1,499");
+  EXPECT_TRUE(list.control(tk::kJmdPrevious).enabled());
+  EXPECT_FALSE(list.control(tk::kJmdNext).enabled());
+
+  // P00999, the 1000th row, is on the first page.
+  tk.click_row(list, tk::kJmdList, 299);
+  ASSERT_TRUE(windows().edit_command(tk::kCmdCut));
+  shown = rows(list);
+  ASSERT_EQ(shown.size(), 1000u);
+  EXPECT_EQ(shown.front().substr(0, 6), "P00000");
+  EXPECT_EQ(shown.back().substr(0, 6), "P01000");
+  EXPECT_FALSE(list.control(tk::kJmdPrevious).enabled());
+  EXPECT_TRUE(list.control(tk::kJmdNext).enabled());
+}
+
 TEST_F(JmdWindowsTest, TheFilterNarrowsTheWholeTable) {
   use_jmd(printers(2500));
   tk::Window list = open(ListKind::kPrinters);
