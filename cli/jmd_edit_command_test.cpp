@@ -69,6 +69,9 @@ TEST_F(PxctlJmdEditTest, RefusedEditsShowTheirMessageAndLeaveTheFile) {
   EXPECT_EQ(jmd("edit", {"printers", "NOPE", "Priority=1"}).err, "[1500]no NOPE in printers\n");
   EXPECT_EQ(jmd("new-job", {"INVOICE"}).err, "[1502]job INVOICE exists\n");
   EXPECT_EQ(jmd("new-job", {"TWO\tWORDS"}).err, "[295]blank in TWO\tWORDS\n");
+  ProgramResult leading = jmd("new-job", {"  NEW"});
+  EXPECT_EQ(leading.status, 1);
+  EXPECT_EQ(leading.err.substr(0, 6), "[1501]");
   EXPECT_EQ(jmd("delete-step", {"INVOICE", "1", "3"}).err, "[1503]no step 3 of INVOICE (2 steps)\n");
   EXPECT_EQ(jmd("delete", {"tasks", "PXMERGE", "NOPE"}).status, 1);
   EXPECT_EQ(jmd("copy-job", {"INVOICE", "CHEQUE"}).status, 1);
