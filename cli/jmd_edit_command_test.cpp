@@ -163,6 +163,23 @@ TEST_F(PxctlJmdEditTest, HostileCharactersReadBackAsStored) {
   EXPECT_EQ(dir_.read("again.jmd"), written);
 }
 
+// Steps move within their page of 1000, as in the job window.
+TEST_F(PxctlJmdEditTest, AMoveAcrossTwoPagesOfStepsIsRefused) {
+  std::string text = kHead;
+  for (int i = 1; i <= 1001; ++i) text += "!f BIG * f" + std::to_string(i) + " * 1 T X N N C *\n";
+  dir_.write("jobs.jmd", text);
+  ProgramResult across = jmd("move-step", {"BIG", "1000", "1001", "down"});
+  EXPECT_EQ(across.status, 1);
+  EXPECT_EQ(across.err.substr(0, 6), "[1521]") << across.err;
+  EXPECT_EQ(jmd("move-step", {"BIG", "1001", "1002", "up"}).err,
+            "[1503]no step 1002 of BIG (1001 steps)\n");
+  EXPECT_EQ(file(), text);
+  EXPECT_EQ(jmd("move-step", {"BIG", "1001", "1001", "up"}).status, 0);
+  EXPECT_EQ(file(), text);  // the first step of its page
+  EXPECT_EQ(jmd("move-step", {"BIG", "999", "999", "down"}).status, 0);
+  EXPECT_NE(file().find("f1000 * 1 T X N N C *\n!f BIG * f999 "), std::string::npos);
+}
+
 TEST_F(PxctlJmdEditTest, CheckWarnsOfStepsNamingWhatIsNotThere) {
   ASSERT_EQ(jmd("delete", {"printers", "LASER2"}).status, 0);
   ASSERT_EQ(jmd("add-step", {"INVOICE", "TaskId=NOTASK", "PrinterName=*"}).status, 0);

@@ -45,5 +45,6 @@ inline constexpr int kMissingPrinter = 1507;    // @P1 job, @P2 step, @P3 printe
 inline constexpr int kMissingTask = 1508;       // @P1 job, @P2 step, @P3 task
 inline constexpr int kNothingToUndo = 1509;
 inline constexpr int kLineTooLong = 1520;       // @P1 the row's key, @P2 its line's length
+inline constexpr int kStepsOnTwoPages = 1521;   // @P1 first step, @P2 last step, @P3 job
 
 }  // namespace px::editors::msg
