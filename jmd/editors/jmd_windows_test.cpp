@@ -220,6 +220,39 @@ TEST_F(JmdWindowsTest, EditingAPriorityDropsWhatIsNotADigit) {
   EXPECT_NE(saved.find("!p LASER2 * LPT2 * 7 *\n"), std::string::npos) << saved;
 }
 
+// A quote typed as a flag is saved so that it reads back; a TAB is not taken.
+TEST_F(JmdWindowsTest, TheStepDialogsFlagsTakeAQuoteAndBeepAtATab) {
+  use_jmd(kSmallJmd);
+  tk::Window names = open(ListKind::kJobNames);
+  ASSERT_TRUE(tk.double_click_row(names, tk::kJmdList, 1));
+  tk::Window job = windows().window(ListKind::kSteps);
+  tk.activate(job);
+  tk.on_dialog(tk::kJobStepDialog, [&](tk::Window dialog) {
+    tk.replace_text(dialog, tk::kStepInFile, "");
+    tk.type(dialog, tk::kStepInFile, "\"");
+    int beeps = tk.beeps();
+    tk.replace_text(dialog, tk::kStepOutFile, "");
+    tk.type(dialog, tk::kStepOutFile, "\t");
+    EXPECT_EQ(dialog.control(tk::kStepOutFile).text(), "");
+    EXPECT_EQ(tk.beeps(), beeps + 1);
+    tk.click(dialog, tk::kOk);
+  });
+  ASSERT_EQ(job.control(tk::kJmdList).selected_rows(), std::vector<int>{0});
+  ASSERT_TRUE(tk.click(job, tk::kJmdEdit));
+  ASSERT_TRUE(jmd_service().save(op));
+  std::string saved = dir.read("jobs.jmd");
+  EXPECT_NE(saved.find("!f INVOICE LASER1 inv.mdf * 1 T PXMERGE \"\" * C \"first step\"\n"),
+            std::string::npos)
+      << saved;
+  EditorFixture again(saved);
+  std::vector<long> steps = again.editor().job_steps("INVOICE");
+  ASSERT_EQ(steps.size(), 2u);
+  std::optional<RowForm> form = again.editor().edit_form(ListKind::kSteps, steps[0]);
+  ASSERT_TRUE(form);
+  EXPECT_EQ(form->text(tk::kStepInFile), "\"");
+  EXPECT_EQ(form->text(tk::kStepComment), "first step");
+}
+
 TEST_F(JmdWindowsTest, AJobOpensItsStepsAndNewStepsGoBeforeTheSelectedOne) {
   use_jmd(kSmallJmd);
   tk::Window names = open(ListKind::kJobNames);
