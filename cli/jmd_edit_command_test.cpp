@@ -69,6 +69,9 @@ TEST_F(PxctlJmdEditTest, RefusedEditsShowTheirMessageAndLeaveTheFile) {
   EXPECT_EQ(jmd("edit", {"printers", "NOPE", "Priority=1"}).err, "[1500]no NOPE in printers\n");
   EXPECT_EQ(jmd("new-job", {"INVOICE"}).err, "[1502]job INVOICE exists\n");
   EXPECT_EQ(jmd("new-job", {"TWO\tWORDS"}).err, "[295]blank in TWO\tWORDS\n");
+  ProgramResult leading = jmd("new-job", {"  NEW"});
+  EXPECT_EQ(leading.status, 1);
+  EXPECT_EQ(leading.err.substr(0, 6), "[1501]");
   EXPECT_EQ(jmd("delete-step", {"INVOICE", "1", "3"}).err, "[1503]no step 3 of INVOICE (2 steps)\n");
   EXPECT_EQ(jmd("delete", {"tasks", "PXMERGE", "NOPE"}).status, 1);
   EXPECT_EQ(jmd("copy-job", {"INVOICE", "CHEQUE"}).status, 1);
@@ -127,6 +130,54 @@ TEST_F(PxctlJmdEditTest, StepAndJobEditsKeepTheStepOrder) {
                         "!p LASER2 * LPT2 * 50 *\n"
                         "!x PXMERGE WClass pxmerge.exe * *\n"
                         "!m HP4 4096 \"four k\"\n");
+}
+
+// A quote, a TAB, "!", ";" and outer blanks typed through the commands come
+// back from the saved file as the dialogs stored them: show and a rewrite of
+// the file (save, which loads it again) give what the edits gave.
+TEST_F(PxctlJmdEditTest, HostileCharactersReadBackAsStored) {
+  ASSERT_EQ(jmd("edit-step", {"INVOICE", "1", "InFile=\"", "OutFile=\t", "OnErrorFlag=;",
+                              "LoadFlag=!", "Comment= a\"b\t "}).status, 0);
+  ASSERT_EQ(jmd("add-step", {"INVOICE", "TaskId=\"", "PrinterName= ;! ", "MDFName=\"\""}).status,
+            0);
+  ASSERT_EQ(jmd("add", {"tasks", "TaskId=!x", "TaskName=\t\"", "TaskParms=\"", "Comment=;"}).status,
+            0);
+  ASSERT_EQ(jmd("add", {"printers", "PrinterName=\"!", "PrinterId=a\tb", "Comment=\" "}).status, 0);
+  ASSERT_EQ(jmd("add", {"memory", "PrinterId=\"\"", "Comment= \" "}).status, 0);
+  std::string written = file();
+  EXPECT_NE(written.find("!f INVOICE LASER1 inv.mdf * 1 ! PXMERGE \"\" * ; \" a\"\"b \"\n"),
+            std::string::npos) << written;
+  EXPECT_NE(written.find("!f INVOICE ;! \"\"\"\" * 1 T \"\" * * C *\n"), std::string::npos)
+      << written;
+  EXPECT_NE(written.find("!x !x * \"\" \"\" ;\n"), std::string::npos) << written;
+  // Printer and memory comments are trimmed; a step's is kept as typed.
+  EXPECT_NE(written.find("!p \"\"\"!\" ab LPT1 * 50 \"\"\n"), std::string::npos) << written;
+  EXPECT_NE(written.find("!m \"\"\"\" 0 \"\"\n"), std::string::npos) << written;
+  EXPECT_EQ(jmd("show", {"steps", "INVOICE"}).out,
+            "PXMERGE   inv.mdf              LASER1   \n"
+            "PXMERGE   inv2.mdf             LASER2   \n"
+            "\"         \"\"                   ;!       \n");
+  EXPECT_EQ(jmd("check").status, 0);
+  std::string again = dir_.file("again.jmd");
+  ASSERT_EQ(pxctl({"jmd", "save", jmd_, again}).status, 0);
+  EXPECT_EQ(dir_.read("again.jmd"), written);
+}
+
+// Steps move within their page of 1000, as in the job window.
+TEST_F(PxctlJmdEditTest, AMoveAcrossTwoPagesOfStepsIsRefused) {
+  std::string text = kHead;
+  for (int i = 1; i <= 1001; ++i) text += "!f BIG * f" + std::to_string(i) + " * 1 T X N N C *\n";
+  dir_.write("jobs.jmd", text);
+  ProgramResult across = jmd("move-step", {"BIG", "1000", "1001", "down"});
+  EXPECT_EQ(across.status, 1);
+  EXPECT_EQ(across.err.substr(0, 6), "[1521]") << across.err;
+  EXPECT_EQ(jmd("move-step", {"BIG", "1001", "1002", "up"}).err,
+            "[1503]no step 1002 of BIG (1001 steps)\n");
+  EXPECT_EQ(file(), text);
+  EXPECT_EQ(jmd("move-step", {"BIG", "1001", "1001", "up"}).status, 0);
+  EXPECT_EQ(file(), text);  // the first step of its page
+  EXPECT_EQ(jmd("move-step", {"BIG", "999", "999", "down"}).status, 0);
+  EXPECT_NE(file().find("f1000 * 1 T X N N C *\n!f BIG * f999 "), std::string::npos);
 }
 
 TEST_F(PxctlJmdEditTest, CheckWarnsOfStepsNamingWhatIsNotThere) {

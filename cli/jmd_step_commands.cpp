@@ -109,8 +109,7 @@ int jmd_move_step(const std::vector<std::string>& w) {
     // The block moves within the page of 1000 steps that holds it.
     long page_first = (*first - 1) / editors::kPageSize * editors::kPageSize;
     if (*last - 1 >= page_first + editors::kPageSize) {
-      op.show(editors::msg::kNoSuchStep, {std::to_string(*last), job,
-                                          std::to_string(steps.size())});
+      op.show(editors::msg::kStepsOnTwoPages, {std::to_string(*first), std::to_string(*last), job});
       return kExitFailed;
     }
     auto page_begin = steps.begin() + page_first;

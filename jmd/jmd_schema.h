@@ -34,7 +34,11 @@
 // Written, each field follows exactly one blank: "*" for an empty string or a
 // NUL character (and read back as "*": the empty value is not restored), a
 // string holding a blank or a double quote inside double quotes with its
-// quotes doubled, any other string as it stands, integers in decimal.
+// quotes doubled (but a string of quotes alone just doubled: "" is read as
+// one quote even where a token starts), any other string as it stands (a TAB
+// too, which the reader then takes for a separator: the editors never store
+// one), a character as it stands unless it is white space (inside quotes) or
+// a quote (doubled), integers in decimal.
 //
 // The file written is the header line; then per table (job, printer, task,
 // managed memory) its title lines (keys "!f1", "!f2", ... of section Titles

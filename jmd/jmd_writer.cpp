@@ -23,6 +23,12 @@ bool needs_quotes(std::string_view value) {
 void append_string(std::string& out, std::string_view value) {
   if (value.empty()) {
     out += kEmptyMark;
+  } else if (value.find_first_not_of('"') == std::string_view::npos) {
+    // Quotes alone: the reader takes two quotes in a row for one quote
+    // wherever they stand, so inside quotes the opening and closing quotes
+    // would pair with the doubled ones and read back as one quote more.
+    // Doubled without quotes round them, they read back as they were.
+    out.append(2 * value.size(), '"');
   } else if (!needs_quotes(value)) {
     out += value;
   } else {
@@ -39,6 +45,24 @@ void append_string(std::string& out, std::string_view value) {
   }
 }
 
+// A character the reader would take for a separator or a quote: a blank or
+// other white space inside quotes, a quote doubled (as a string of quotes),
+// so that the reader's quote rules give it back.
+// (A line break ends the line whatever the quotes; no edit stores one.)
+bool is_separator_or_quote(char c) {
+  return c == '"' || c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
+}
+
+void append_character(std::string& out, char c) {
+  if (c == '\0') {
+    out += kEmptyMark;
+  } else if (!is_separator_or_quote(c)) {
+    out += c;
+  } else {
+    out += c == '"' ? std::string(2, '"') : std::string{'"', c, '"'};
+  }
+}
+
 void append_integer(std::string& out, int32_t value) {
   char digits[16];
   auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
@@ -52,15 +76,9 @@ void append_fields(std::string& out, const TableSchema& schema, std::span<const 
     const FieldDef& field = schema.fields[i];
     out += ' ';
     switch (field.type) {
-      case kTypeCharacter: {
-        char c = char_field(record, field);
-        if (c == '\0') {
-          out += kEmptyMark;
-        } else {
-          out += c;
-        }
+      case kTypeCharacter:
+        append_character(out, char_field(record, field));
         break;
-      }
       case kTypeInteger:
       case kTypeLong:
         append_integer(out, int_field(record, field));

@@ -44,5 +44,7 @@ inline constexpr int kFileNotWritten = 1506;    // @P1 the JMD file
 inline constexpr int kMissingPrinter = 1507;    // @P1 job, @P2 step, @P3 printer
 inline constexpr int kMissingTask = 1508;       // @P1 job, @P2 step, @P3 task
 inline constexpr int kNothingToUndo = 1509;
+inline constexpr int kLineTooLong = 1520;       // @P1 the row's key, @P2 its line's length
+inline constexpr int kStepsOnTwoPages = 1521;   // @P1 first step, @P2 last step, @P3 job
 
 }  // namespace px::editors::msg

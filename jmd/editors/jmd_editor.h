@@ -94,8 +94,9 @@ class JmdEditor {
                    std::optional<size_t> before);
 
   // The "New Job Name" dialog's OK: the name read (cut to 51 characters,
-  // trimmed) and checked. 0 and name set when accepted; else kJobNameEmpty
-  // (an empty name or one starting with a blank: the dialog shows nothing),
+  // trailing blanks dropped) and checked. 0 and name set when accepted; else
+  // kJobNameEmpty (an empty name or one starting with a blank: the dialog
+  // shows nothing),
   // kJobNameHasBlank (shown), or kJobExists (shown).
   int check_new_job_name(std::string_view typed, std::string& name);
   // Lists a new job name in the job-names list; its entry, 0 on failure.

@@ -180,18 +180,24 @@ TEST(Steps, NewStepGoesBeforeTheSelectedOneAndMovesSwapNeighbours) {
   EXPECT_LT(saved.find("mid.mdf"), saved.find(" inv.mdf"));
 }
 
-TEST(JobNames, NewNamesAreTrimmedAndRefusedWithBlanksOrWhenTheJobExists) {
+TEST(JobNames, NewNamesLoseTrailingBlanksAndAreRefusedWithOtherBlanksOrWhenTheJobExists) {
   EditorFixture jmd;
   JmdEditor& editor = jmd.editor();
   std::string name;
   EXPECT_EQ(editor.check_new_job_name("   ", name), msg::kJobNameEmpty);
+  // A leading blank is not dropped: the name is not taken, and nothing shown.
+  EXPECT_EQ(editor.check_new_job_name("  NEW", name), msg::kJobNameEmpty);
+  EXPECT_EQ(editor.check_new_job_name(" NEW ", name), msg::kJobNameEmpty);
   EXPECT_EQ(editor.check_new_job_name("TWO WORDS", name), msg::kJobNameHasBlank);
   EXPECT_EQ(editor.check_new_job_name("TWO\tWORDS", name), msg::kJobNameHasBlank);
   // A line break would split the saved line.
   EXPECT_EQ(editor.check_new_job_name("TWO\nWORDS", name), msg::kJobNameHasBlank);
   EXPECT_EQ(editor.check_new_job_name("invoice", name), msg::kJobExists);
-  EXPECT_EQ(editor.check_new_job_name("  NEW  ", name), 0);
+  EXPECT_EQ(editor.check_new_job_name("NEW  ", name), 0);
   EXPECT_EQ(name, "NEW");
+  // The blanks after the 51st character are cut with it.
+  EXPECT_EQ(editor.check_new_job_name(std::string(50, 'J') + " X", name), 0);
+  EXPECT_EQ(name, std::string(50, 'J'));
   EXPECT_EQ(jmd.op().numbers(), (std::vector<int>{msg::kJobNameHasBlank, msg::kJobNameHasBlank,
                                                   msg::kJobNameHasBlank, msg::kJobExists}));
 }

@@ -113,6 +113,35 @@ TEST_F(JmdWindowsTest, AThousandRowsShowNoPagingAndOneMoreShowsThePagingButtons)
   EXPECT_EQ(list.control(tk::kJmdList).count(), 1000);
 }
 
+// After a delete past the first 1000 rows the list shows the 500 rows before
+// the place of the deleted row and the rows from there; within the first
+// 1000 rows it shows the first page. A cut deletes the same way.
+TEST_F(JmdWindowsTest, ADeletePastTheFirstPageShowsFiveHundredRowsBeforeItsPlace) {
+  use_jmd(printers(1500));
+  tk::Window list = open(ListKind::kPrinters);
+  ASSERT_TRUE(tk.click(list, tk::kJmdNext));
+  tk.click_row(list, tk::kJmdList, 200);  // P01200
+  op.answer_next(0);
+  ASSERT_TRUE(tk.click(list, tk::kJmdDelete));
+  std::vector<std::string> shown = rows(list);
+  ASSERT_EQ(shown.size(), 799u);
+  EXPECT_EQ(shown.front().substr(0, 6), "P00700");
+  EXPECT_EQ(shown[500].substr(0, 6), "P01201");
+  EXPECT_EQ(list.control(tk::kJmdCount).text(), "701-1,499 of 1,499");
+  EXPECT_TRUE(list.control(tk::kJmdPrevious).enabled());
+  EXPECT_FALSE(list.control(tk::kJmdNext).enabled());
+
+  // P00999, the 1000th row, is on the first page.
+  tk.click_row(list, tk::kJmdList, 299);
+  ASSERT_TRUE(windows().edit_command(tk::kCmdCut));
+  shown = rows(list);
+  ASSERT_EQ(shown.size(), 1000u);
+  EXPECT_EQ(shown.front().substr(0, 6), "P00000");
+  EXPECT_EQ(shown.back().substr(0, 6), "P01000");
+  EXPECT_FALSE(list.control(tk::kJmdPrevious).enabled());
+  EXPECT_TRUE(list.control(tk::kJmdNext).enabled());
+}
+
 TEST_F(JmdWindowsTest, TheFilterNarrowsTheWholeTable) {
   use_jmd(printers(2500));
   tk::Window list = open(ListKind::kPrinters);
@@ -189,6 +218,39 @@ TEST_F(JmdWindowsTest, EditingAPriorityDropsWhatIsNotADigit) {
   EXPECT_EQ(list.control(tk::kJmdList).selected(), 1);
   std::string saved = jmd_service().save(op) ? dir.read("jobs.jmd") : "";
   EXPECT_NE(saved.find("!p LASER2 * LPT2 * 7 *\n"), std::string::npos) << saved;
+}
+
+// A quote typed as a flag is saved so that it reads back; a TAB is not taken.
+TEST_F(JmdWindowsTest, TheStepDialogsFlagsTakeAQuoteAndBeepAtATab) {
+  use_jmd(kSmallJmd);
+  tk::Window names = open(ListKind::kJobNames);
+  ASSERT_TRUE(tk.double_click_row(names, tk::kJmdList, 1));
+  tk::Window job = windows().window(ListKind::kSteps);
+  tk.activate(job);
+  tk.on_dialog(tk::kJobStepDialog, [&](tk::Window dialog) {
+    tk.replace_text(dialog, tk::kStepInFile, "");
+    tk.type(dialog, tk::kStepInFile, "\"");
+    int beeps = tk.beeps();
+    tk.replace_text(dialog, tk::kStepOutFile, "");
+    tk.type(dialog, tk::kStepOutFile, "\t");
+    EXPECT_EQ(dialog.control(tk::kStepOutFile).text(), "");
+    EXPECT_EQ(tk.beeps(), beeps + 1);
+    tk.click(dialog, tk::kOk);
+  });
+  ASSERT_EQ(job.control(tk::kJmdList).selected_rows(), std::vector<int>{0});
+  ASSERT_TRUE(tk.click(job, tk::kJmdEdit));
+  ASSERT_TRUE(jmd_service().save(op));
+  std::string saved = dir.read("jobs.jmd");
+  EXPECT_NE(saved.find("!f INVOICE LASER1 inv.mdf * 1 T PXMERGE \"\" * C \"first step\"\n"),
+            std::string::npos)
+      << saved;
+  EditorFixture again(saved);
+  std::vector<long> steps = again.editor().job_steps("INVOICE");
+  ASSERT_EQ(steps.size(), 2u);
+  std::optional<RowForm> form = again.editor().edit_form(ListKind::kSteps, steps[0]);
+  ASSERT_TRUE(form);
+  EXPECT_EQ(form->text(tk::kStepInFile), "\"");
+  EXPECT_EQ(form->text(tk::kStepComment), "first step");
 }
 
 TEST_F(JmdWindowsTest, AJobOpensItsStepsAndNewStepsGoBeforeTheSelectedOne) {

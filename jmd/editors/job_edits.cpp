@@ -106,8 +106,10 @@ bool JmdEditor::job_exists(const std::string& job) {
 }
 
 int JmdEditor::check_new_job_name(std::string_view typed, std::string& name) {
-  std::string_view cut = typed.substr(0, std::min(typed.size(), kJobNameLongest));
-  std::string_view candidate = trim_blanks(cut);
+  // Blanks after the name are dropped; a blank before it is not: such a
+  // name is not taken, like an empty one.
+  std::string_view candidate = typed.substr(0, std::min(typed.size(), kJobNameLongest));
+  candidate = candidate.substr(0, candidate.find_last_not_of(' ') + 1);
   if (candidate.empty() || candidate.front() == ' ') return msg::kJobNameEmpty;
   // A blank or a tab, or any other character that separates words in the
   // JMD file (a line break cannot be typed in the dialog, but pxctl takes

@@ -53,6 +53,11 @@ bool ListWindow::create() {
 engine::Table* ListWindow::table() { return owner_.editor().table(kind()); }
 
 void ListWindow::refill() {
+  reload();
+  fill();
+}
+
+void ListWindow::reload() {
   // A JMD or job-names list that cannot be had was reported by the service;
   // the list stays empty.
   JmdEditor& editor = owner_.editor();
@@ -61,6 +66,11 @@ void ListWindow::refill() {
   if (available && !editor.reload(list_)) {
     editor.op().show(msg::kInternalError, {"'pxcjmd', line " + std::to_string(__LINE__)});
   }
+}
+
+void ListWindow::refill_after_delete(long first_deleted, long total_before) {
+  reload();
+  list_.show_after_delete(first_deleted, total_before);
   fill();
 }
 
@@ -232,8 +242,10 @@ void ListWindow::delete_selected(bool ask) {
                  kDeleteAnswer) {
     return;
   }
+  long first = list_.page_first() + selected_lines().front();
+  long total = list_.total();
   editor.delete_rows(kind(), rows);
-  refill();
+  refill_after_delete(first, total);
   references_changed();
 }
 
@@ -274,8 +286,10 @@ void ListWindow::cut_or_copy(bool cut) {
   std::vector<long> rows = selected_rows();
   if (rows.empty() || (kind() != ListKind::kSteps && rows.size() != 1)) return;
   if (cut && read_only_mode()) return;
+  long first = list_.page_first() + selected_lines().front();
+  long total = list_.total();
   if (owner_.editor().copy(kind(), rows, cut) && cut) {
-    refill();
+    refill_after_delete(first, total);
     references_changed();
   }
   update_controls();

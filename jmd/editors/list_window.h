@@ -26,6 +26,8 @@ class ListWindow {
 
   // Reads the rows again and fills the page.
   void refill();
+  // Reads the rows again (a failure shown), without filling the page.
+  void reload();
   // The Edit menu's acts on this window.
   void cut_or_copy(bool cut);
   void paste();
@@ -48,6 +50,9 @@ class ListWindow {
   std::vector<long> selected_rows() const;
   engine::Table* table();
   void edit_selected();
+  // Reads the rows again after selected rows were deleted and shows the page
+  // the list finds from the place of the first of them.
+  void refill_after_delete(long first_deleted, long total_before);
   void new_row();
   void move(bool up);
   void select_steps(long first_index, long count);

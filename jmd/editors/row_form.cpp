@@ -48,6 +48,9 @@ constexpr std::array<FieldRule, 11> kStepRules = {{
 
 const std::string kNoText;
 
+// White space other than the blank.
+constexpr std::string_view kUnwritable = "\t\n\v\f\r";
+
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
 }  // namespace
@@ -71,6 +74,17 @@ std::string_view trim_blanks(std::string_view text) {
 
 Typed apply_change(const FieldRule& rule, std::string_view changed) {
   Typed typed{std::string(changed), 0, 0};
+  // A TAB or a line break would end the value's word in the JMD file, which
+  // writes such a string as it stands: the field does not take one.
+  size_t kept = 0;
+  for (char c : typed.text) {
+    if (kUnwritable.find(c) == std::string_view::npos) typed.text[kept++] = c;
+  }
+  if (kept < typed.text.size()) {
+    typed.caret_back += static_cast<int>(typed.text.size() - kept);
+    typed.text.resize(kept);
+    ++typed.beeps;
+  }
   if (typed.text.size() > rule.longest) {
     typed.text.resize(rule.longest);
     ++typed.beeps;

@@ -12,8 +12,9 @@
 //                   13 OnErrorFlag 1, 15 MDFName 81, 17 PreambleName 81,
 //                   19 PrinterName 9, 22 MacroNum 9, 24 LoadFlag 1, 26 Comment 81
 //
-// Every change of a field cuts its text back to its longest length (a beep
-// when it was longer). A digits field then also drops the first character
+// Every change of a field drops a TAB or line break (white space other than
+// the blank, which the JMD file cannot carry in a value; a beep), then cuts
+// its text back to its longest length (a beep when it was longer). A digits field then also drops the first character
 // that is not a digit (a minus sign may stand first), with a beep.
 #pragma once
 

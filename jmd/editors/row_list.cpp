@@ -129,6 +129,12 @@ void RowList::show_page_of(long index) {
   show_from(index < kPageSize ? 0 : index / kPageSize * kPageSize);
 }
 
+void RowList::show_after_delete(long first_deleted, long total_before) {
+  if (total_before <= kPageSize && total() <= kPageSize) return;
+  constexpr long kRowsBefore = kPageSize / 2;
+  show_from(first_deleted >= kPageSize ? first_deleted - kRowsBefore : 0);
+}
+
 std::vector<std::string> RowList::page_lines(const jmd::JobNames& names) const {
   std::vector<std::string> lines(static_cast<size_t>(shown()));
   std::span<const long> rows = page();

@@ -69,6 +69,12 @@ class RowList {
   void show_from(long first);
   // Shows the page of 1000 rows that holds the row of index index.
   void show_page_of(long index);
+  // After rows were deleted and the rows read again: when the list held more
+  // than 1000 rows before (total_before) or holds more now, the page is
+  // found again from the index the first deleted row had. Past the first
+  // 1000 rows the page starts 500 rows before that place; within them it is
+  // the first page. A list of at most 1000 rows keeps its page.
+  void show_after_delete(long first_deleted, long total_before);
 
   // The lines of the page (without the trailing empty row).
   std::vector<std::string> page_lines(engine::Table& table) const;

@@ -6,6 +6,7 @@
 #include "jmd/editors/editor_messages.h"
 #include "jmd/editors/jmd_editor.h"
 #include "jmd/jmd_schema.h"
+#include "jmd/jmd_writer.h"
 
 namespace px::editors {
 
@@ -93,9 +94,22 @@ OkResult JmdEditor::ok(const RowForm& form, long row) {
 }
 
 // Stores record as a new row, or over row in Edit mode; a refused unique key
-// gives duplicate_message.
+// gives duplicate_message. A record whose line in the file would be longer
+// than the reader takes at a time is refused: the reader would split it, and
+// its rest would be read as a line of its own (a quote is written twice, so
+// a task's texts can pass the limit).
 OkResult JmdEditor::store(engine::Table& table, const RowForm& form, long row,
                           const Record& record, const std::string& key, int duplicate_message) {
+  const jmd::TableSchema& schema = jmd::table_schema(table_slot(form.kind()));
+  size_t length = jmd::record_line(schema, record).size() - 1;
+  if (length > jmd::kLineLimit) {
+    const FieldRule* longest = &form.rules().front();
+    for (const FieldRule& rule : form.rules()) {
+      if (rule.longest > longest->longest) longest = &rule;
+    }
+    return refuse(msg::kLineTooLong, longest->control, {key, std::to_string(length)});
+  }
+  set_modified();
   OkResult result;
   result.key = key;
   result.row = form.mode() == FormMode::kEdit ? (update(table, row, record) ? row : 0)
@@ -130,7 +144,6 @@ OkResult JmdEditor::ok_task(const RowForm& form, long row) {
   set_text(slot, record, "TaskName", program.empty() ? kDefaultProgram : program);
   set_text(slot, record, "TaskParms", trimmed(form, 8));
   set_text(slot, record, "Comment", trimmed(form, 10));
-  set_modified();
   return store(*tasks, form, row, record, id, msg::kTaskExists);
 }
 
@@ -156,7 +169,6 @@ OkResult JmdEditor::ok_printer(const RowForm& form, long row) {
   set_number(slot, record, "Priority",
              priority.empty() ? kDefaultPriority : static_cast<int32_t>(parse_long(priority)));
   set_text(slot, record, "Comment", trimmed(form, 16));
-  set_modified();
   return store(*printers, form, row, record, name, msg::kPrinterExists);
 }
 
@@ -175,7 +187,6 @@ OkResult JmdEditor::ok_memory(const RowForm& form, long row) {
   set_text(slot, record, "PrinterId", id);
   set_number(slot, record, "Amount", parse_int(trimmed(form, 6)));
   set_text(slot, record, "Comment", trimmed(form, 8));
-  set_modified();
   return store(*memory, form, row, record, id, msg::kMemoryIdExists);
 }
 
