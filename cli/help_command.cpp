@@ -11,6 +11,10 @@ namespace {
 
 const char* const kSummary =
     "Usage: pxctl [-a options] [@file] [--instance NAME] COMMAND ...\n"
+    "       pxctl [-a options] [@file] COMMAND ... --instance NAME ...\n"
+    "\n"
+    "--instance NAME goes before the command word, or once among its words;\n"
+    "not among the words of ini, msg, args and jmd, which are their own.\n"
     "\n"
     "Commands:\n"
     "  ini get FILE SECTION KEY [DEFAULT]   print a value of an INI file\n"
