@@ -16,28 +16,20 @@ namespace {
 
 int error_of(int result) { return result == 0 ? 0 : errno; }
 
-int open_retrying(const std::string& path, int flags, mode_t mode) {
-  int fd;
-  do {
-    fd = ::open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY, mode);
-  } while (fd < 0 && errno == EINTR);
-  return fd;
-}
-
 // Opens path for writing without blocking on a FIFO or a device, making it
 // when missing and create is set.
 int open_for_lock(const std::string& path, bool create, UniqueFd& file, bool& created) {
   constexpr int kFlags = O_WRONLY | O_NONBLOCK;
   created = false;
   if (create) {
-    file.reset(open_retrying(path, kFlags | O_CREAT | O_EXCL, 0666));
+    file = open_file(path, kFlags | O_CREAT | O_EXCL, 0666);
     if (file.valid()) {
       created = true;
       return 0;
     }
     if (errno != EEXIST) return errno;
   }
-  file.reset(open_retrying(path, kFlags, 0));
+  file = open_file(path, kFlags);
   return file.valid() ? 0 : errno;
 }
 
@@ -48,7 +40,7 @@ bool same_file(const struct stat& a, const struct stat& b) {
 class SystemFileSystem : public FileSystem {
  public:
   int create(const std::string& path, mode_t mode, UniqueFd& file) override {
-    file.reset(open_retrying(path, O_WRONLY | O_CREAT | O_EXCL, mode));
+    file = open_file(path, O_WRONLY | O_CREAT | O_EXCL, mode);
     return file.valid() ? 0 : errno;
   }
 
@@ -56,11 +48,7 @@ class SystemFileSystem : public FileSystem {
 
   int sync(int fd) override { return error_of(::fsync(fd)); }
 
-  int close(UniqueFd& file) override {
-    int fd = file.get();
-    file.release();
-    return fd < 0 ? 0 : error_of(::close(fd));
-  }
+  int close(UniqueFd& file) override { return file.close(); }
 
   int rename(const std::string& from, const std::string& to) override {
     return error_of(std::rename(from.c_str(), to.c_str()));
@@ -75,7 +63,7 @@ class SystemFileSystem : public FileSystem {
   }
 
   int sync_directory(const std::string& directory) override {
-    UniqueFd dir(open_retrying(directory.empty() ? "." : directory, O_RDONLY | O_DIRECTORY, 0));
+    UniqueFd dir = open_file(directory.empty() ? "." : directory, O_RDONLY | O_DIRECTORY);
     if (!dir.valid()) return errno;
     return error_of(::fsync(dir.get()));
   }

@@ -19,37 +19,6 @@ namespace {
 
 constexpr size_t npos = std::string_view::npos;
 
-// Owns a file descriptor and closes it when it goes out of scope.
-class FileDescriptor {
- public:
-  explicit FileDescriptor(int fd) : fd_(fd) {}
-  FileDescriptor(const FileDescriptor&) = delete;
-  FileDescriptor& operator=(const FileDescriptor&) = delete;
-  ~FileDescriptor() { close(); }
-
-  bool valid() const { return fd_ >= 0; }
-  int get() const { return fd_; }
-
-  // Closes now; false when close reports an error (a late write error shows
-  // up here on some file systems).
-  bool close() {
-    int fd = fd_;
-    fd_ = -1;
-    return fd < 0 || ::close(fd) == 0;
-  }
-
- private:
-  int fd_;
-};
-
-int open_file(const std::string& path, int flags, mode_t mode = 0) {
-  int fd;
-  do {
-    fd = ::open(path.c_str(), flags | O_CLOEXEC, mode);
-  } while (fd < 0 && errno == EINTR);
-  return fd;
-}
-
 // Calls sink with each block read from fd until end of file.
 template <typename Sink>
 bool read_blocks(int fd, Sink sink) {
@@ -186,7 +155,7 @@ bool move_file(const std::string& from, const std::string& to) {
 }
 
 bool copy_file(const std::string& from, const std::string& to) {
-  FileDescriptor source(open_file(from, O_RDONLY));
+  UniqueFd source = open_file(from, O_RDONLY);
   struct stat from_stat;
   if (!source.valid() || ::fstat(source.get(), &from_stat) != 0 || S_ISDIR(from_stat.st_mode)) {
     return false;
@@ -195,12 +164,12 @@ bool copy_file(const std::string& from, const std::string& to) {
   struct stat to_stat;
   if (::stat(to.c_str(), &to_stat) == 0 && same_file(from_stat, to_stat)) return false;
 
-  FileDescriptor target(open_file(to, O_WRONLY | O_CREAT | O_TRUNC, from_stat.st_mode & 07777));
+  UniqueFd target = open_file(to, O_WRONLY | O_CREAT | O_TRUNC, from_stat.st_mode & 07777);
   if (!target.valid()) return false;
   bool copied = read_blocks(source.get(), [&](std::string_view block) {
     return write_all(target.get(), block) == 0;
   });
-  return copied && target.close();
+  return copied && target.close() == 0;
 }
 
 std::string temp_directory() {
@@ -218,9 +187,7 @@ std::optional<std::string> temp_name(std::string_view directory, std::string_vie
     char number[16];
     std::snprintf(number, sizeof number, "%X", next_temp_number());
     std::string path = join_path(stem + number + ".tmp", folder);
-    int fd = open_file(path, O_WRONLY | O_CREAT | O_EXCL, 0600);
-    if (fd >= 0) {
-      ::close(fd);
+    if (open_file(path, O_WRONLY | O_CREAT | O_EXCL, 0600).valid()) {
       ::unlink(path.c_str());
       return path;
     }
@@ -254,10 +221,18 @@ std::optional<std::string> unique_name(std::string_view directory, std::string_v
                   letter);
     std::string name = ext.empty() ? std::string(buffer) : add_extension(buffer, ext);
     name = join_path(name, directory);
-    FileDescriptor probe(open_file(name, O_RDONLY));
+    UniqueFd probe = open_file(name, O_RDONLY);
     if (!probe.valid()) return name;
   }
   return std::nullopt;
+}
+
+UniqueFd open_file(const std::string& path, int flags, mode_t mode) {
+  int fd;
+  do {
+    fd = ::open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY, mode);
+  } while (fd < 0 && errno == EINTR);
+  return UniqueFd(fd);
 }
 
 std::optional<std::string> read_file(const std::string& path) {
@@ -265,14 +240,14 @@ std::optional<std::string> read_file(const std::string& path) {
 }
 
 bool write_output_file(const std::string& path, std::string_view text, bool append) {
-  int flags = O_WRONLY | O_CREAT | O_NONBLOCK | O_NOCTTY | (append ? O_APPEND : O_TRUNC);
-  FileDescriptor out(open_file(path, flags, 0666));
+  int flags = O_WRONLY | O_CREAT | O_NONBLOCK | (append ? O_APPEND : O_TRUNC);
+  UniqueFd out = open_file(path, flags, 0666);
   if (!out.valid()) return false;
   // Open now; a pipe's writes wait for its reader as usual.
   int status = ::fcntl(out.get(), F_GETFL);
   if (status == -1 || ::fcntl(out.get(), F_SETFL, status & ~O_NONBLOCK) == -1) return false;
   bool written = write_all(out.get(), text) == 0;
-  return out.close() && written;
+  return out.close() == 0 && written;
 }
 
 int write_all(int fd, std::string_view data) {

@@ -5,9 +5,13 @@
 // systems still split where they should.
 #pragma once
 
+#include <sys/types.h>
+
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "common/unique_fd.h"
 
 namespace px {
 
@@ -89,6 +93,12 @@ std::optional<std::string> temp_name_with_extension(std::string_view directory,
 // joined to directory when given. nullopt after 26 names that all exist.
 std::optional<std::string> unique_name(std::string_view directory, std::string_view prefix,
                                        std::string_view ext);
+
+// Opens path with open(2), adding O_CLOEXEC (no child program inherits it)
+// and O_NOCTTY (a terminal never becomes the controlling one), and opens
+// again when a signal interrupts the call. Every open of the runtime goes
+// through here. An invalid descriptor with errno set when it fails.
+UniqueFd open_file(const std::string& path, int flags, mode_t mode = 0);
 
 // Reads a whole file in binary; nullopt when it cannot be opened or read.
 // Only regular files are read (see readable_file.h).

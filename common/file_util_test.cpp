@@ -2,10 +2,13 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <optional>
@@ -178,6 +181,56 @@ TEST_F(FileUtilTest, OutputFilesAreAppendedOrReplacedAndAFifoNeverBlocks) {
   EXPECT_EQ(::read(reader, buffer, sizeof buffer), 4);
   EXPECT_EQ(std::string(buffer), "read");
   ::close(reader);
+}
+
+// Opened files are kept from child programs; a failed open leaves its errno;
+// closing reports what close said, once.
+TEST_F(FileUtilTest, OpenedFilesAreNotInheritedAndCloseSaysWhyNot) {
+  const std::string path = dir_.file("new");
+  UniqueFd file = open_file(path, O_WRONLY | O_CREAT | O_EXCL, 0600);
+  ASSERT_TRUE(file.valid());
+  EXPECT_NE(::fcntl(file.get(), F_GETFD) & FD_CLOEXEC, 0);
+  EXPECT_EQ(file.close(), 0);
+  EXPECT_FALSE(file.valid());
+  EXPECT_EQ(file.close(), 0);  // nothing held any more
+
+  EXPECT_FALSE(open_file(path, O_WRONLY | O_CREAT | O_EXCL, 0600).valid());
+  EXPECT_EQ(errno, EEXIST);
+
+  UniqueFd stale(::dup(STDIN_FILENO));
+  ASSERT_TRUE(stale.valid());
+  ::close(stale.get());  // closed behind its owner's back
+  EXPECT_EQ(stale.close(), EBADF);
+}
+
+void ignore_signal(int) {}
+
+// A signal that arrives while an open waits (here for a FIFO's writer) does
+// not make the open fail.
+TEST_F(FileUtilTest, OpenGoesOnAfterASignal) {
+  const std::string fifo = dir_.file("fifo");
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  struct sigaction action = {};
+  struct sigaction old = {};
+  action.sa_handler = ignore_signal;  // no SA_RESTART: the open sees EINTR
+  ASSERT_EQ(::sigaction(SIGUSR1, &action, &old), 0);
+  const pthread_t opener = ::pthread_self();
+  std::atomic<bool> writer_opened = false;
+  std::thread writer([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    ::pthread_kill(opener, SIGUSR1);
+    // The writer end opens without waiting only while a reader waits.
+    for (int tries = 0; tries < 200 && !writer_opened; ++tries) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+      UniqueFd end(::open(fifo.c_str(), O_WRONLY | O_NONBLOCK));
+      writer_opened = end.valid();
+    }
+  });
+  UniqueFd reader = open_file(fifo, O_RDONLY);
+  writer.join();
+  ::sigaction(SIGUSR1, &old, nullptr);
+  EXPECT_TRUE(reader.valid());
+  EXPECT_TRUE(writer_opened);
 }
 
 // More than a pipe holds goes through whole, in as many writes as the

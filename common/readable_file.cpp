@@ -3,7 +3,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include <cerrno>
+#include "common/file_util.h"
 
 namespace px {
 
@@ -16,11 +16,7 @@ bool is_regular(const struct stat& info) { return S_ISREG(info.st_mode); }
 UniqueFd open_for_reading(const std::string& path) {
   struct stat info;
   if (path.empty() || ::stat(path.c_str(), &info) != 0 || !is_regular(info)) return UniqueFd();
-  int fd;
-  do {
-    fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-  } while (fd < 0 && errno == EINTR);
-  UniqueFd file(fd);
+  UniqueFd file = open_file(path, O_RDONLY | O_NONBLOCK);
   if (!file.valid() || ::fstat(file.get(), &info) != 0 || !is_regular(info)) return UniqueFd();
   int flags = ::fcntl(file.get(), F_GETFL);
   if (flags < 0 || ::fcntl(file.get(), F_SETFL, flags & ~O_NONBLOCK) != 0) return UniqueFd();

@@ -4,6 +4,7 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <utility>
 
 namespace px {
@@ -25,6 +26,12 @@ class UniqueFd {
   bool valid() const { return fd_ >= 0; }
   // Gives up ownership: returns the descriptor and holds none.
   int release() { return std::exchange(fd_, -1); }
+  // Closes the descriptor now: 0, or the errno of close (a late write error
+  // shows up here on some file systems). Holds none afterwards either way.
+  int close() {
+    int fd = release();
+    return fd < 0 || ::close(fd) == 0 ? 0 : errno;
+  }
   // Closes the descriptor held and takes fd instead.
   void reset(int fd = -1) {
     if (fd_ >= 0) ::close(fd_);
