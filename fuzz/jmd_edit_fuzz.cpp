@@ -2,10 +2,9 @@
 // row dialog and its mode, the rest is typed into its fields (one line per
 // field, each key a change), then OK validates and stores. A second part is
 // taken as a raw record and formatted as every list kind's line. Typed
-// fields never pass their longest length, a stored row is found and undo
-// takes it back, and every line has its exact width.
-#include <unistd.h>
-
+// fields never pass their longest length, a stored row is found, a save and
+// a fresh load give back every row the editor held, undo takes the row back,
+// and every line has its exact width.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -16,8 +15,11 @@
 #include <vector>
 
 #include "config/recording_operator.h"
+#include "fuzz/fuzz_file.h"
 #include "jmd/editors/jmd_file.h"
+#include "jmd/editors/table_rows.h"
 #include "jmd/jmd_schema.h"
+#include "jmd/jmd_writer.h"
 
 namespace {
 
@@ -30,25 +32,42 @@ px::RecordingOperator& op() {
   return recorder;
 }
 
+// The directory of the JMD edited and of its saved copies.
+const px::fuzz::ScratchFile& scratch() {
+  static px::fuzz::ScratchFile file("jobs.jmd");
+  return file;
+}
+
 px::editors::JmdFile& jmd() {
   static std::unique_ptr<px::editors::JmdFile> file = [] {
-    char name[] = "/tmp/jmd_edit_fuzz.XXXXXX";
-    int fd = mkstemp(name);
-    if (fd < 0) std::abort();
-    std::string text =
+    std::string_view text =
         "# Plexar Job Management Database (JMD) file\n"
         "!f INVOICE LASER1 inv.mdf * 1 T PXMERGE N N C *\n"
         "!p LASER1 HP4 LPT1 * 50 *\n"
         "!x PXMERGE WClass pxmerge.exe * *\n"
         "!m HP4 4096 *\n";
-    if (write(fd, text.data(), text.size()) != static_cast<ssize_t>(text.size())) std::abort();
-    close(fd);
-    auto loaded = std::make_unique<px::editors::JmdFile>(name, op());
+    scratch().write(reinterpret_cast<const uint8_t*>(text.data()), text.size());
+    auto loaded = std::make_unique<px::editors::JmdFile>(scratch().path(), op());
     if (!loaded->load()) std::abort();
-    unlink(name);
     return loaded;
   }();
   return *file;
+}
+
+// What the rules stored must survive the file: saved, then loaded afresh, the
+// JMD holds the same rows as the editor. The copy is written beside the JMD
+// by the writer the console saves with; saving the JMD itself would leave
+// nothing to undo.
+void check_saved_rows() {
+  px::editors::JmdEditor& editor = jmd().editor();
+  px::jmd::Jmd* database = editor.service().jmd();
+  if (database == nullptr) std::abort();
+  const std::string copy = scratch().directory() + "/saved.jmd";
+  if (!px::jmd::save_jmd(*database, copy)) std::abort();
+  px::editors::JmdFile again(copy, op());
+  if (!again.load() || px::editors::table_rows(again.editor()) != px::editors::table_rows(editor)) {
+    std::abort();
+  }
 }
 
 // Line widths of the kinds; a memory line is wider when its amount has more
@@ -85,6 +104,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     // The step's job is the one typed into its first field.
     px::editors::OkResult stored = editor.ok_step(form, 0, editor.job_steps("FUZZ"), std::nullopt);
     if (stored.accepted()) {
+      check_saved_rows();
       size_t steps = editor.job_steps(stored.key).size();
       if (steps == 0 || !editor.undo()) std::abort();
       if (editor.job_steps(stored.key).size() != steps - 1) std::abort();
@@ -94,6 +114,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     bool keyed = kind != ListKind::kMemory;
     px::editors::OkResult stored = editor.ok(form);
     if (stored.accepted()) {
+      check_saved_rows();
       if ((keyed && editor.find_row(kind, stored.key) == 0) || !editor.undo()) std::abort();
       if (keyed && editor.find_row(kind, stored.key) != 0) std::abort();
     }

@@ -9,34 +9,13 @@
 #include "jmd/editors/editor_messages.h"
 #include "jmd/editors/editor_test_support.h"
 #include "jmd/editors/jmd_editor.h"
+#include "jmd/editors/table_rows.h"
 #include "jmd/jmd_schema.h"
 
 namespace px::editors {
 namespace {
 
-using Rows = std::vector<std::vector<std::string>>;
-
-// Every row of every table, each field as text (an empty one as "*").
-std::vector<Rows> table_rows(JmdEditor& editor) {
-  std::vector<Rows> tables;
-  jmd::Jmd* database = editor.service().open(editor.op());
-  if (database == nullptr) return tables;
-  for (int slot = 0; slot < jmd::kTableCount; ++slot) {
-    const jmd::TableSchema& schema = jmd::table_schema(slot);
-    Rows& rows = tables.emplace_back();
-    jmd::for_each_sorted(*database, slot, [&](std::span<const char> record) {
-      std::vector<std::string>& fields = rows.emplace_back();
-      for (size_t i = 1; i < schema.fields.size(); ++i) {
-        std::string text = jmd::field_text(record, schema.fields[i]);
-        fields.push_back(text.empty() ? std::string(jmd::kEmptyMark) : text);
-      }
-      return true;
-    });
-    // An empty key read back as "*" may sort elsewhere.
-    std::sort(rows.begin(), rows.end());
-  }
-  return tables;
-}
+using Rows = std::vector<TextRow>;
 
 // The rows of the file as a fresh load reads them.
 std::vector<Rows> rows_read_back(const std::string& text) {
