@@ -2,16 +2,16 @@
 // by AuditLog in section Options of the console's INI file), a record a
 // line as the file holds them; with --since only the records from TIME on.
 // A log not written yet prints nothing.
-#include <unistd.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <string>
 
 #include "cli/cli.h"
 #include "common/ini_profile.h"
+#include "common/readable_file.h"
 #include "config/audit_log.h"
 
 namespace px::cli {
@@ -19,6 +19,14 @@ namespace px::cli {
 namespace {
 
 const char* const kSynopsis = "pxctl audit [--since TIME]  (TIME: YYYY-MM-DD[THH:MM[:SS]][Z])";
+
+// True when line is printed: every line, or with since the records from
+// that time on.
+bool shown(const std::string& line, std::optional<std::time_t> since) {
+  if (!since) return true;
+  std::optional<AuditRecord> record = parse_audit_line(line);
+  return record && record->time >= *since;
+}
 
 }  // namespace
 
@@ -36,21 +44,36 @@ int run_audit(const Invocation& call) {
     report(msg::kAuditNotKept, {ini::default_file()});
     return kExitFailed;
   }
-  if (::access(file.c_str(), F_OK) != 0 && errno == ENOENT) return kExitOk;  // nothing recorded yet
-  std::ifstream in(file, std::ios::binary);
+  ReadStream in = open_stream_for_reading(file);
   if (!in) {
-    report(msg::kAuditNotRead, {file, std::strerror(errno)});
+    int error = errno;  // why a regular file did not open
+    struct stat info {};
+    if (::stat(file.c_str(), &info) != 0) {
+      if (errno == ENOENT) return kExitOk;  // nothing recorded yet
+      error = errno;
+    } else if (S_ISDIR(info.st_mode)) {
+      error = EISDIR;
+    } else if (!S_ISREG(info.st_mode)) {
+      error = EINVAL;  // only a regular file is read: a FIFO would block, a device never end
+    }
+    report(msg::kAuditNotRead, {file, std::strerror(error)});
     return kExitFailed;
   }
-  for (std::string line; std::getline(in, line);) {
-    if (since) {
-      std::optional<AuditRecord> record = parse_audit_line(line);
-      if (!record || record->time < *since) continue;
+  std::string line;
+  int c;
+  do {
+    c = std::fgetc(in.get());
+    if (c != EOF && c != '\n') {
+      line += static_cast<char>(c);
+    } else if (c == '\n' || !line.empty()) {
+      if (shown(line, since)) {
+        std::fwrite(line.data(), 1, line.size(), stdout);
+        std::fputc('\n', stdout);
+      }
+      line.clear();
     }
-    std::fwrite(line.data(), 1, line.size(), stdout);
-    std::fputc('\n', stdout);
-  }
-  if (in.bad()) {
+  } while (c != EOF);
+  if (std::ferror(in.get())) {
     report(msg::kAuditNotRead, {file, std::strerror(errno)});
     return kExitFailed;
   }

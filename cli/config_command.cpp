@@ -126,7 +126,10 @@ int show(const forms::Form& form) {
 
 int set(forms::Form& form, const Request& request, ControlSession& session) {
   for (const auto& [key, value] : request.assignments) {
-    if (!assign(form, key, value)) return usage_error("config set " + key, kSynopsis);
+    if (!assign(form, key, value)) {
+      session.hand_over();  // a usage error is no action
+      return usage_error("config set " + key, kSynopsis);
+    }
   }
   if (request.dry_run) {
     if (std::optional<forms::Refusal> refusal = form.check()) {
@@ -139,7 +142,8 @@ int set(forms::Form& form, const Request& request, ControlSession& session) {
     }
     return kExitOk;
   }
-  OperatorAction action(session.op(), form.action(), session.instance().name);
+  session.hand_over();  // the form's own action takes over
+  OperatorAction action(session.console(), form.action(), session.instance().name);
   if (!action.permitted()) return kExitFailed;
   if (std::optional<forms::Refusal> refusal = form.check()) {
     action.op().show(refusal->message, refusal->args);
@@ -164,12 +168,20 @@ int set(forms::Form& form, const Request& request, ControlSession& session) {
 int run_config(const Invocation& call) {
   Request request;
   if (!parse(call.words, request)) return usage_error("config", kSynopsis);
-  ControlSession session(call);
+  // A set that writes is an action from the start: refused at once in
+  // read-only mode, and recorded when the process cannot be configured.
+  std::string action;
+  if (request.action == "set" && !request.dry_run) {
+    action = "config set " + request.process;
+    if (!request.form_name.empty()) action += " " + request.form_name;
+  }
+  ControlSession session(call, action);
   if (!session.ready()) return kExitFailed;
   std::optional<forms::ProcessEditor> editor = locate(request, session);
   if (!editor) return kExitFailed;
   const forms::FormDef* def = forms::find_form(editor->key, request.form_name);
   if (def == nullptr) {
+    session.hand_over();  // a usage error is no action
     return usage_error("config " + request.process + " " + request.form_name, kSynopsis);
   }
   forms::Form form(*def, editor->ini_file);

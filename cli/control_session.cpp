@@ -6,12 +6,38 @@
 
 namespace px::cli {
 
-ControlSession::ControlSession(const Invocation& call) {
+namespace {
+
+// The instance a command means, for its audit record before it is selected:
+// the one asked for, or the default (the first of the install file).
+std::string meant_instance(const Invocation& call) {
+  if (!call.instance.empty()) return call.instance;
+  InstanceEnumerator instances;
+  Instance first;
+  if (!instances.begin()) return {};
+  bool found = instances.next(first);
+  instances.end();
+  return found ? first.name : std::string();
+}
+
+}  // namespace
+
+ControlSession::ControlSession(const Invocation& call, std::string action) {
+  if (!action.empty()) {
+    pending_.emplace(op_, std::move(action), meant_instance(call));
+    if (!pending_->permitted()) return;
+  }
   if (!call.instance.empty()) {
-    ready_ = select_instance(call.instance, op_);
+    ready_ = select_instance(call.instance, op());
     return;
   }
-  ready_ = select_default_instance(op_) > 0 && current_instance().config_file.size() >= 2;
+  ready_ = select_default_instance(op()) > 0 && current_instance().config_file.size() >= 2;
+}
+
+Operator& ControlSession::op() { return pending_ ? pending_->op() : op_; }
+
+void ControlSession::hand_over() {
+  if (pending_) pending_->hand_over();
 }
 
 const Instance& ControlSession::instance() const { return current_instance(); }
@@ -29,8 +55,9 @@ int exit_status(Outcome outcome) {
 int run_plain_control(const Invocation& call, const char* synopsis,
                       Outcome (*run)(const ControlContext&)) {
   if (!call.words.empty()) return usage_error(call.command, synopsis);
-  ControlSession session(call);
+  ControlSession session(call, call.command);
   if (!session.ready()) return kExitFailed;
+  session.hand_over();
   return exit_status(run(session.context()));
 }
 

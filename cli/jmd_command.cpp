@@ -25,17 +25,6 @@ constexpr int kMsgJmdWriteFailed = 910;
 
 const char* const kSynopsis = kJmdSynopsis;
 
-// Messages go to stderr as the console would show them; trace texts only to
-// the log.
-class StderrReporter : public jmd::Reporter {
- public:
-  void message(int n, const std::vector<std::string>& args) override { report(n, args); }
-  void trace(std::string_view text) override { log_.trace(text); }
-
- private:
-  jmd::LogReporter log_;
-};
-
 int slot_named(const std::string& word) {
   if (word == "jobs") return jmd::kJobTable;
   if (word == "printers") return jmd::kPrinterTable;
@@ -68,7 +57,9 @@ int jmd_save(const std::vector<std::string>& w) {
   ConsoleOperator op;
   OperatorAction gate(op, "jmd save " + w[2], "");
   if (!gate.permitted()) return kExitFailed;
-  StderrReporter reporter;
+  // The load's messages go through the action, so a failed load is
+  // recorded with its message.
+  editors::OperatorReporter reporter(gate.op());
   std::unique_ptr<jmd::Jmd> jmd = jmd::load_jmd(w[1], reporter);
   if (!jmd) return kExitFailed;
   // OUT is replaced crash-safely, so it may be IN itself: IN is whole in
@@ -87,7 +78,8 @@ int jmd_save(const std::vector<std::string>& w) {
 int jmd_list(const std::vector<std::string>& w) {
   int slot = w.size() == 3 ? slot_named(w[2]) : -1;
   if (slot < 0) return usage_error("jmd list", kSynopsis);
-  StderrReporter reporter;
+  ConsoleOperator op;
+  editors::OperatorReporter reporter(op);
   std::unique_ptr<jmd::Jmd> jmd = jmd::load_jmd(w[1], reporter);
   if (!jmd) return kExitFailed;
   const jmd::TableSchema& schema = jmd::table_schema(slot);

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <sstream>
+#include <vector>
 
 #include "cli/pxctl_test_fixture.h"
 #include "common/file_util.h"
@@ -110,6 +112,28 @@ TEST_F(PxctlJmdTest, FailuresShowTheirMessage) {
   ProgramResult usage = pxctl({"jmd", "list", jmd_, "queues"});
   EXPECT_EQ(usage.status, 2);
   EXPECT_EQ(usage.err, "[901]bad use of jmd list\n");
+}
+
+// jmd save is an operator action: its record in the audit log carries the
+// number of the message that told the operator why it failed, whether the
+// load or the write failed.
+TEST_F(PxctlJmdTest, SaveRecordsTheMessageOfItsFailure) {
+  dir_.write("test.ini", dir_.read("test.ini") + "[Options]\nAuditLog=" + dir_.file("audit.log") + "\n");
+  std::string out = dir_.file("out.jmd");
+  EXPECT_EQ(pxctl({"jmd", "save", dir_.file("none.jmd"), out}).status, 1);
+  EXPECT_EQ(pxctl({"jmd", "save", dir_.write("bad.jmd", "[Section]\n"), out}).status, 1);
+  EXPECT_EQ(pxctl({"jmd", "save", jmd_, dir_.file("no/dir/out.jmd")}).status, 1);
+  EXPECT_EQ(pxctl({"jmd", "save", jmd_, out}).status, 0);
+  EXPECT_EQ(pxctl({"-aro", "jmd", "save", jmd_, out}).status, 1);
+  std::vector<std::string> outcomes;
+  std::istringstream log(dir_.read("audit.log"));
+  for (std::string line; std::getline(log, line);) {
+    size_t result = line.rfind('\t', line.rfind('\t') - 1);
+    outcomes.push_back(line.substr(result + 1));
+  }
+  EXPECT_EQ(outcomes, (std::vector<std::string>{"failed\t-386", "failed\t-384", "failed\t910",
+                                                 "done\t0", "refused\t1700"}));
+  EXPECT_FALSE(std::filesystem::exists(dir_.file("no/dir/out.jmd")));
 }
 
 // The demo installation's JMD is saved back byte for byte with the demo's

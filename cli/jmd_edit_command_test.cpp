@@ -193,30 +193,38 @@ TEST_F(PxctlJmdEditTest, CheckWarnsOfStepsNamingWhatIsNotThere) {
 }
 
 // Every editing command is an operator action: refused in read-only mode
-// with the file left as it was, and recorded in the audit log.
+// with the file left as it was, and recorded in the audit log under the
+// words that say what it changed (the list, the row's key, the job and its
+// step numbers), without the values typed into fields.
 TEST_F(PxctlJmdEditTest, EditsAreOperatorActions) {
-  const std::vector<std::pair<std::string, std::vector<std::string>>> edits = {
-      {"add", {"printers", "PrinterName=P9"}},
-      {"edit", {"printers", "LASER1", "Priority=7"}},
-      {"delete", {"tasks", "PXMERGE"}},
-      {"new-job", {"EMPTY"}},
-      {"add-step", {"INVOICE", "MDFName=x.mdf"}},
-      {"edit-step", {"INVOICE", "1", "MacroNum=3"}},
-      {"delete-step", {"INVOICE", "2"}},
-      {"move-step", {"INVOICE", "1", "1", "down"}},
-      {"copy-job", {"INVOICE", "COPY"}},
+  struct Edit {
+    std::string command;
+    std::vector<std::string> words;
+    std::string action;  // after "jmd COMMAND FILE"
   };
-  for (const auto& [command, words] : edits) {
-    std::vector<std::string> args = {"-aro", "jmd", command, jmd_};
-    args.insert(args.end(), words.begin(), words.end());
+  const std::vector<Edit> edits = {
+      {"add", {"printers", "PrinterName=P9"}, " printers"},
+      {"edit", {"printers", "LASER1", "Priority=7"}, " printers LASER1"},
+      {"delete", {"tasks", "PXMERGE"}, " tasks PXMERGE"},
+      {"new-job", {"EMPTY"}, " EMPTY"},
+      {"add-step", {"INVOICE", "--before", "2", "MDFName=x.mdf"}, " INVOICE --before 2"},
+      {"edit-step", {"INVOICE", "1", "MacroNum=3"}, " INVOICE 1"},
+      {"delete-step", {"INVOICE", "2"}, " INVOICE 2"},
+      {"move-step", {"INVOICE", "1", "1", "down"}, " INVOICE 1 1 down"},
+      {"copy-job", {"INVOICE", "COPY"}, " INVOICE COPY"},
+  };
+  auto action = [&](const Edit& edit) { return "jmd " + edit.command + " " + jmd_ + edit.action; };
+  for (const Edit& edit : edits) {
+    std::vector<std::string> args = {"-aro", "jmd", edit.command, jmd_};
+    args.insert(args.end(), edit.words.begin(), edit.words.end());
     ProgramResult refused = pxctl(args);
-    EXPECT_EQ(refused.status, 1) << command;
-    EXPECT_EQ(refused.err, "[1700]read-only: jmd " + command + " " + jmd_ + "\n");
+    EXPECT_EQ(refused.status, 1) << edit.command;
+    EXPECT_EQ(refused.err, "[1700]read-only: " + action(edit) + "\n");
   }
   EXPECT_EQ(file(), kJmd);
   EXPECT_EQ(jmd("add", {"printers", "PrinterName=P9", "PrinterId=Com3"}).status, 1);
-  for (const auto& [command, words] : edits) {
-    EXPECT_EQ(jmd(command, words).status, 0) << command;
+  for (const Edit& edit : edits) {
+    EXPECT_EQ(jmd(edit.command, edit.words).status, 0) << edit.command;
   }
   // Each record: time, user, host, program, instance, action, result, message.
   std::vector<std::string> records;
@@ -229,10 +237,11 @@ TEST_F(PxctlJmdEditTest, EditsAreOperatorActions) {
     records.push_back(fields[5] + " " + fields[6] + " " + fields[7]);
   }
   std::vector<std::string> expected;
-  for (const auto& edit : edits) expected.push_back("jmd " + edit.first + " " + jmd_ + " refused 1700");
-  expected.push_back("jmd add " + jmd_ + " failed 301");
-  for (const auto& edit : edits) expected.push_back("jmd " + edit.first + " " + jmd_ + " done 0");
+  for (const Edit& edit : edits) expected.push_back(action(edit) + " refused 1700");
+  expected.push_back("jmd add " + jmd_ + " printers failed 301");
+  for (const Edit& edit : edits) expected.push_back(action(edit) + " done 0");
   EXPECT_EQ(records, expected);
+  EXPECT_EQ(dir_.read("audit.log").find("P9"), std::string::npos);  // a typed value
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "cli/jmd_edit_support.h"
 
+#include <algorithm>
+
 #include "cli/cli.h"
 #include "cli/console_operator.h"
 #include "common/text.h"
@@ -76,10 +78,14 @@ std::optional<long> positive_number(const std::string& word) {
 }
 
 int edit_jmd_file(const std::vector<std::string>& w,
-                  const std::function<int(editors::JmdEditor& editor, Operator& op)>& edit) {
+                  const std::function<int(editors::JmdEditor& editor, Operator& op)>& edit,
+                  size_t values_from) {
   ConsoleOperator console;
-  // Named like the command that changes the file, without the values.
-  OperatorAction action(console, "jmd " + w[0] + " " + w[1], "");
+  // Named like the command that changes the file, without the values: the
+  // list, the row's key, the job and its steps say what was changed.
+  std::string name = "jmd";
+  for (size_t i = 0; i < std::min(values_from, w.size()); ++i) name += " " + w[i];
+  OperatorAction action(console, name, "");
   if (!action.permitted()) return kExitFailed;
   Operator& op = action.op();
   editors::JmdFile file(w[1], op);

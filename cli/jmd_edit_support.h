@@ -40,12 +40,15 @@ std::optional<long> positive_number(const std::string& word);
 
 // The change of a JMD file by the command of words w (w[0] the command,
 // w[1] the file), as one operator action (config/operator_action.h): refused
-// with exit 1 in read-only mode, and recorded in the audit log. Loads the
-// file (exit 1 after the load's messages), runs edit, and when it answers
+// with exit 1 in read-only mode, and recorded in the audit log. The action
+// is named "jmd" and the words before values_from (the COLUMN=VALUE words
+// from there on are values, which are never recorded). Loads the file
+// (exit 1 after the load's messages), runs edit, and when it answers
 // kExitOk writes the file back over itself (exit 1 when that fails). Any
 // other answer is returned with the file untouched.
 int edit_jmd_file(const std::vector<std::string>& w,
-                  const std::function<int(editors::JmdEditor& editor, Operator& op)>& edit);
+                  const std::function<int(editors::JmdEditor& editor, Operator& op)>& edit,
+                  size_t values_from = std::string::npos);
 
 // The steps of job, and the job's name as stored (its case) when it has any.
 std::vector<long> steps_of(editors::JmdEditor& editor, std::string& job);

@@ -39,7 +39,7 @@ int jmd_add(const std::vector<std::string>& w) {
     editors::RowForm form = editor.new_form(*kind);
     type_into(form, typing);
     return editor.ok(form).accepted() ? kExitOk : kExitFailed;
-  });
+  }, 3);
 }
 
 int jmd_edit(const std::vector<std::string>& w) {
@@ -56,7 +56,7 @@ int jmd_edit(const std::vector<std::string>& w) {
     if (!form) return kExitFailed;
     type_into(*form, typing);
     return editor.ok(*form, row).accepted() ? kExitOk : kExitFailed;
-  });
+  }, 4);
 }
 
 int jmd_delete(const std::vector<std::string>& w) {

@@ -8,10 +8,15 @@ namespace px::cli {
 
 int run_jmd_save(const Invocation& call) {
   if (!call.words.empty()) return usage_error("jmd-save", "pxctl [--instance NAME] jmd-save");
-  ControlSession session(call);
+  ControlSession session(call, "jmd-save");
   if (!session.ready()) return kExitFailed;
   JmdService& service = jmd_service();
-  bool saved = service.open(session.op()) != nullptr && service.save(session.op());
+  bool opened = service.open(session.op()) != nullptr;
+  bool saved = false;
+  if (opened) {
+    session.hand_over();  // the save is the action
+    saved = service.save(session.console());
+  }
   service.close();
   return saved ? kExitOk : kExitFailed;
 }

@@ -50,7 +50,7 @@ int jmd_add_step(const std::vector<std::string>& w) {
     std::optional<size_t> index;
     if (before) index = static_cast<size_t>(*before - 1);
     return editor.ok_step(form, 0, steps, index).accepted() ? kExitOk : kExitFailed;
-  });
+  }, first);
 }
 
 int jmd_edit_step(const std::vector<std::string>& w) {
@@ -70,7 +70,7 @@ int jmd_edit_step(const std::vector<std::string>& w) {
     type_into(*form, typing);
     return editor.ok_step(*form, rows->front(), steps, std::nullopt).accepted() ? kExitOk
                                                                                  : kExitFailed;
-  });
+  }, 4);
 }
 
 int jmd_delete_step(const std::vector<std::string>& w) {

@@ -11,9 +11,10 @@ int run_kick(const Invocation& call) {
   if (!call.words.empty() && !email) {
     return usage_error("kick", "pxctl [--instance NAME] kick [--email]");
   }
-  ControlSession session(call);
+  ControlSession session(call, email ? "kick --email" : "kick");
   if (!session.ready()) return kExitFailed;
-  OperatorAction gate(session.op(), email ? "kick --email" : "kick", session.instance().name);
+  session.hand_over();
+  OperatorAction gate(session.console(), email ? "kick --email" : "kick", session.instance().name);
   if (!gate.permitted()) return kExitFailed;
   if (!kick(session.instance().name, email, gate.op())) return kExitFailed;
   gate.finish(ActionResult::kDone);

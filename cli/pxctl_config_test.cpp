@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
+#include <sstream>
+#include <string>
+#include <vector>
 
 #include "cli/pxctl_test_fixture.h"
 #include "tests/support/file_size_limit.h"
@@ -302,6 +305,56 @@ TEST_F(PxctlConfigTest, UsageErrorsOfInstanceChangesAreNotAuditedAsActions) {
   // A well-formed edit still is one.
   EXPECT_EQ(pxctl({"instances", "edit", "north", "--title", "N"}).status, 0);
   EXPECT_NE(dir_.read("audit.log").find("instances edit north"), std::string::npos);
+}
+
+// A changing command that fails before it reaches its file or the server
+// (no such instance, an instance on another node, a process not offered)
+// is still an operator action: recorded as failed with its message, and in
+// read-only mode refused with 1700 before anything is looked at. A usage
+// error found on the way is none.
+TEST_F(PxctlConfigTest, ActionsThatFailEarlyAreAuditedAndReadOnlyRefusesThemFirst) {
+  std::string audit = dir_.file("audit.log");
+  dir_.write("test.ini", dir_.read("test.ini") + "[Options]\nAuditLog=" + audit + "\n");
+  std::string north = dir_.read("north.ini");
+  const std::vector<std::pair<std::vector<std::string>, int>> runs = {
+      {{"--instance", "far", "config", "set", "PXSERVER", "PauseTime=45"}, 1},
+      {{"config", "set", "NOSUCH", "PauseTime=45"}, 1},
+      {{"config", "set", "PXSERVER", "Bogus=1"}, 2},
+      {{"config", "set", "PXSERVER", "nosuchform", "PauseTime=1"}, 2},
+      {{"--instance", "ghost", "pause"}, 1},
+      {{"--instance", "ghost", "jmd-save"}, 1},
+      {{"--instance", "ghost", "kick"}, 1},
+      {{"--instance", "ghost", "reload-printer", "--all-printers", "--all-forms"}, 1},
+      {{"-aro", "--instance", "ghost", "start"}, 1},
+      {{"-aro", "--instance", "far", "config", "set", "PXSERVER", "PauseTime=45"}, 1},
+      {{"-aro", "stop-email"}, 1},
+  };
+  for (const auto& [words, status] : runs) {
+    ProgramResult r = pxctl(words);
+    EXPECT_EQ(r.status, status) << words[0] << " " << words[1] << ": " << r.err;
+    if (words[0] == "-aro") {
+      EXPECT_TRUE(r.err.starts_with("[1700]")) << r.err;
+    }
+  }
+  EXPECT_EQ(dir_.read("north.ini"), north);
+  std::vector<std::string> records;
+  std::istringstream log(dir_.read("audit.log"));
+  for (std::string line; std::getline(log, line);) {
+    size_t instance = 0;
+    for (int tab = 0; tab < 4; ++tab) instance = line.find('\t', instance) + 1;
+    records.push_back(line.substr(instance));
+  }
+  EXPECT_EQ(records, (std::vector<std::string>{
+                         "far\tconfig set PXSERVER\tfailed\t1601",
+                         "north\tconfig set NOSUCH\tfailed\t1600",
+                         "ghost\tpause\tfailed\t165",
+                         "ghost\tjmd-save\tfailed\t165",
+                         "ghost\tkick\tfailed\t165",
+                         "ghost\treload-printer\tfailed\t165",
+                         "ghost\tstart\trefused\t1700",
+                         "far\tconfig set PXSERVER\trefused\t1700",
+                         "north\tstop-email\trefused\t1700",
+                     }));
 }
 
 TEST_F(PxctlConfigTest, AFailedWriteShowsWhyThenItsOwnMessageAndLeavesTheFile) {

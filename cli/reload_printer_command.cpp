@@ -48,9 +48,10 @@ bool parse(const std::vector<std::string>& words, Request& request) {
 int run_reload_printer(const Invocation& call) {
   Request request;
   if (!parse(call.words, request)) return usage_error("reload-printer", kSynopsis);
-  ControlSession session(call);
+  ControlSession session(call, "reload-printer");
   if (!session.ready()) return kExitFailed;
-  session.op().set_printer_request(request.all_printers, request.printers, request.all_forms,
+  session.hand_over();
+  session.console().set_printer_request(request.all_printers, request.printers, request.all_forms,
                                    request.form);
   return exit_status(printer_reload(session.context()));
 }

@@ -71,6 +71,10 @@ class OperatorAction {
   int last_message() const { return noting_.last; }
   // Ends the action; later calls change nothing.
   void finish(ActionResult result);
+  // Ends a permitted action without a record: it goes on under a gate of
+  // its own further in (a library call that opens one), or it turned out
+  // to be no action at all (a usage error).
+  void hand_over() { finished_ = true; }
 
  private:
   // Writes the audit record (audit_log.h); a file that cannot be written is

@@ -46,8 +46,8 @@ class ReadOnlyEndToEnd : public ::testing::Test {
         {{"kick"}, "kick"},
         {{"jmd-save"}, "jmd-save"},
         {{"jmd", "save", jmd, jmd}, "jmd save " + jmd},
-        {{"jmd", "add", jmd, "printers", "PrinterName=P9"}, "jmd add " + jmd},
-        {{"jmd", "new-job", jmd, "NEWJOB"}, "jmd new-job " + jmd},
+        {{"jmd", "add", jmd, "printers", "PrinterName=P9"}, "jmd add " + jmd + " printers"},
+        {{"jmd", "new-job", jmd, "NEWJOB"}, "jmd new-job " + jmd + " NEWJOB"},
         {{"ini", "set", ini, "Plexar", "WindowTitle", "changed"}, "ini set " + ini + " Plexar WindowTitle"},
         {{"ini", "delete", ini, "Plexar"}, "ini delete " + ini + " Plexar"},
     };

@@ -7,22 +7,6 @@
 
 namespace px::editors {
 
-namespace {
-
-// The load's messages reach the operator, its traces the log.
-class OperatorReporter : public jmd::Reporter {
- public:
-  explicit OperatorReporter(Operator& op) : op_(op) {}
-  void message(int n, const std::vector<std::string>& args) override { op_.show(n, args); }
-  void trace(std::string_view text) override { log_.trace(text); }
-
- private:
-  Operator& op_;
-  jmd::LogReporter log_;
-};
-
-}  // namespace
-
 JmdFile::JmdFile(std::string path, Operator& op)
     : path_(std::move(path)), op_(op), editor_(service_, op) {}
 

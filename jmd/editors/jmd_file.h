@@ -5,14 +5,29 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "common/file_system.h"
 #include "config/jmd_service.h"
 #include "config/operator.h"
 #include "jmd/editors/jmd_editor.h"
 #include "jmd/jmd.h"
+#include "jmd/jmd_report.h"
 
 namespace px::editors {
+
+// A JMD load's messages reach the operator, its traces the log.
+class OperatorReporter : public jmd::Reporter {
+ public:
+  explicit OperatorReporter(Operator& op) : op_(op) {}
+  void message(int n, const std::vector<std::string>& args) override { op_.show(n, args); }
+  void trace(std::string_view text) override { log_.trace(text); }
+
+ private:
+  Operator& op_;
+  jmd::LogReporter log_;
+};
 
 class JmdFile {
  public:
