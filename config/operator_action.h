@@ -12,9 +12,9 @@
 //
 // Read-only mode refuses every action here: ReadOnly=Yes (any value that
 // begins with "y" or "Y", as every Yes/No switch) in section Options of the
-// console's INI file, or the common option -aro. The operator is shown message 1700 with the action's name and
-// nothing is done; views and show commands, which open no OperatorAction,
-// work as usual.
+// console's INI file, or the common option -aro. The operator is shown
+// message 1700 with the action's name and nothing is done; views and show
+// commands, which open no OperatorAction, work as usual.
 //
 // Every action is recorded in the operator audit log (audit_log.h) when it
 // ends: refused at once, otherwise at finish() (or, unfinished, at the end

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "common/ini_profile.h"
+#include "common/text.h"
 
 namespace px::jmd {
 
@@ -45,18 +46,14 @@ void append_string(std::string& out, std::string_view value) {
   }
 }
 
-// A character the reader would take for a separator or a quote: a blank or
-// other white space inside quotes, a quote doubled (as a string of quotes),
-// so that the reader's quote rules give it back.
-// (A line break ends the line whatever the quotes; no edit stores one.)
-bool is_separator_or_quote(char c) {
-  return c == '"' || c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
-}
-
+// A character the reader would take for a separator or a quote is written
+// so that the reader's quote rules give it back: white space inside quotes,
+// a quote doubled (as a string of quotes). A line break ends the line
+// whatever the quotes; no edit stores one.
 void append_character(std::string& out, char c) {
   if (c == '\0') {
     out += kEmptyMark;
-  } else if (!is_separator_or_quote(c)) {
+  } else if (c != '"' && !is_space(c)) {
     out += c;
   } else {
     out += c == '"' ? std::string(2, '"') : std::string{'"', c, '"'};

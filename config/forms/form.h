@@ -60,7 +60,6 @@ struct Refusal {
 // The message that refuses a yield percentage outside 0 to 100.
 inline constexpr int kYieldOutOfRange = 303;
 
-
 class Form {
  public:
   Form(const FormDef& def, std::string file);

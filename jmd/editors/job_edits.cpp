@@ -12,8 +12,6 @@ namespace px::editors {
 namespace {
 
 constexpr size_t kJobNameLongest = 51;
-// The characters that end a word of a JMD line (the classic space class).
-constexpr std::string_view kWordSeparators = " \t\n\v\f\r";
 
 }  // namespace
 
@@ -114,7 +112,7 @@ int JmdEditor::check_new_job_name(std::string_view typed, std::string& name) {
   // A blank or a tab, or any other character that separates words in the
   // JMD file (a line break cannot be typed in the dialog, but pxctl takes
   // one): a job name is one word.
-  if (candidate.find_first_of(kWordSeparators) != std::string_view::npos) {
+  if (std::any_of(candidate.begin(), candidate.end(), is_space)) {
     op_->show(msg::kJobNameHasBlank, {std::string(candidate)});
     return msg::kJobNameHasBlank;
   }

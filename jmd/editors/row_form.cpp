@@ -48,9 +48,6 @@ constexpr std::array<FieldRule, 11> kStepRules = {{
 
 const std::string kNoText;
 
-// White space other than the blank.
-constexpr std::string_view kUnwritable = "\t\n\v\f\r";
-
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
 }  // namespace
@@ -78,7 +75,7 @@ Typed apply_change(const FieldRule& rule, std::string_view changed) {
   // writes such a string as it stands: the field does not take one.
   size_t kept = 0;
   for (char c : typed.text) {
-    if (kUnwritable.find(c) == std::string_view::npos) typed.text[kept++] = c;
+    if (c == ' ' || !is_space(c)) typed.text[kept++] = c;
   }
   if (kept < typed.text.size()) {
     typed.caret_back += static_cast<int>(typed.text.size() - kept);
